@@ -1,0 +1,13 @@
+#ifndef BREVANTIS_ASN1_EXPORT_H
+#define BREVANTIS_ASN1_EXPORT_H
+
+/// @file
+/// Marks what the shared library offers; everything else stays hidden in it.
+
+#if defined(BREVANTIS_ASN1_STATIC)
+#define BREVANTIS_ASN1_API
+#else
+#define BREVANTIS_ASN1_API __attribute__((visibility("default")))
+#endif
+
+#endif

@@ -1,0 +1,52 @@
+#ifndef BREVANTIS_ASN1_RUNTIME_BIT_STRING_H
+#define BREVANTIS_ASN1_RUNTIME_BIT_STRING_H
+
+#include <brevantis/asn1/export.h>
+#include <brevantis/asn1/runtime/value_types.h>
+
+/// @file
+/// Coders of BIT STRING (X.690 clause 8.6): any BER form in, the primitive definite form out. The
+/// first bit of a value is the high bit of its first octet.
+///
+/// Of a constructed string only the last segment gives up its count of unused bits. The first octet
+/// of every other segment stays in the value as data, and a constructed segment counts as data as a
+/// whole. So a value from several segments is not the one that X.690 clause 8.6.4 has in mind.
+
+struct ASN1CTXT;
+
+/// Writes a BIT STRING.
+/// @param data the bits; unused bits of the last octet go out as they stand
+/// @param numbits bits in @p data; trailing zero bits are not trimmed
+/// @return octets written; 0, with nothing written, for bits without @p data, which counts as an
+///         absent value; -1 when a caller-owned buffer is full; -12 when memory is out
+BREVANTIS_ASN1_API int xe_bitstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numbits,
+                                 ASN1TagType tagging) noexcept;
+
+/// Reads a BIT STRING.
+/// @param data receives the bits: a block of the context's heap or, with ASN1F_NO_COPY and a
+///        primitive form, a pointer into the message, which must then outlive the value; null for
+///        an empty string
+/// @param numbits receives the count of bits; 0 after a failure
+/// @param length with ASN1TagImplicit the length of the content, or ASN1IndefiniteLength
+/// @return 0, or a status. Recorded: -2 for a segment past the end of the message, -3 for another
+///         tag, -5 for bad lengths and missing end-of-contents octets, -12 when memory is out, -17
+///         for a segment that exceeds the string, -21 for a segment of another tag in a string of
+///         indefinite length. Not recorded: -2 for content past the end, -5 for unused bits of an
+///         empty string, -17 for more bits than 32 bits can count, -18 for more than 7 unused bits
+BREVANTIS_ASN1_API int xd_bitstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numbits,
+                                 ASN1TagType tagging, int length) noexcept;
+
+/// Reads a BIT STRING into a buffer.
+/// @param buffer the caller's, of the whole octets that `*numbits` bits take
+/// @param numbits in: capacity of @p buffer in bits, where 0 means that it holds any value; out, on
+///        success: bits read
+/// @param tagging ASN1TagExplicit takes a primitive element only
+/// @param length with ASN1TagImplicit the length of the content, or ASN1IndefiniteLength, whose
+///        end-of-contents octets are left for the caller
+/// @return 0, or a status as for xd_bitstr; -17 also when the content exceeds the capacity,
+/// recorded
+///         for a constructed form only
+BREVANTIS_ASN1_API int xd_bitstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* numbits,
+                                   ASN1TagType tagging, int length) noexcept;
+
+#endif

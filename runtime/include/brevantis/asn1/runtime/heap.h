@@ -1,0 +1,92 @@
+#ifndef BREVANTIS_ASN1_RUNTIME_HEAP_H
+#define BREVANTIS_ASN1_RUNTIME_HEAP_H
+
+#include <cstddef>
+
+#include <brevantis/asn1/export.h>
+
+/// @file
+/// The memory heap of a coding context: single blocks on one list, released together.
+///
+/// The heap is not an arena. Each allocation is one call of the allocator hook; the heap keeps its
+/// live blocks on a doubly linked list, so that one can be freed early and the rest all at once.
+/// A `heapRef` is the address of a heap pointer, as `&ctxt->memHeap`.
+
+struct ASN1MemHeap;
+
+/// Header in front of every block, 48 octets; the caller's pointer is the first octet behind it.
+struct ASN1MemBlock {
+    ASN1MemBlock* next; ///< the next older block
+    ASN1MemBlock* prev; ///< the next newer block, null for the newest
+    ASN1MemHeap* heap;  ///< the heap that the block is on
+    void* reserved[2];
+    unsigned long size; ///< octets of the user area, as last requested
+};
+
+/// A counted heap.
+struct ASN1MemHeap {
+    ASN1MemBlock* blockList; ///< the newest block
+    unsigned int defBlkSize; ///< `g_defBlkSize` at creation, for information
+    unsigned int refCount;
+    unsigned int heapFlags; ///< 0x10000000: the record itself came from the allocator
+    void* userData;         ///< first argument of every allocator call
+};
+
+/// Default block size that a new heap notes; no allocation depends on it.
+extern BREVANTIS_ASN1_API unsigned int g_defBlkSize;
+
+/// Allocator of every heap. Set these before the first context exists and leave them alone while
+/// any heap lives; they are read without synchronisation. They report failure by null and must not
+/// throw; blocks must be aligned as `malloc` aligns them. `g_realloc_func` is never called.
+extern BREVANTIS_ASN1_API void* (*g_malloc_func)(void* userData, std::size_t size);
+extern BREVANTIS_ASN1_API void* (*g_realloc_func)(void* userData, void* ptr, std::size_t size);
+extern BREVANTIS_ASN1_API void (*g_free_func)(void* userData, void* ptr);
+
+/// The platform's `malloc`, `realloc` and `free` in the shape of the hooks.
+BREVANTIS_ASN1_API void* rtDefaultMalloc(void* userData, std::size_t size);
+BREVANTIS_ASN1_API void* rtDefaultRealloc(void* userData, void* ptr, std::size_t size);
+BREVANTIS_ASN1_API void rtDefaultFree(void* userData, void* ptr);
+
+/// Creates a heap with one reference, to be dropped by rtMemHeapRelease.
+/// @param heap receives the heap
+/// @param userData handed to every allocator call of this heap
+/// @return 0; -30 when @p heap is null; -12 when memory is out
+BREVANTIS_ASN1_API int rtMemHeapCreate(void** heap, void* userData) noexcept;
+
+/// Allocates a block, creating the heap when the pointer behind @p heapRef is null.
+/// @param size octets; 0 yields a valid unique pointer
+/// @return the block, which lives until it is freed or the heap is released; null when memory is
+///         out, @p heapRef is null, or @p size is negative or above 0x7FFFFFCF
+BREVANTIS_ASN1_API void* rtMemHeapAlloc(void* heapRef, int size) noexcept;
+
+/// The same as rtMemHeapAlloc, zero-filled.
+BREVANTIS_ASN1_API void* rtMemHeapAllocZ(void* heapRef, int size) noexcept;
+
+/// Resizes a block. Growth moves it to a new block with the old contents; a smaller size is only
+/// noted, so that growing back moves it too.
+/// @param ptr a block that is live, or null to allocate
+/// @param size the new size in octets
+/// @return the block, or null with the old one still valid, for the reasons of rtMemHeapAlloc
+BREVANTIS_ASN1_API void* rtMemHeapRealloc(void* heapRef, void* ptr, int size) noexcept;
+
+/// Frees one block. Nothing happens when @p heapRef, the heap or @p ptr is null.
+/// @param ptr a live block; it goes back to the heap that it came from, which is another one than
+///        that of @p heapRef when a context has joined another heap in between
+BREVANTIS_ASN1_API void rtMemHeapFreePtr(void* heapRef, void* ptr) noexcept;
+
+/// Adds a reference; null arguments are ignored.
+BREVANTIS_ASN1_API void rtMemHeapAddRef(void* heapRef) noexcept;
+
+/// Drops a reference. With the last one every block and the heap itself go back to the allocator
+/// and the caller's pointer becomes null.
+BREVANTIS_ASN1_API void rtMemHeapRelease(void* heapRef) noexcept;
+
+/// Stands where a check of a block would; nothing is looked at.
+/// @return 1
+BREVANTIS_ASN1_API int rtMemHeapCheckPtr(void* heapRef, void* ptr) noexcept;
+
+/// Stands where a mark would keep a block over a release; does nothing.
+/// @return 0
+BREVANTIS_ASN1_API int rtMemHeapMarkSaved(void* heapRef, void* ptr) noexcept;
+
+#endif

@@ -1,0 +1,236 @@
+#include <climits>
+#include <cstring>
+
+#include <brevantis/asn1/runtime/big_integer.h>
+#include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/heap.h>
+#include <brevantis/asn1/runtime/tag_length.h>
+
+#include "big_integer_digits.h"
+#include "octet_reader.h"
+
+using namespace runtime_detail;
+
+namespace {
+
+constexpr unsigned char integerTag = 2;
+
+/// The digits of hexadecimal or binary text.
+struct Digits {
+    const char* text;
+    std::size_t count;
+    unsigned int bits; ///< bits per digit
+
+    std::size_t perOctet() const noexcept { return 8 / bits; }
+    bool fillOctets() const noexcept { return count % perOctet() == 0; }
+    void drop(std::size_t digits) noexcept {
+        text += digits;
+        count -= digits;
+    }
+    void dropLeadingZeros() noexcept {
+        while (count != 0 && *text == '0') {
+            drop(1);
+        }
+    }
+    /// Drops leading octets of all ones; the digits must fill octets.
+    void dropLeadingOnes() noexcept {
+        const unsigned int ones = (1u << bits) - 1;
+        for (; count != 0; drop(perOctet())) {
+            for (std::size_t i = 0; i < perOctet(); ++i) {
+                if (digitValue(text[i]) != ones) {
+                    return;
+                }
+            }
+        }
+    }
+};
+
+/// Finds the digits behind a prefix.
+/// @return false for text without a prefix or without a digit
+bool findDigits(const char* text, Digits* digits) noexcept {
+    if (text[0] != '0' || (text[1] != 'x' && text[1] != 'b') || text[2] == '\0') {
+        return false;
+    }
+    *digits = {text + 2, std::strlen(text + 2), text[1] == 'x' ? 4u : 1u};
+    return true;
+}
+
+int writeOctet(ASN1CTXT* ctxt, unsigned char octet) noexcept {
+    const int status = xe_memcpy(ctxt, &octet, 1);
+    return status < 0 ? record(ctxt, status) : status;
+}
+
+/// Makes room for @p octets and one sign octet at once, since a buffer that grows step by step is
+/// copied at each of them.
+int makeRoom(ASN1CTXT* ctxt, std::size_t octets) noexcept {
+    if (octets >= INT_MAX) {
+        return record(ctxt, ASN1S_NO_MEMORY);
+    }
+    if (ctxt->buffer.dynamic != 0 && ctxt->buffer.byteIndex <= octets) {
+        const int status = xe_expandBuffer(ctxt, static_cast<int>(octets + 1));
+        return status < 0 ? record(ctxt, status) : status;
+    }
+    return ASN1S_SUCCESS;
+}
+
+/// Writes the octets that digits stand for, from the last to the first; the first may be filled in
+/// part.
+/// @param top receives the first octet
+/// @return the octets written, or a recorded status
+int writeDigits(ASN1CTXT* ctxt, const Digits& digits, unsigned char* top) noexcept {
+    const std::size_t octets = digits.count / digits.perOctet() + (digits.fillOctets() ? 0 : 1);
+    if (const int status = makeRoom(ctxt, octets)) {
+        return status;
+    }
+    std::size_t rest = digits.count;
+    while (rest != 0) {
+        unsigned int octet = 0;
+        for (unsigned int shift = 0; shift < 8 && rest != 0; shift += digits.bits) {
+            const unsigned int value = digitValue(digits.text[--rest]);
+            if (value >> digits.bits != 0) {
+                return record(ctxt, ASN1S_BAD_VALUE);
+            }
+            octet |= value << shift;
+        }
+        *top = static_cast<unsigned char>(octet);
+        if (const int status = writeOctet(ctxt, *top); status < 0) {
+            return status;
+        }
+    }
+    return static_cast<int>(octets);
+}
+
+/// Puts one octet in front of @p count octets that are written.
+int addOctet(ASN1CTXT* ctxt, int count, unsigned char octet) noexcept {
+    const int status = writeOctet(ctxt, octet);
+    return status < 0 ? status : count + status;
+}
+
+/// Contents octets of transcribed text, in the fewest octets (X.690 8.3.2).
+int writeSigned(ASN1CTXT* ctxt, Digits digits) noexcept {
+    const bool negative = digits.fillOctets() && digitValue(*digits.text) >> (digits.bits - 1) == 1;
+    if (negative) {
+        digits.dropLeadingOnes();
+    } else {
+        digits.dropLeadingZeros();
+    }
+    const unsigned char signOctet = negative ? 0xFF : 0;
+    if (digits.count == 0) {
+        return writeOctet(ctxt, signOctet);
+    }
+    unsigned char top = 0;
+    const int count = writeDigits(ctxt, digits, &top);
+    if (count < 0 || !digits.fillOctets() || ((top ^ signOctet) & 0x80) == 0) {
+        return count;
+    }
+    return addOctet(ctxt, count, signOctet);
+}
+
+/// Contents octets of transcribed text without a sign. A leading zero digit asks for a zero octet.
+int writeUnsigned(ASN1CTXT* ctxt, Digits digits) noexcept {
+    const bool leadingZero = *digits.text == '0';
+    digits.dropLeadingZeros();
+    if (digits.count == 0) {
+        return writeOctet(ctxt, 0);
+    }
+    unsigned char top = 0;
+    const int count = writeDigits(ctxt, digits, &top);
+    if (count < 0 || !digits.fillOctets() || !leadingZero) {
+        return count;
+    }
+    return addOctet(ctxt, count, 0);
+}
+
+/// Contents octets of text that has to be calculated: decimal and octal, mostly.
+int writeCalculated(ASN1CTXT* ctxt, const char* text) noexcept {
+    unsigned char room[512];
+    RtBigIntDataRec number = {0, room, 0, sizeof room, 0};
+    int count = rtBigIntSetStr(ctxt, &number, text, 0);
+    if (count == ASN1S_SUCCESS) {
+        const int length = rtBigIntGetDataLen(&number);
+        ASN1Buffer& buffer = ctxt->buffer;
+        // Two octets stay free for the header that most likely follows.
+        if (buffer.byteIndex < static_cast<unsigned int>(length) + 2) {
+            count = xe_expandBuffer(ctxt, length);
+        }
+        if (count < 0) {
+            record(ctxt, count);
+        } else {
+            buffer.byteIndex -= static_cast<unsigned int>(length);
+            count = rtBigIntGetData(ctxt, &number, buffer.data + buffer.byteIndex, length);
+        }
+    }
+    rtBigIntFree(ctxt, &number);
+    return count;
+}
+
+bool isEmpty(const char* text) noexcept {
+    return text == nullptr || *text == '\0';
+}
+
+bool isZeroDigit(const char* text) noexcept {
+    return text[0] == '0' && text[1] == '\0';
+}
+
+} // namespace
+
+int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length) noexcept {
+    *text = nullptr;
+    if (tagging == ASN1TagExplicit) {
+        if (const int status = readExplicitHeader(ctxt, integerTag, &length)) {
+            return status;
+        }
+    }
+    if (!fits(ctxt, length)) { // an indefinite length, which X.690 8.1.3.2 forbids here, included
+        return ASN1S_END_OF_BUFFER;
+    }
+    const unsigned char* octets = ctxt->buffer.data + ctxt->buffer.byteIndex;
+    ctxt->buffer.byteIndex += static_cast<unsigned int>(length);
+    // X.690 8.3.2 allows one zero octet at most; software that pads numbers to a width sends more.
+    const bool leadingZero = length != 0 && *octets == 0;
+    while (length != 0 && *octets == 0) {
+        ++octets;
+        --length;
+    }
+    const long long room = length * 2LL + 4;
+    char* next = room > INT_MAX
+                     ? nullptr
+                     : static_cast<char*>(rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(room)));
+    if (next == nullptr) {
+        return ASN1S_NO_MEMORY;
+    }
+    *text = next;
+    *next++ = '0';
+    *next++ = 'x';
+    if (length == 0 || (leadingZero && (*octets & 0x80) != 0)) {
+        *next++ = '0';
+    }
+    for (const unsigned char* end = octets + length; octets != end; ++octets) {
+        *next++ = digitOf(*octets >> 4);
+        *next++ = digitOf(*octets & 0x0F);
+    }
+    *next = '\0';
+    return ASN1S_SUCCESS;
+}
+
+int xe_bigint(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging) noexcept {
+    if (isEmpty(text)) {
+        return record(ctxt, ASN1S_BAD_VALUE);
+    }
+    Digits digits;
+    const int count = isZeroDigit(text)           ? writeOctet(ctxt, 0)
+                      : findDigits(text, &digits) ? writeSigned(ctxt, digits)
+                                                  : writeCalculated(ctxt, text);
+    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, integerTag, count) : count;
+}
+
+int xe_biguint(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging) noexcept {
+    if (isEmpty(text)) {
+        return record(ctxt, ASN1S_BAD_VALUE);
+    }
+    Digits digits;
+    const int count = isZeroDigit(text)           ? writeOctet(ctxt, 0)
+                      : findDigits(text, &digits) ? writeUnsigned(ctxt, digits)
+                                                  : record(ctxt, ASN1S_BAD_VALUE);
+    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, integerTag, count) : count;
+}

@@ -1,0 +1,156 @@
+#include <brevantis/asn1/runtime/octet_string.h>
+
+#include <algorithm>
+
+#include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/element_walk.h>
+#include <brevantis/asn1/runtime/tag_length.h>
+
+#include "octet_reader.h"
+#include "string_contents.h"
+
+namespace {
+
+constexpr unsigned char octetStringTag = 4;
+
+} // namespace
+
+namespace runtime_detail {
+
+int openString(ASN1CTXT* ctxt, unsigned char identifierOctet, ASN1TAG segmentTag,
+               ASN1TagType tagging, int length, StringContents* contents) noexcept {
+    if (tagging == ASN1TagExplicit) {
+        if (const int status = xd_match1(ctxt, identifierOctet, &length)) {
+            return record(ctxt, status);
+        }
+    }
+    // The flag speaks of the tag read last, and measuring the segments reads further ones.
+    contents->constructed = (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
+    contents->closesItself = contents->constructed && length == ASN1IndefiniteLength;
+    contents->length = length;
+    contents->dataLength = length;
+    if (length == ASN1IndefiniteLength) {
+        // X.690 8.1.3.6; producers that stream (CMS content, mostly) write this form.
+        if (const int status = xd_consStrIndefLenAndSize(ctxt, segmentTag, &contents->dataLength,
+                                                         &contents->length)) {
+            return record(ctxt, status);
+        }
+    }
+    return ASN1S_SUCCESS;
+}
+
+int closeString(ASN1CTXT* ctxt, const StringContents& contents) noexcept {
+    if (!contents.closesItself) {
+        return ASN1S_SUCCESS;
+    }
+    if (!rtEndOfContentsAhead(ctxt)) { // X.690 8.1.5
+        return record(ctxt, ASN1S_INVALID_LENGTH);
+    }
+    ctxt->buffer.byteIndex += 2;
+    return ASN1S_SUCCESS;
+}
+
+int readOctets(ASN1CTXT* ctxt, unsigned char* target, unsigned int room, int length,
+               unsigned int* count) noexcept {
+    *count = 0;
+    if ((ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
+        if (static_cast<unsigned int>(length) > room) {
+            return record(ctxt, ASN1S_STRING_OVERFLOW);
+        }
+        if (length == 0) {
+            return ASN1S_SUCCESS;
+        }
+        if (const int status = xd_memcpy(ctxt, target, length)) {
+            return record(ctxt, status);
+        }
+        *count = static_cast<unsigned int>(length);
+        return ASN1S_SUCCESS;
+    }
+    // X.690 8.7.3: the segments are OCTET STRINGs. The standard lets them be constructed in turn;
+    // here each has to be primitive, which also bounds the recursion.
+    const unsigned int whole = static_cast<unsigned int>(length);
+    const unsigned int start = ctxt->buffer.byteIndex;
+    while (ctxt->buffer.byteIndex - start < whole && remaining(ctxt) != 0) {
+        unsigned int segment = std::min(whole, room - *count);
+        if (const int status = xd_octstr_s(ctxt, target + *count, &segment, ASN1TagExplicit,
+                                           static_cast<int>(segment))) {
+            return status;
+        }
+        *count += segment;
+    }
+    return ctxt->buffer.byteIndex - start == whole ? ASN1S_SUCCESS
+                                                   : record(ctxt, ASN1S_INVALID_LENGTH);
+}
+
+} // namespace runtime_detail
+
+using namespace runtime_detail;
+
+int xe_octstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numocts,
+              ASN1TagType tagging) noexcept {
+    const int count = data != nullptr ? xe_memcpy(ctxt, data, numocts) : 0;
+    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, octetStringTag, count) : count;
+}
+
+int xd_octstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numocts,
+              ASN1TagType tagging, int length) noexcept {
+    *data = nullptr;
+    *numocts = 0;
+    StringContents contents;
+    if (const int status =
+            openString(ctxt, octetStringTag, octetStringTag, tagging, length, &contents)) {
+        return status;
+    }
+    if (contents.length < 0) {
+        return record(ctxt, ASN1S_INVALID_LENGTH);
+    }
+    if (!contents.constructed && (ctxt->flags & ASN1F_NO_COPY) != 0) {
+        const unsigned char* octets = ctxt->buffer.data + ctxt->buffer.byteIndex;
+        if (const int status = skipContents(ctxt, contents.length)) {
+            return record(ctxt, status);
+        }
+        *data = octets;
+        *numocts = static_cast<unsigned int>(contents.length);
+    } else {
+        unsigned char* block = allocateOctets(ctxt, contents.dataLength);
+        if (block == nullptr) {
+            return record(ctxt, ASN1S_NO_MEMORY);
+        }
+        *data = block;
+        unsigned int count = 0;
+        if (const int status =
+                readOctets(ctxt, block, static_cast<unsigned int>(contents.dataLength),
+                           contents.length, &count)) {
+            return status;
+        }
+        *numocts = count;
+    }
+    return closeString(ctxt, contents);
+}
+
+int xd_octstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* size, ASN1TagType tagging,
+                int length) noexcept {
+    if (tagging == ASN1TagExplicit) {
+        int ownLength = 0;
+        const int status = readExplicitHeader(ctxt, octetStringTag, &ownLength);
+        if (status == ASN1S_TAG_NOT_FOUND) {
+            return status;
+        }
+        // A length that cannot be read is recorded; the reading goes on with the caller's.
+        if (status == ASN1S_SUCCESS) {
+            length = ownLength;
+        }
+    }
+    if (length < 0) { // X.690 8.1.3.2: no indefinite length on a primitive form
+        return record(ctxt, ASN1S_INVALID_LENGTH);
+    }
+    if (static_cast<unsigned int>(length) > *size) {
+        return record(ctxt, ASN1S_STRING_OVERFLOW);
+    }
+    unsigned int count = 0;
+    if (const int status = readOctets(ctxt, buffer, *size, length, &count)) {
+        return status;
+    }
+    *size = count;
+    return ASN1S_SUCCESS;
+}

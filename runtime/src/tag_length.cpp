@@ -1,0 +1,370 @@
+#include <brevantis/asn1/runtime/tag_length.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include <brevantis/asn1/runtime/heap.h>
+
+#include "octet_reader.h"
+
+namespace {
+
+using runtime_detail::record;
+using runtime_detail::remaining;
+using runtime_detail::takeOctet;
+
+/// Largest message, and the largest block that the heap hands out.
+constexpr std::uint32_t longestMessage = 0x7FFFFFFF;
+constexpr std::uint32_t largestBlock = 0x7FFFFFCF;
+
+constexpr std::uint32_t growthStep = 16384;
+
+/// Low five bits of an identifier octet that announce number octets (X.690 8.1.2.4.1).
+constexpr unsigned char longFormNumber = 31;
+
+/// Class, form and, in the short form, number of an identifier octet as an ASN1TAG.
+constexpr ASN1TAG shortTag(unsigned char identifierOctet) noexcept {
+    return ((identifierOctet & 0xE0U) << 24) | (identifierOctet & 0x1FU);
+}
+
+/// First identifier octet with class and form of @p tag and @p lowBits as its low five bits.
+constexpr unsigned char leadingOctet(ASN1TAG tag, std::uint32_t lowBits) noexcept {
+    return static_cast<unsigned char>((tag >> 29 << 5) | lowBits);
+}
+
+/// Makes room for @p count more octets in front of the message.
+int makeRoom(ASN1CTXT* ctxt, std::uint32_t count) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (buffer.dynamic == 0) {
+        return ASN1S_BUFFER_OVERFLOW;
+    }
+    const std::uint32_t growth = std::max(count, growthStep);
+    if (buffer.size > largestBlock || growth > largestBlock - buffer.size) {
+        return ASN1S_NO_MEMORY;
+    }
+    const std::uint32_t newSize = buffer.size + growth;
+    auto* block =
+        static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(newSize)));
+    if (block == nullptr) {
+        return ASN1S_NO_MEMORY;
+    }
+    // The unused last octet moves along, so that distances from the end stay valid.
+    const std::uint32_t used = buffer.size - buffer.byteIndex;
+    if (used != 0) {
+        std::memcpy(block + (newSize - used), buffer.data + buffer.byteIndex, used);
+    }
+    rtMemHeapFreePtr(&ctxt->memHeap, buffer.data);
+    buffer.data = block;
+    buffer.size = newSize;
+    buffer.byteIndex += growth;
+    return ASN1S_SUCCESS;
+}
+
+/// Writes one octet, as headers do: a plain store, no copy call.
+/// @return 1, or the failure of makeRoom
+inline int putOctet(ASN1CTXT* ctxt, std::uint32_t octet) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (buffer.byteIndex == 0) {
+        const int status = makeRoom(ctxt, 1);
+        if (status != ASN1S_SUCCESS) {
+            return status;
+        }
+    }
+    buffer.data[--buffer.byteIndex] = static_cast<unsigned char>(octet);
+    return 1;
+}
+
+constexpr unsigned short closedMessage = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
+
+/// xd_tag_len for long forms and cut-off headers. Kept out of line, so that the common case needs
+/// no register beyond the caller's.
+[[gnu::noinline]] int readAnyHeader(ASN1CTXT* ctxt, ASN1TAG* tag, int* len,
+                                    int matchFlags) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    const ASN1SavedState start{buffer.byteIndex, ctxt->savedInfo.bitOffset, ctxt->flags};
+    if ((start.flags & closedMessage) == closedMessage) {
+        return ASN1S_END_OF_BUFFER;
+    }
+    if (remaining(ctxt) == 0) {
+        if ((start.flags & ASN1F_INDEF_MESSAGE) != 0) {
+            ctxt->savedInfo = start;
+        }
+        return ASN1S_END_OF_BUFFER;
+    }
+    ctxt->savedInfo = start;
+
+    int status = xd_tag(ctxt, tag);
+    if (status == ASN1S_SUCCESS) {
+        status = runtime_detail::readLength(ctxt, len);
+        if (status == ASN1S_SUCCESS && *len == ASN1IndefiniteLength &&
+            (ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
+            return ASN1S_INVALID_LENGTH; // X.690 8.1.3.2: constructed encodings only
+        }
+    }
+    if ((matchFlags & ASN1MatchAdvance) == 0) {
+        buffer.byteIndex = start.byteIndex;
+        ctxt->flags = start.flags;
+    }
+    return status;
+}
+
+} // namespace
+
+int xd_setp(ASN1CTXT* ctxt, const unsigned char* msg, int msgLen, ASN1TAG* tag, int* len) noexcept {
+    const std::uint32_t stated = msgLen < 1 ? longestMessage : static_cast<std::uint32_t>(msgLen);
+    // Decoders only ever read through the descriptor, whose pointer serves encoders as well.
+    int status = rtInitContextBuffer(ctxt, const_cast<unsigned char*>(msg), stated);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (msg == nullptr) {
+        buffer.size = 0; // the block that was bound in its place has never been written
+    }
+    ctxt->flags =
+        static_cast<unsigned short>(ctxt->flags & ~(ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC));
+
+    ASN1TAG firstTag = 0;
+    int length = 0;
+    status = xd_tag_len(ctxt, &firstTag, &length, ASN1MatchAdvance);
+    if (status != ASN1S_SUCCESS) {
+        if (status == ASN1S_INVALID_LENGTH) {
+            buffer.byteIndex = 0;
+        }
+        return status;
+    }
+    if (length == ASN1IndefiniteLength) {
+        ctxt->flags = static_cast<unsigned short>(ctxt->flags | ASN1F_INDEF_MESSAGE);
+    } else {
+        // With lengths unchecked a negative one stands for 2 GB and more.
+        const std::uint64_t end =
+            std::uint64_t{static_cast<std::uint32_t>(length)} + buffer.byteIndex;
+        if (end <= buffer.size) {
+            buffer.size = static_cast<std::uint32_t>(end);
+        } else if ((ctxt->flags & ASN1F_LENGTH_UNCHECKED) == 0) {
+            // X.690 8.1.3: the element is cut off. `size` keeps to the octets that exist, for
+            // callers that go on all the same.
+            status = ASN1S_INVALID_LENGTH;
+        }
+        length = static_cast<int>(static_cast<std::uint32_t>(end));
+    }
+    buffer.byteIndex = 0;
+    if (tag != nullptr) {
+        *tag = firstTag;
+    }
+    if (len != nullptr) {
+        *len = length;
+    }
+    return status;
+}
+
+int xd_tag(ASN1CTXT* ctxt, ASN1TAG* tag) noexcept {
+    *tag = 0;
+    if (remaining(ctxt) == 0) {
+        return ASN1S_END_OF_BUFFER;
+    }
+    const unsigned char identifierOctet = takeOctet(ctxt);
+    if ((identifierOctet & 0x1F) != longFormNumber) {
+        *tag = shortTag(identifierOctet);
+    } else {
+        // X.690 8.1.2.4.2, with leading zero octets (against its item c) and numbers below 31
+        // tolerated as encoders with fixed-width tags write them. Four octets cannot exceed the
+        // limit, nine are the most that any such encoder uses.
+        std::uint32_t number = 0;
+        for (int position = 1;; ++position) {
+            if (remaining(ctxt) == 0) {
+                return ASN1S_END_OF_BUFFER;
+            }
+            const unsigned char octet = takeOctet(ctxt);
+            number = (number << 7) | (octet & 0x7FU);
+            if (position >= 5 && number > ASN1TagNumberMask) {
+                return ASN1S_BAD_TAG;
+            }
+            if ((octet & 0x80) == 0) {
+                break;
+            }
+            if (position == 9) {
+                return ASN1S_BAD_TAG;
+            }
+        }
+        *tag = ((identifierOctet & 0xE0U) << 24) | number;
+    }
+    ctxt->flags = runtime_detail::withFormOf(ctxt->flags, identifierOctet);
+    return ASN1S_SUCCESS;
+}
+
+int xd_len(ASN1CTXT* ctxt, int* len) noexcept {
+    *len = 0;
+    if (remaining(ctxt) == 0) {
+        return record(ctxt, ASN1S_END_OF_BUFFER);
+    }
+    const unsigned char first = takeOctet(ctxt);
+    if (first < 0x80) { // short form, X.690 8.1.3.4
+        *len = first;
+        return ASN1S_SUCCESS;
+    }
+    if (first == 0x80) { // indefinite form, X.690 8.1.3.6
+        *len = ASN1IndefiniteLength;
+        return ASN1S_SUCCESS;
+    }
+    const int count = first & 0x7F;
+    if (count > 4) { // X.690 8.1.3.5 allows more octets; no content of 4 GB can be held
+        return record(ctxt, ASN1S_INVALID_LENGTH);
+    }
+    std::uint32_t value = 0;
+    for (int i = 0; i < count; ++i) {
+        if (remaining(ctxt) == 0) {
+            return record(ctxt, ASN1S_END_OF_BUFFER);
+        }
+        value = (value << 8) | takeOctet(ctxt);
+    }
+    *len = static_cast<int>(value);
+    if (*len == ASN1IndefiniteLength || (ctxt->flags & ASN1F_LENGTH_UNCHECKED) != 0) {
+        return ASN1S_SUCCESS;
+    }
+    if (*len < 0 || *len > static_cast<int>(remaining(ctxt))) {
+        return record(ctxt, ASN1S_INVALID_LENGTH);
+    }
+    return ASN1S_SUCCESS;
+}
+
+int xd_tag_len(ASN1CTXT* ctxt, ASN1TAG* tag, int* len, int matchFlags) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    const unsigned short flags = ctxt->flags;
+    if ((flags & closedMessage) != closedMessage && remaining(ctxt) >= 2) {
+        const unsigned char* header = buffer.data + buffer.byteIndex;
+        if ((header[0] & 0x1F) != longFormNumber && header[1] < 0x80) {
+            ctxt->savedInfo.byteIndex = buffer.byteIndex;
+            ctxt->savedInfo.flags = flags;
+            *tag = shortTag(header[0]);
+            *len = header[1];
+            if ((matchFlags & ASN1MatchAdvance) != 0) {
+                ctxt->flags = runtime_detail::withFormOf(flags, header[0]);
+                buffer.byteIndex += 2;
+            }
+            return ASN1S_SUCCESS;
+        }
+    }
+    return readAnyHeader(ctxt, tag, len, matchFlags);
+}
+
+int xe_setp(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int size) noexcept {
+    const int status = rtInitContextBuffer(ctxt, buffer, size);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    if (ctxt->buffer.size == 0) {
+        return ASN1S_BUFFER_OVERFLOW; // stays bound and full, so a caller that goes on gets -1
+    }
+    ctxt->buffer.byteIndex = ctxt->buffer.size - 1;
+    return ASN1S_SUCCESS;
+}
+
+unsigned char* xe_getp(ASN1CTXT* ctxt) noexcept {
+    return ctxt->buffer.data + ctxt->buffer.byteIndex;
+}
+
+int xe_memcpy(ASN1CTXT* ctxt, const void* source, unsigned int count) noexcept {
+    if (source == nullptr) {
+        return ASN1S_BAD_VALUE;
+    }
+    const auto* octets = static_cast<const unsigned char*>(source);
+    if (count == 1) {
+        return putOctet(ctxt, *octets);
+    }
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (count > longestMessage) { // its count could not be returned
+        return buffer.dynamic == 0 ? ASN1S_BUFFER_OVERFLOW : ASN1S_NO_MEMORY;
+    }
+    if (buffer.byteIndex < count) {
+        const int status = makeRoom(ctxt, count);
+        if (status != ASN1S_SUCCESS) {
+            return status;
+        }
+    }
+    if (count != 0) {
+        buffer.byteIndex -= count;
+        std::memcpy(buffer.data + buffer.byteIndex, octets, count);
+    }
+    return static_cast<int>(count);
+}
+
+int xe_expandBuffer(ASN1CTXT* ctxt, int count) noexcept {
+    return makeRoom(ctxt, static_cast<std::uint32_t>(std::max(count, 0)));
+}
+
+int xe_identifier(ASN1CTXT* ctxt, unsigned int value) noexcept {
+    int count = putOctet(ctxt, value & 0x7FU);
+    while (value >= 0x80 && count > 0) {
+        value >>= 7;
+        const int status = putOctet(ctxt, (value & 0x7FU) | 0x80U);
+        count = status < 0 ? status : count + status;
+    }
+    return count;
+}
+
+int xe_tag(ASN1CTXT* ctxt, ASN1TAG tag) noexcept {
+    const std::uint32_t number = tag & ASN1TagNumberMask;
+    if (number < longFormNumber) {
+        return putOctet(ctxt, leadingOctet(tag, number));
+    }
+    const int count = xe_identifier(ctxt, number);
+    if (count < 0) {
+        return count;
+    }
+    const int status = putOctet(ctxt, leadingOctet(tag, longFormNumber));
+    return status < 0 ? status : count + status;
+}
+
+int xe_len(ASN1CTXT* ctxt, int length) noexcept {
+    if (length == ASN1IndefiniteLength) {
+        return putOctet(ctxt, 0x80);
+    }
+    if (length < 0) {
+        return 0;
+    }
+    auto rest = static_cast<std::uint32_t>(length);
+    int count = putOctet(ctxt, rest & 0xFFU);
+    if (rest < 0x80 || count < 0) {
+        return count;
+    }
+    while ((rest >>= 8) != 0) {
+        const int status = putOctet(ctxt, rest & 0xFFU);
+        if (status < 0) {
+            return status;
+        }
+        count += status;
+    }
+    const int status = putOctet(ctxt, 0x80U | static_cast<std::uint32_t>(count));
+    return status < 0 ? status : count + status;
+}
+
+int xe_tag_len(ASN1CTXT* ctxt, ASN1TAG tag, int length) noexcept {
+    if (length < 0 && length != ASN1IndefiniteLength) {
+        return length;
+    }
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (length >= 0 && length < 0x80 && (tag & ASN1TagNumberMask) < longFormNumber &&
+        buffer.byteIndex >= 2) {
+        buffer.byteIndex -= 2;
+        buffer.data[buffer.byteIndex] = leadingOctet(tag, tag & ASN1TagNumberMask);
+        buffer.data[buffer.byteIndex + 1] = static_cast<unsigned char>(length);
+        return length + 2;
+    }
+    const int lengthCount = xe_len(ctxt, length);
+    if (lengthCount < 0) {
+        return lengthCount;
+    }
+    const int tagCount = xe_tag(ctxt, tag);
+    if (tagCount < 0) {
+        return tagCount;
+    }
+    const int headerCount = lengthCount + tagCount;
+    if (length == ASN1IndefiniteLength) {
+        return headerCount;
+    }
+    const bool countable = headerCount <= std::numeric_limits<int>::max() - length;
+    return countable ? headerCount + length : ASN1S_BUFFER_OVERFLOW;
+}

@@ -1,0 +1,293 @@
+#include <climits>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/heap.h>
+#include <brevantis/asn1/runtime/single_list.h>
+
+#include "support/counting_allocator.h"
+
+namespace {
+
+using tests::CountingAllocator;
+
+class Heap {
+public:
+    Heap() { EXPECT_EQ(rtMemHeapCreate(&heap_, nullptr), 0); }
+    ~Heap() { rtMemHeapRelease(&heap_); }
+    void** ref() { return &heap_; }
+    ASN1MemHeap* record() { return static_cast<ASN1MemHeap*>(heap_); }
+    char* allocate(int size) { return static_cast<char*>(rtMemHeapAlloc(&heap_, size)); }
+
+    /// Sizes from the newest block to the oldest; checks the way back on the go.
+    std::vector<unsigned long> sizes() {
+        std::vector<unsigned long> found;
+        const ASN1MemBlock* newer = nullptr;
+        for (const ASN1MemBlock* block = record()->blockList; block != nullptr;
+             block = block->next) {
+            EXPECT_EQ(block->prev, newer);
+            newer = block;
+            found.push_back(block->size);
+        }
+        return found;
+    }
+
+private:
+    void* heap_ = nullptr;
+};
+
+using Sizes = std::vector<unsigned long>;
+
+TEST(Heap, SizeLimits) {
+    const struct {
+        const char* name;
+        int size;
+        bool reachesAllocator;
+    } rows[] = {
+        {"nothing", 0, true},
+        {"the largest size", 0x7FFFFFCF, true},
+        {"the header would leave 31 bits", 0x7FFFFFD0, false},
+        {"the largest number", INT_MAX, false},
+        {"negative, header included", -1, false},
+        {"negative", -49, false},
+        {"the lowest number", INT_MIN, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        CountingAllocator allocator;
+        Heap heap;
+        char* block = heap.allocate(8);
+        const long before = CountingAllocator::calls();
+        CountingAllocator::failAfter(0);
+        EXPECT_EQ(rtMemHeapAlloc(heap.ref(), row.size), nullptr);
+        EXPECT_EQ(rtMemHeapAllocZ(heap.ref(), row.size), nullptr);
+        EXPECT_EQ(CountingAllocator::calls() - before, row.reachesAllocator ? 2 : 0);
+        if (row.size != 0) {
+            EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, row.size), nullptr);
+        }
+        EXPECT_EQ(heap.sizes(), Sizes{8});
+    }
+}
+
+TEST(Heap, BlocksOfNoOctetsAreDistinct) {
+    Heap heap;
+    char* first = heap.allocate(0);
+    char* second = heap.allocate(0);
+    ASSERT_NE(first, nullptr);
+    EXPECT_NE(first, second);
+}
+
+TEST(Heap, FreeingAnyBlockKeepsTheRest) {
+    CountingAllocator allocator;
+    {
+        Heap heap;
+        char* blocks[] = {heap.allocate(1), heap.allocate(2), heap.allocate(3), heap.allocate(4)};
+        EXPECT_EQ(heap.sizes(), (Sizes{4, 3, 2, 1}));
+        rtMemHeapFreePtr(heap.ref(), blocks[3]); // newest
+        EXPECT_EQ(heap.sizes(), (Sizes{3, 2, 1}));
+        rtMemHeapFreePtr(heap.ref(), blocks[1]); // in the middle
+        EXPECT_EQ(heap.sizes(), (Sizes{3, 1}));
+        rtMemHeapFreePtr(heap.ref(), blocks[0]); // oldest
+        EXPECT_EQ(heap.sizes(), Sizes{3});
+        rtMemHeapFreePtr(heap.ref(), blocks[2]); // the only one
+        EXPECT_EQ(heap.sizes(), Sizes{});
+        EXPECT_NE(heap.allocate(5), nullptr);
+        EXPECT_EQ(CountingAllocator::live(), 2);
+        rtMemHeapFreePtr(heap.ref(), nullptr);
+        rtMemHeapFreePtr(nullptr, blocks[0]);
+    }
+    EXPECT_EQ(CountingAllocator::live(), 0);
+}
+
+TEST(Heap, ResizeNotesTheSmallerSizeAndMovesOnGrowth) {
+    Heap heap;
+    char* block = heap.allocate(8);
+    std::string("12345678").copy(block, 8);
+    EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, 4), block);
+    EXPECT_EQ(heap.sizes(), Sizes{4});
+    auto* grown = static_cast<char*>(rtMemHeapRealloc(heap.ref(), block, 8));
+    ASSERT_NE(grown, nullptr);
+    EXPECT_NE(grown, block);
+    EXPECT_EQ(std::string(grown, 4), "1234");
+    EXPECT_EQ(heap.sizes(), Sizes{8});
+    EXPECT_NE(rtMemHeapRealloc(heap.ref(), nullptr, 3), nullptr);
+    EXPECT_EQ(heap.sizes(), (Sizes{3, 8}));
+    void* none = nullptr;
+    EXPECT_EQ(rtMemHeapRealloc(&none, nullptr, 3), nullptr);
+    EXPECT_EQ(none, nullptr);
+    EXPECT_EQ(rtMemHeapRealloc(nullptr, nullptr, 3), nullptr);
+}
+
+TEST(Heap, FailedGrowthLeavesTheOldBlock) {
+    CountingAllocator allocator;
+    Heap heap;
+    char* block = heap.allocate(3);
+    std::string("abc").copy(block, 3);
+    CountingAllocator::failAfter(0);
+    EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, 4), nullptr);
+    EXPECT_EQ(std::string(block, 3), "abc");
+    EXPECT_EQ(heap.sizes(), Sizes{3});
+}
+
+TEST(Heap, TheLastReferenceReleasesAll) {
+    CountingAllocator allocator;
+    void* heap = nullptr;
+    ASSERT_EQ(rtMemHeapCreate(&heap, nullptr), 0);
+    void* second = heap;
+    rtMemHeapAddRef(&second);
+    auto* block = static_cast<char*>(rtMemHeapAlloc(&heap, 3));
+    std::string("abc").copy(block, 3);
+    rtMemHeapRelease(&heap);
+    EXPECT_EQ(heap, second) << "a pointer stays while others hold the heap";
+    EXPECT_EQ(std::string(block, 3), "abc");
+    EXPECT_EQ(CountingAllocator::live(), 2);
+    rtMemHeapRelease(&second);
+    EXPECT_EQ(second, nullptr);
+    EXPECT_EQ(CountingAllocator::live(), 0);
+    rtMemHeapRelease(&second);
+    rtMemHeapRelease(nullptr);
+    rtMemHeapAddRef(nullptr);
+    rtMemHeapAddRef(&second);
+}
+
+TEST(Heap, ARecordOfTheProgramsIsNotFreed) {
+    CountingAllocator allocator;
+    ASN1MemHeap own{nullptr, 0, 1, 0, nullptr};
+    void* heap = &own;
+    ASSERT_NE(rtMemHeapAlloc(&heap, 1), nullptr);
+    rtMemHeapRelease(&heap);
+    EXPECT_EQ(heap, nullptr);
+    EXPECT_EQ(own.blockList, nullptr);
+    EXPECT_EQ(CountingAllocator::live(), 0);
+}
+
+TEST(Heap, IsMadeOnTheSpot) {
+    CountingAllocator allocator;
+    void* heap = nullptr;
+    ASSERT_NE(rtMemHeapAlloc(&heap, 1), nullptr);
+    ASSERT_NE(heap, nullptr);
+    EXPECT_EQ(static_cast<ASN1MemHeap*>(heap)->refCount, 1u);
+    rtMemHeapRelease(&heap);
+    CountingAllocator::failAfter(0);
+    EXPECT_EQ(rtMemHeapAlloc(&heap, 1), nullptr);
+    EXPECT_EQ(heap, nullptr);
+    EXPECT_EQ(rtMemHeapCreate(&heap, nullptr), ASN1S_NO_MEMORY);
+    EXPECT_EQ(rtMemHeapCreate(nullptr, nullptr), ASN1S_INVALID_PARAMETER);
+    EXPECT_EQ(rtMemHeapAlloc(nullptr, 1), nullptr);
+}
+
+TEST(Heap, ABlockReturnsToTheHeapThatItCameFrom) {
+    CountingAllocator allocator;
+    {
+        Heap first;
+        Heap second;
+        char* strayed = first.allocate(1);
+        first.allocate(2);
+        char* moving = first.allocate(3);
+        second.allocate(4);
+        rtMemHeapFreePtr(second.ref(), strayed);
+        EXPECT_EQ(first.sizes(), (Sizes{3, 2}));
+        ASSERT_NE(rtMemHeapRealloc(second.ref(), moving, 30), nullptr);
+        EXPECT_EQ(first.sizes(), Sizes{2});
+        EXPECT_EQ(second.sizes(), (Sizes{30, 4}));
+    }
+    EXPECT_EQ(CountingAllocator::live(), 0);
+}
+
+// The hooks see the program's pointer at every call; what they return is dirty memory.
+int marker = 0;
+int callsWithMarker = 0;
+
+void* dirtyMalloc(void* userData, std::size_t size) {
+    callsWithMarker += userData == &marker ? 1 : 0;
+    void* block = std::malloc(size);
+    std::memset(block, 0xA5, size);
+    return block;
+}
+
+void countingFree(void* userData, void* block) {
+    callsWithMarker += userData == &marker ? 1 : 0;
+    std::free(block);
+}
+
+TEST(Heap, HooksGetTheUserDataAndNothingRelyOnCleanMemory) {
+    g_malloc_func = dirtyMalloc;
+    g_free_func = countingFree;
+    callsWithMarker = 0;
+    void* heap = nullptr;
+    ASSERT_EQ(rtMemHeapCreate(&heap, &marker), 0);
+    auto* zeroed = static_cast<unsigned char*>(rtMemHeapAllocZ(&heap, 64));
+    for (int i = 0; i < 64; ++i) {
+        ASSERT_EQ(zeroed[i], 0) << i;
+    }
+    const auto* record = static_cast<ASN1MemHeap*>(heap);
+    EXPECT_EQ(record->defBlkSize, g_defBlkSize);
+    EXPECT_EQ(record->heapFlags, 0x10000000u);
+    rtMemHeapFreePtr(&heap, rtMemHeapAlloc(&heap, 1));
+    rtMemHeapRelease(&heap);
+    EXPECT_EQ(callsWithMarker, 6) << "three blocks, taken and given back";
+    g_malloc_func = rtDefaultMalloc;
+    g_free_func = rtDefaultFree;
+}
+
+TEST(Heap, TheDefaultHooksAreThePlatforms) {
+    auto* block = static_cast<char*>(g_realloc_func(nullptr, g_malloc_func(nullptr, 1), 64));
+    ASSERT_NE(block, nullptr);
+    std::memset(block, 1, 64);
+    g_free_func(nullptr, block);
+    EXPECT_EQ(g_defBlkSize, 4096u);
+}
+
+TEST(SingleList, NodesOfAContextComeFromItsHeap) {
+    CountingAllocator allocator;
+    ASN1CTXT ctxt;
+    ASSERT_EQ(rtInitContext(&ctxt, nullptr), 0);
+    int elements[3] = {1, 2, 3};
+    Asn1RTSList list;
+    rtSListInitEx(&ctxt, &list);
+    const long before = CountingAllocator::live();
+    for (int& element : elements) {
+        ASSERT_NE(rtSListAppend(&list, &element), nullptr);
+    }
+    EXPECT_EQ(CountingAllocator::live() - before, 3);
+    EXPECT_EQ(list.count, 3u);
+    EXPECT_EQ(list.head->data, &elements[0]);
+    EXPECT_EQ(list.head->next->data, &elements[1]);
+    EXPECT_EQ(list.tail->data, &elements[2]);
+    EXPECT_EQ(list.tail->next, nullptr);
+
+    CountingAllocator::failAfter(0);
+    EXPECT_EQ(rtSListAppend(&list, &elements[0]), nullptr);
+    EXPECT_EQ(list.count, 3u);
+    EXPECT_EQ(list.tail->data, &elements[2]);
+
+    rtSListFree(&list);
+    EXPECT_EQ(CountingAllocator::live(), before);
+    EXPECT_EQ(list.count, 0u);
+    EXPECT_EQ(list.head, nullptr);
+    EXPECT_EQ(list.tail, nullptr);
+    EXPECT_EQ(list.pctxt, nullptr);
+    EXPECT_EQ(elements[2], 3);
+    rtFreeContext(&ctxt);
+}
+
+TEST(SingleList, NodesWithoutAContextComeFromTheProcess) {
+    CountingAllocator allocator;
+    Asn1RTSList list;
+    rtSListInitEx(nullptr, &list);
+    ASSERT_NE(rtSListAppend(&list, &list), nullptr);
+    ASSERT_NE(rtSListAppend(&list, nullptr), nullptr);
+    EXPECT_EQ(list.count, 2u);
+    EXPECT_EQ(CountingAllocator::calls(), 0);
+    rtSListFree(&list);
+    EXPECT_EQ(list.head, nullptr);
+    rtSListInitEx(nullptr, nullptr);
+    rtSListFree(nullptr);
+    EXPECT_EQ(rtSListAppend(nullptr, nullptr), nullptr);
+}
+
+} // namespace

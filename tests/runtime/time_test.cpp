@@ -1,0 +1,417 @@
+#include <brevantis/asn1/runtime/time.h>
+
+#include <climits>
+
+#include <gtest/gtest.h>
+
+#include <brevantis/asn1/runtime/generalized_time.h>
+#include <brevantis/asn1/runtime/message_buffer.h>
+#include <brevantis/asn1/runtime/utc_time.h>
+
+#include "support/counting_allocator.h"
+#include "support/time_class_checks.h"
+
+namespace {
+
+using tests::describe;
+
+TEST(Time, ConstructorsParseNothing) {
+    ASN1BERDecodeBuffer buffer;
+    const char* text = "not a time";
+    char octets[40] = "20201301";
+    char* writable = octets;
+    ASN1CGeneralizedTime onBuffer(buffer, text);
+    ASN1CUTCTime onContext(*buffer.getContext(), writable, sizeof octets);
+    EXPECT_EQ(buffer.getCtxtPtr(), onBuffer.getCtxtPtr());
+    EXPECT_EQ(buffer.getCtxtPtr(), onContext.getCtxtPtr());
+    EXPECT_EQ(&buffer, onBuffer.getMsgBuf());
+    EXPECT_EQ(3u, buffer.getContext()->getRefCount() - 1);
+    // Under DER the flag is set, and nothing is parsed for it.
+    EXPECT_EQ(1, ASN1CGeneralizedTime(buffer, text, 1).getUTC());
+    EXPECT_EQ(1, ASN1CGeneralizedTime(*buffer.getContext(), text, 1).getUTC());
+    EXPECT_EQ(1, ASN1CGeneralizedTime(writable, sizeof octets, 1).getUTC());
+    EXPECT_EQ(0, buffer.getCtxtPtr()->errInfo.status);
+    EXPECT_EQ(0, onBuffer.getUTC());
+    EXPECT_EQ(1, onContext.getUTC());
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, buffer.getCtxtPtr()->errInfo.status);
+}
+
+TEST(Time, ConstructorsReportThatMemoryIsOut) {
+    tests::CountingAllocator allocator;
+    const char* text = "200101120000Z";
+    char octets[40];
+    char* writable = octets;
+    allocator.failAfter(0);
+    EXPECT_THROW(ASN1CUTCTime time(text), ASN1MessageBuffer::RTLError);
+    EXPECT_THROW(ASN1CGeneralizedTime time(writable, 40), ASN1MessageBuffer::RTLError);
+    EXPECT_EQ(0, allocator.live());
+}
+
+TEST(Time, GettersRecordAMalformedText) {
+    int (ASN1CTime::*const getters[])() = {&ASN1CTime::getYear,       &ASN1CTime::getMonth,
+                                           &ASN1CTime::getDay,        &ASN1CTime::getHour,
+                                           &ASN1CTime::getMinute,     &ASN1CTime::getSecond,
+                                           &ASN1CTime::getFraction,   &ASN1CTime::getDiffHour,
+                                           &ASN1CTime::getDiffMinute, &ASN1CTime::getDiff};
+    for (const auto getter : getters) {
+        std::string octets = "20201301120000Z";
+        const char* text = octets.c_str();
+        ASN1CGeneralizedTime time(text);
+        EXPECT_EQ(ASN1S_INVALID_FORMAT, (time.*getter)());
+        EXPECT_EQ(ASN1S_INVALID_FORMAT, time.getCtxtPtr()->errInfo.status);
+        octets[4] = '0';
+        EXPECT_NE(ASN1S_INVALID_FORMAT, (time.*getter)()) << "a failed parse is done again";
+        EXPECT_EQ("2020-03-01 12:00:00 Z", describe(time));
+    }
+    const char* text = "20201301120000Z";
+    ASN1CGeneralizedTime time(text);
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.getTime());
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.getCtxtPtr()->errInfo.status);
+}
+
+TEST(Time, SettersCheckTheirRange) {
+    struct {
+        int (ASN1CTime::*set)(int);
+        int (ASN1CTime::*get)();
+        std::vector<int> good;
+        std::vector<int> bad;
+    } const fields[] = {
+        {&ASN1CTime::setYear,
+         &ASN1CTime::getYear,
+         {0, 9996, 32764, 2020},
+         {-1, 2019, 1900, 65536, INT_MAX}},
+        {&ASN1CTime::setMonth, &ASN1CTime::getMonth, {1, 12, 2}, {0, 13, -3, INT_MAX}},
+        {&ASN1CTime::setDay, &ASN1CTime::getDay, {1, 29}, {0, 30, 31, 32, INT_MIN}},
+        {&ASN1CTime::setHour, &ASN1CTime::getHour, {0, 23}, {-1, 24}},
+        {&ASN1CTime::setMinute, &ASN1CTime::getMinute, {0, 59}, {-1, 60}},
+        {&ASN1CTime::setSecond, &ASN1CTime::getSecond, {0, 59}, {-1, 60}},
+        {&ASN1CTime::setFraction, &ASN1CTime::getFraction, {0, 9, -1, INT_MAX}, {}},
+        {&ASN1CTime::setDiffHour, &ASN1CTime::getDiffHour, {-12, 12}, {-13, 13}},
+        {&ASN1CTime::setDiff, &ASN1CTime::getDiff, {-720, 720, -90, 59, 0}, {-721, 721, INT_MIN}},
+    };
+    const char* text = "2020022912";
+    ASN1CGeneralizedTime time(text);
+    for (const auto& field : fields) {
+        const int before = (time.*field.get)();
+        for (const int bad : field.bad) {
+            rtErrReset(&time.getCtxtPtr()->errInfo);
+            EXPECT_EQ(ASN1S_INVALID_FORMAT, (time.*field.set)(bad)) << bad;
+            EXPECT_EQ(ASN1S_INVALID_FORMAT, time.getCtxtPtr()->errInfo.status);
+            EXPECT_EQ(before, (time.*field.get)());
+        }
+        for (const int good : field.good) {
+            EXPECT_EQ(0, (time.*field.set)(good)) << good;
+            EXPECT_EQ(good, (time.*field.get)());
+        }
+    }
+}
+
+TEST(Time, OffsetTakesTheSignOfItsHours) {
+    const char* text = "2020022912-0130";
+    ASN1CGeneralizedTime time(text);
+    EXPECT_EQ(0, time.setDiff(5, 6));
+    EXPECT_STREQ("2020022912+0506", text);
+    struct {
+        int hours, minutes, offset;
+    } const rows[] = {{0, -30, 30}, {1, -30, 90}, {-1, 30, -90}, {-12, -59, -779}, {12, 59, 779}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(0, time.setDiff(row.hours, row.minutes));
+        EXPECT_EQ(row.offset, time.getDiff());
+    }
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setDiff(13, 0));
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setDiff(-13, 0));
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setDiff(0, INT_MIN));
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setDiff(0, 60));
+    EXPECT_EQ(779, time.getDiff());
+    EXPECT_EQ(0, time.setDiffHour(-3));
+    EXPECT_EQ(59 - 180, time.getDiff()) << "the minutes stay";
+}
+
+TEST(Time, SettersParseFirst) {
+    int (ASN1CTime::*const setters[])(int) = {
+        &ASN1CTime::setMonth,  &ASN1CTime::setDay,      &ASN1CTime::setHour,
+        &ASN1CTime::setMinute, &ASN1CTime::setSecond,   &ASN1CTime::setFraction,
+        &ASN1CTime::setDiff,   &ASN1CTime::setDiffHour, &ASN1CTime::setYear};
+    for (const auto setter : setters) {
+        const char* text = "20200203040506.7-0809";
+        ASN1CGeneralizedTime time(text);
+        EXPECT_EQ(0, (time.*setter)(11));
+        const char* original = "20200203040506.7-0809";
+        ASN1CGeneralizedTime parsed(original);
+        parsed.getYear();
+        (parsed.*setter)(11);
+        EXPECT_EQ(describe(parsed), describe(time));
+        EXPECT_STREQ(original, text);
+    }
+}
+
+TEST(Time, SettersGoOnWithoutATime) {
+    const char* text = "20201301120000Z";
+    ASN1CGeneralizedTime time(text);
+    EXPECT_EQ(0, time.setHour(7));
+    EXPECT_STREQ("20201301120000Z", text) << "there is no date to write";
+    time.clear();
+    EXPECT_STREQ("", text);
+    EXPECT_EQ("-3--3--3 -3:00:00", describe(time));
+    // Month and day are checked against what is known: any year for 29 February.
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setDay(32));
+    EXPECT_EQ(0, time.setDay(29));
+    EXPECT_EQ(0, time.setMonth(2));
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setYear(2019));
+    EXPECT_EQ(0, time.setYear(2020));
+    EXPECT_EQ(0, time.setHour(5));
+    EXPECT_STREQ("2020022905", text);
+}
+
+TEST(Time, WritesWhereThereIsRoom) {
+    // Thirty octets of the caller's take a time; one that is longer is refused.
+    std::unique_ptr<char[]> large(new char[30]{"20200101120000Z"});
+    char* text = large.get();
+    ASN1CGeneralizedTime time(text, 30);
+    EXPECT_EQ(0, time.setDay(2));
+    EXPECT_EQ(0, time.setUTC(0));
+    EXPECT_EQ(0, time.setDiff(-90));
+    EXPECT_EQ(0, time.setFraction(INT_MAX));
+    EXPECT_EQ(ASN1S_STRING_OVERFLOW, time.compileString());
+    EXPECT_EQ(large.get(), text);
+    EXPECT_STREQ("2020010212-0130", text);
+    EXPECT_EQ(0, time.setFraction(INT_MAX / 10));
+    EXPECT_STREQ("20200102120000.214748364-0130", text);
+
+    // A smaller buffer, a read-only text and none are left alone: the variable turns to the object.
+    char small[29] = "20200101120000Z";
+    char* smallText = small;
+    const char* readOnly = "20200101120000Z";
+    {
+        ASN1CGeneralizedTime inSmall(smallText, sizeof small);
+        ASN1CGeneralizedTime inReadOnly(readOnly);
+        EXPECT_EQ(1, inSmall.getDay() * inReadOnly.getDay());
+        EXPECT_EQ(small, smallText);
+        inSmall.setYear(32764);
+        inSmall.setUTC(0);
+        inSmall.setDiff(-90);
+        inSmall.setFraction(INT_MAX);
+        inReadOnly.setDay(2);
+        EXPECT_STREQ("20200101120000Z", small);
+        EXPECT_STREQ("327640101120000.2147483647-0130", smallText);
+        EXPECT_STREQ("2020010212Z", readOnly);
+        EXPECT_EQ(&readOnly, const_cast<const char**>(&inReadOnly.getTimeStringPtr()));
+    }
+    EXPECT_EQ(nullptr, smallText) << "never a pointer into an object that is gone";
+    EXPECT_EQ(nullptr, readOnly);
+    {
+        ASN1CGeneralizedTime inReadOnly(readOnly);
+        inReadOnly.clear();
+        readOnly = "another";
+    }
+    EXPECT_STREQ("another", readOnly);
+    char* none = nullptr;
+    ASN1CGeneralizedTime inNone(none, 100);
+    EXPECT_EQ(0, inNone.parseString("2020010112"));
+    EXPECT_STREQ("2020010112", none);
+}
+
+TEST(Time, GivesItsText) {
+    const char* text = "20200101120000Z";
+    ASN1CGeneralizedTime time(text);
+    char buffer[16] = "";
+    EXPECT_EQ(nullptr, time.getTimeString(buffer, 15));
+    EXPECT_EQ(nullptr, time.getTimeString(nullptr, 16));
+    EXPECT_EQ(buffer, time.getTimeString(buffer, 16));
+    EXPECT_STREQ(text, buffer);
+    EXPECT_EQ(15, time.getTimeStringLen()) << "not parsed, hence not written anew";
+    time.getYear();
+    EXPECT_EQ(11, time.getTimeStringLen());
+    const char* none = nullptr;
+    ASN1CGeneralizedTime empty(none);
+    EXPECT_EQ(0, empty.getTimeStringLen());
+    EXPECT_EQ(nullptr, empty.getTimeString(buffer, 16));
+}
+
+TEST(Time, CopiesHaveTheirOwnText) {
+    ASN1BERDecodeBuffer buffer;
+    const char* text = "20200101120000.5-0130";
+    ASN1CGeneralizedTime time(buffer, text);
+    ASN1CGeneralizedTime unparsed(time);
+    time.setUTC(1);
+    ASN1CGeneralizedTime parsed(time);
+    EXPECT_EQ(buffer.getCtxtPtr(), parsed.getCtxtPtr());
+    EXPECT_EQ(&buffer, parsed.getMsgBuf());
+    EXPECT_NE(text, parsed.getTimeStringPtr());
+    EXPECT_STREQ("20200101133000.5Z", parsed.getTimeStringPtr());
+    EXPECT_EQ("2020-01-01 12:00:00 f5 -1:-30 Z", describe(parsed));
+    EXPECT_EQ("2020-01-01 12:00:00 f5 -1:-30", describe(unparsed));
+    EXPECT_EQ(-90, unparsed.getDiff());
+    parsed.setDay(31);
+    EXPECT_STREQ("20200101133000.5Z", text);
+
+    // Of a text that exceeds the room the beginning is kept.
+    const std::string longText = "20200101120000Z" + std::string(10000, '0');
+    const char* pointer = longText.c_str();
+    ASN1CGeneralizedTime original(pointer);
+    ASN1CGeneralizedTime cut(original);
+    EXPECT_EQ(longText.substr(0, 35), cut.getTimeStringPtr());
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, cut.getYear());
+
+    char target[40] = "";
+    char* targetText = target;
+    ASN1CGeneralizedTime assigned(targetText, sizeof target, 1);
+    assigned = unparsed;
+    EXPECT_STREQ("20200101120000.5-0130", target);
+    EXPECT_EQ("2020-01-01 12:00:00 f5 -1:-30", describe(assigned)) << "DER went with the flags";
+    EXPECT_NE(unparsed.getCtxtPtr(), assigned.getCtxtPtr());
+    assigned = original;
+    EXPECT_EQ(longText.substr(0, 39), target);
+    assigned = *&assigned;
+    EXPECT_EQ(longText.substr(0, 39), target);
+
+    // Two objects over one variable.
+    const char* shared = "2020010112Z";
+    ASN1CGeneralizedTime first(shared);
+    ASN1CGeneralizedTime second(shared);
+    first = second;
+    EXPECT_STREQ("2020010112Z", shared);
+}
+
+TEST(Time, Compares) {
+    struct {
+        const char* left;
+        const char* right;
+        int difference;
+    } const rows[] = {
+        {"20200101000000Z", "20200101000000Z", 0},
+        {"20200101000000.5Z", "20200101000000Z", 500},
+        {"20200101000001Z", "20200101000000Z", 1000},
+        {"20200301000000Z", "20200228000000Z", 2},
+        {"19000301000000Z", "19000228000000Z", 1},
+        {"00010101000000Z", "00001231235959Z", 1},
+        {"20200101120000+0100", "20200101110000Z", 0},
+        {"20200101120000-0130", "20200101110000Z", 9000000},
+        // One moment, on two dates.
+        {"20200101000000+0100", "20191231230000Z", 1},
+        {"99991231000000Z", "00010101000000Z", 3652058},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.left) + " " + row.right);
+        const char* leftText = row.left;
+        const char* rightText = row.right;
+        ASN1CGeneralizedTime left(leftText);
+        ASN1CGeneralizedTime right(rightText);
+        EXPECT_EQ(row.difference, left.equals(right));
+        EXPECT_EQ(-row.difference, right.equals(left));
+        EXPECT_EQ(row.difference == 0, left == right);
+        EXPECT_EQ(row.difference != 0, left != right);
+        EXPECT_EQ(row.difference > 0, left > right);
+        EXPECT_EQ(row.difference > 0, right < left);
+        EXPECT_EQ(row.difference >= 0, left >= right);
+        EXPECT_EQ(row.difference >= 0, right <= left);
+        EXPECT_EQ(row.difference <= 0, right >= left);
+    }
+    const char* utcText = "200101000000Z";
+    const char* generalizedText = "2020010100";
+    ASN1CUTCTime utc(utcText);
+    ASN1CGeneralizedTime generalized(generalizedText);
+    EXPECT_EQ(0, utc.equals(utc));
+    EXPECT_EQ(0, utc.equals(generalized));
+    generalized.clear();
+    EXPECT_GT(utc.equals(generalized), 0) << "a time that is not set comes before every other";
+}
+
+TEST(Time, DayNumbersFollowTheCalendar) {
+    // Day by day through four centuries, with the month lengths of the C library.
+    short year = 1799, month = 12, day = 31;
+    const char* text = nullptr;
+    ASN1CGeneralizedTime time(text);
+    for (long number = -62091; number < 84061; ++number) {
+        const short yesterday[] = {year, month, day};
+        ASSERT_EQ(0, ASN1CTime::addDays(1, year, month, day));
+        ASSERT_EQ(day != 1, ASN1CTime::checkDate(yesterday[2] + 1, yesterday[1], yesterday[0]));
+        const std::time_t moment = number * 86400L;
+        std::tm expected{};
+        ::gmtime_r(&moment, &expected);
+        ASSERT_EQ(tests::format("%d-%d-%d", expected.tm_year + 1900, expected.tm_mon + 1,
+                                expected.tm_mday),
+                  tests::format("%d-%d-%d", year, month, day));
+        ASSERT_TRUE(ASN1CTime::checkDate(day, month, year));
+        short y = year, m = month, d = day;
+        const int back = static_cast<int>(-62092 - number);
+        ASSERT_EQ(0, ASN1CTime::addDays(back, y, m, d));
+        ASSERT_EQ("1799-12-31", tests::format("%d-%d-%d", y, m, d));
+        if (number % 97 == 0) {
+            time.parseString(tests::format("%04d%02d%02d00", year, month, day).c_str());
+            ASSERT_EQ(number + 719162, time.getDaysNum());
+        }
+    }
+}
+
+TEST(Time, DatesWithUnsetFieldsPass) {
+    EXPECT_TRUE(ASN1CTime::checkDate(31, -3, 2020));
+    EXPECT_TRUE(ASN1CTime::checkDate(-3, 2, 2020));
+    EXPECT_TRUE(ASN1CTime::checkDate(29, 2, -3));
+    EXPECT_FALSE(ASN1CTime::checkDate(30, 2, -3));
+    EXPECT_FALSE(ASN1CTime::checkDate(1, 13, 2020));
+}
+
+TEST(Time, MovesByMilliseconds) {
+    struct {
+        int milliseconds;
+        const char* from;
+        const char* to; ///< empty: refused
+    } const rows[] = {
+        {0, "2020-02-29 23:59:59.9", "2020-02-29 23:59:59.9"},
+        {100, "2020-02-29 23:59:59.9", "2020-03-01 0:0:0.0"},
+        {199, "2020-02-29 23:59:59.9", "2020-03-01 0:0:0.0"},
+        {-100, "2020-03-01 0:0:0.0", "2020-02-29 23:59:59.9"},
+        {-1, "2020-03-01 0:0:0.0", "2020-02-29 23:59:59.9"},
+        {-86400000, "2021-01-01 12:30:15.5", "2020-12-31 12:30:15.5"},
+        {INT_MAX, "2020-01-01 0:0:0.0", "2020-01-25 20:31:23.6"},
+        {INT_MIN, "2020-01-01 0:0:0.0", "2019-12-07 3:28:36.3"},
+        {1000, "32767-12-31 23:59:59.0", ""},
+        {86400000, "2020-13-01 0:0:0.0", ""},
+        {-86400000, "2020-00-01 0:0:0.0", ""},
+    };
+    for (const auto& row : rows) {
+        short year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+        int tenths = 0;
+        ASSERT_EQ(7, std::sscanf(row.from, "%hd-%hd-%hd %hd:%hd:%hd.%d", &year, &month, &day, &hour,
+                                 &minute, &second, &tenths));
+        const int status = ASN1CTime::addMilliseconds(row.milliseconds, year, month, day, hour,
+                                                      minute, second, tenths);
+        EXPECT_EQ(row.to[0] != '\0' ? 0 : ASN1S_INVALID_FORMAT, status);
+        EXPECT_EQ(status == 0 ? row.to : row.from,
+                  tests::format("%d-%02d-%02d %d:%d:%d.%d", year, month, day, hour, minute, second,
+                                tenths));
+    }
+    short year = 2020, month = 1, day = 1;
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, ASN1CTime::addDays(INT_MAX, year, month, day));
+    EXPECT_EQ(ASN1S_INVALID_FORMAT, ASN1CTime::addDays(INT_MIN, year, month, day));
+    EXPECT_EQ(0, ASN1CTime::addDays(-737791, year, month, day));
+    EXPECT_EQ("-1-12-31", tests::format("%d-%d-%d", year, month, day)) << "year 0 has 366 days";
+}
+
+TEST(Time, ReadsFieldsAsLocalStandardTime) {
+    struct {
+        const char* zone;
+        const char* text;
+        long seconds;
+    } const rows[] = {
+        {"UTC0", "20200701120000Z", 1593604800},
+        {"UTC0", "20200701120000.9Z", 1593604800},
+        // An offset is added, where the moment would have it taken away.
+        {"UTC0", "20200701120000+0130", 1593604800 + 5400},
+        {"UTC0", "20200701120000-0130", 1593604800 - 5400},
+        {"CET-1CEST,M3.5.0,M10.5.0/3", "20200101120000Z", 1577880000 - 3600},
+        {"CET-1CEST,M3.5.0,M10.5.0/3", "20200701120000Z", 1593604800 - 3600},
+        {"CET-1CEST,M3.5.0,M10.5.0/3", "20200701120000+0200", 1593604800 - 3600 + 7200},
+        {"EST5EDT,M3.2.0,M11.1.0", "20200701120000", 1593604800 + 18000},
+        {"IST-5:30", "20200701120000Z", 1593604800 - 19800},
+        {"UTC0", "19691231235959Z", -1},
+    };
+    for (const auto& row : rows) {
+        const tests::TimeZone zone(row.zone);
+        const char* text = row.text;
+        EXPECT_EQ(row.seconds, ASN1CGeneralizedTime(text).getTime()) << row.zone << row.text;
+    }
+}
+
+} // namespace
