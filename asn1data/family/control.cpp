@@ -1,0 +1,28 @@
+#include <brevantis/asn1/asn1data/family.h>
+
+#include "value_access.h"
+
+namespace asn1data::family {
+
+int encodeTo(ASN1CType& control, ASN1MessageBufferIF& buffer, const TypeDescription& type,
+             void* value) {
+    control.setMsgBuf(buffer);
+    buffer.init();
+    return encode(buffer.getCtxtPtr(), type, value, ASN1TagExplicit);
+}
+
+int decodeFrom(ASN1CType& control, ASN1MessageBufferIF& buffer, const TypeDescription& type,
+               void* value) {
+    control.setMsgBuf(buffer);
+    // A message that cannot be bound is met by the decoder itself, with the status that fits.
+    buffer.init();
+    return decode(buffer.getCtxtPtr(), type, value, ASN1TagExplicit, 0);
+}
+
+void* newRecord(ASN1CTXT* ctxt, const TypeDescription& type) noexcept {
+    // A NULL has no value, yet where it is selected something must stand for it.
+    const int size = type.valueSize != 0 ? static_cast<int>(type.valueSize) : 1;
+    return rtMemHeapAllocZ(&ctxt->memHeap, size);
+}
+
+} // namespace asn1data::family

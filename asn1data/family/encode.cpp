@@ -1,0 +1,327 @@
+#include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/runtime/big_integer.h>
+#include <brevantis/asn1/runtime/bit_string.h>
+#include <brevantis/asn1/runtime/character_string.h>
+#include <brevantis/asn1/runtime/der_order.h>
+#include <brevantis/asn1/runtime/object_identifier_coding.h>
+#include <brevantis/asn1/runtime/octet_string.h>
+#include <brevantis/asn1/runtime/open_type.h>
+#include <brevantis/asn1/runtime/scalar.h>
+#include <brevantis/asn1/runtime/tag_length.h>
+
+#include "value_access.h"
+
+namespace asn1data::family {
+
+namespace {
+
+/// The typed form of an open value, where an object set resolves it.
+struct Resolved {
+    const TypeDescription* type = nullptr; ///< null: raw octets go out
+    const Asn1TObject* slot = nullptr;     ///< null in front of a list, whose members are the slots
+
+    bool isTyped() const { return type != nullptr && slot != nullptr && slot->decoded != nullptr; }
+};
+
+int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
+                   const Resolved& resolved);
+
+/// The typed form goes out in place of the raw octets. The value keeps those as it has them: they
+/// may lie on another heap than the context's, and so must not be replaced by octets of this one.
+int encodeTyped(ASN1CTXT* ctxt, const Resolved& resolved) {
+    const Nesting nesting(ctxt, true);
+    if (nesting.tooDeep()) {
+        return ASN1S_NO_MEMORY;
+    }
+    return encode(ctxt, *resolved.type, resolved.slot->decoded, ASN1TagExplicit);
+}
+
+/// Contents octets of a primitive type.
+int encodePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    switch (type.shape) {
+    case Shape::Boolean:
+        return xe_boolean(ctxt, &at<unsigned char>(value, 0), ASN1TagImplicit);
+    case Shape::Integer:
+        return xe_integer(ctxt, &at<int>(value, 0), ASN1TagImplicit);
+    case Shape::Unsigned:
+        return xe_unsigned(ctxt, &at<unsigned>(value, 0), ASN1TagImplicit);
+    case Shape::Unsigned16:
+        return xe_uint16(ctxt, &at<unsigned short>(value, 0), ASN1TagImplicit);
+    case Shape::Enumerated: {
+        int number = static_cast<int>(at<unsigned>(value, 0));
+        return xe_enum(ctxt, &number, ASN1TagImplicit);
+    }
+    case Shape::BigInteger:
+        return xe_bigint(ctxt, at<const char*>(value, 0), ASN1TagImplicit);
+    case Shape::BigUnsigned:
+        return xe_biguint(ctxt, at<const char*>(value, 0), ASN1TagImplicit);
+    case Shape::Null:
+        return xe_null(ctxt, ASN1TagImplicit);
+    case Shape::ObjectIdentifier:
+        return xe_objid(ctxt, &at<ASN1TObjId>(value, 0), ASN1TagImplicit);
+    case Shape::OctetString: {
+        const auto& octets = at<ASN1TDynOctStr>(value, 0);
+        return xe_octstr(ctxt, octets.data, octets.numocts, ASN1TagImplicit);
+    }
+    case Shape::FixedOctetString: {
+        const unsigned count = at<unsigned>(value, type.countOffset);
+        if (count > type.capacity) {
+            return ASN1S_STRING_OVERFLOW;
+        }
+        return xe_octstr(ctxt, &at<unsigned char>(value, type.dataOffset), count, ASN1TagImplicit);
+    }
+    case Shape::BitString: {
+        const auto& bits = at<ASN1TDynBitStr>(value, 0);
+        return xe_bitstr(ctxt, bits.data, bits.numbits, ASN1TagImplicit);
+    }
+    case Shape::FixedBitString: {
+        // The array holds whole octets, so bits beyond the capacity that share its last octet are
+        // kept.
+        const unsigned count = at<unsigned>(value, type.countOffset);
+        if (count > (type.capacity + 7) / 8 * 8) {
+            return ASN1S_STRING_OVERFLOW;
+        }
+        return xe_bitstr(ctxt, &at<unsigned char>(value, type.dataOffset), count, ASN1TagImplicit);
+    }
+    case Shape::Text:
+        return xe_charstr(ctxt, at<const char*>(value, 0), ASN1TagImplicit, type.tag);
+    case Shape::Text16:
+        return xe_16BitCharStr(ctxt, &at<Asn116BitCharString>(value, 0), ASN1TagImplicit, type.tag);
+    case Shape::Text32:
+        return xe_32BitCharStr(ctxt, &at<Asn132BitCharString>(value, 0), ASN1TagImplicit, type.tag);
+    case Shape::OpenType: {
+        const auto& raw = at<ASN1OpenType>(value, 0);
+        return xe_OpenType(ctxt, raw.data, raw.numocts);
+    }
+    default:
+        return ASN1S_NOT_SUPPORTED;
+    }
+}
+
+/// A bit string that claims bits but has none is treated as absent: nothing is written for it, not
+/// even a tag.
+bool isAbsentBitString(const TypeDescription& type, const void* value) {
+    return type.shape == Shape::BitString && at<ASN1TDynBitStr>(value, 0).data == nullptr &&
+           at<ASN1TDynBitStr>(value, 0).numbits != 0;
+}
+
+int encodeElement(ASN1CTXT* ctxt, const ElementDescription& element, void* value,
+                  const Resolved& resolved = {}) {
+    const int status =
+        checkConstraint(ctxt, *element.type, value, element.constraint, element.parameter);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    if (element.tagging == Tagging::None) {
+        return encodeResolved(ctxt, *element.type, value, ASN1TagExplicit, resolved);
+    }
+    const ASN1TagType inner =
+        element.tagging == Tagging::Explicit ? ASN1TagExplicit : ASN1TagImplicit;
+    return xe_tag_len(ctxt, element.tag,
+                      encodeResolved(ctxt, *element.type, value, inner, resolved));
+}
+
+/// X.690, 11.5: an element that has its DEFAULT value is not written.
+bool hasDefaultValue(ASN1CTXT* ctxt, const ElementDescription& element, const void* value) {
+    switch (element.type->shape) {
+    case Shape::Boolean: {
+        // Any non-zero octet is true, but a default of true is met by 1 alone: what was read as
+        // another octet is written again.
+        const long long flag = at<unsigned char>(value, 0);
+        return flag == element.defaultNumber;
+    }
+    case Shape::Integer:
+        return at<int>(value, 0) == element.defaultNumber;
+    case Shape::Unsigned:
+    case Shape::Enumerated:
+        return at<unsigned>(value, 0) == element.defaultNumber;
+    case Shape::Unsigned16:
+        return at<unsigned short>(value, 0) == element.defaultNumber;
+    case Shape::BigInteger:
+    case Shape::BigUnsigned: {
+        const char* text = at<const char*>(value, 0);
+        return text != nullptr && rtBigIntStrCompare(ctxt, text, element.defaultText) == 0;
+    }
+    default:
+        return false;
+    }
+}
+
+bool isWritten(ASN1CTXT* ctxt, const TypeDescription& type, const ElementDescription& element,
+               const void* record) {
+    if (element.presence == Presence::Default) {
+        return !hasDefaultValue(ctxt, element, address(record, element.offset));
+    }
+    return isPresent(type, element, record);
+}
+
+/// Elements of a SEQUENCE or SET, the last one first, since the buffer fills from its end.
+int encodeRecord(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
+    const TableConstraint* table = type.table;
+    const ObjectDescription* object = table != nullptr ? selectedObject(*table, record) : nullptr;
+    int total = 0;
+    if (type.extensionOffset != NoOffset) {
+        total = xe_OpenTypeExt(ctxt, &at<Asn1RTDList>(record, type.extensionOffset));
+    }
+    for (unsigned i = type.elementCount; total >= 0 && i-- > 0;) {
+        const ElementDescription& element = type.elements[i];
+        if (!isWritten(ctxt, type, element, record)) {
+            continue;
+        }
+        Resolved resolved;
+        if (object != nullptr && element.offset == table->valueOffset) {
+            resolved.type = object->type;
+            if (table->value != OpenValue::OpenTypes) {
+                resolved.slot = &at<Asn1TObject>(record, table->slotOffset);
+            }
+        }
+        const int count = encodeElement(ctxt, element, address(record, element.offset), resolved);
+        total = count < 0 ? count : total + count;
+    }
+    return total;
+}
+
+int encodeChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
+    const ElementDescription* alternative = selectedAlternative(type, record);
+    if (alternative == nullptr) {
+        return ASN1S_INVALID_CHOICE;
+    }
+    void* value = alternativeValue(*alternative, record);
+    if (value == nullptr) {
+        return ASN1S_BAD_VALUE;
+    }
+    return encodeElement(ctxt, *alternative, value);
+}
+
+/// Encodes the members of a SEQUENCE OF or SET OF from the last to the first and, for a SET OF,
+/// puts them into the order of X.690, 11.6.
+class MemberEncoder {
+public:
+    MemberEncoder(ASN1CTXT* ctxt, const TypeDescription& type, unsigned count,
+                  const TypeDescription* openType = nullptr)
+        : ctxt_(ctxt), type_(*type.element), openType_(openType), sorts_(type.setOf && count > 1) {
+        rtSListInitEx(ctxt, &locations_);
+    }
+
+    /// @return false when the member could not be encoded; total() then tells the status
+    bool add(void* member) {
+        const Resolved resolved{
+            openType_, openType_ != nullptr ? static_cast<const Asn1TObject*>(member) : nullptr};
+        const int count = encodeResolved(ctxt_, type_, member, ASN1TagExplicit, resolved);
+        if (count < 0) {
+            total_ = count;
+            return false;
+        }
+        total_ += count;
+        if (!sorts_) {
+            return true;
+        }
+        auto* location = static_cast<Asn1BufLocDescr*>(
+            rtMemHeapAlloc(&ctxt_->memHeap, static_cast<int>(sizeof(Asn1BufLocDescr))));
+        if (location == nullptr || rtSListAppend(&locations_, location) == nullptr) {
+            total_ = ASN1S_NO_MEMORY;
+            return false;
+        }
+        xe_getBufLocDescr(ctxt_, static_cast<unsigned>(count), location);
+        return true;
+    }
+
+    /// @return octets of all members, or the status of the first failure
+    int finish() {
+        return total_ < 0 || !sorts_ ? total_ : xe_derCanonicalSort(ctxt_, &locations_);
+    }
+
+private:
+    ASN1CTXT* ctxt_;
+    const TypeDescription& type_;
+    const TypeDescription* openType_; ///< type of the members' typed form, null without one
+    bool sorts_;                      ///< a single member is in order as it is
+    Asn1RTSList locations_;
+    int total_ = 0;
+};
+
+int encodeList(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
+               const TypeDescription* openType) {
+    const auto& list = at<Asn1RTDList>(value, 0);
+    MemberEncoder members(ctxt, type, list.count, openType);
+    for (const Asn1RTDListNode* node = list.tail; node != nullptr; node = node->prev) {
+        if (!members.add(node->data)) {
+            break;
+        }
+    }
+    return members.finish();
+}
+
+int encodeArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    const unsigned count = at<unsigned>(value, type.countOffset);
+    auto* places = static_cast<unsigned char*>(arrayElements(type, value));
+    if (type.shape == Shape::FixedArray && count > type.capacity) {
+        return ASN1S_EXTRA_ELEMENT;
+    }
+    if (count != 0 && places == nullptr) {
+        return ASN1S_BAD_VALUE;
+    }
+    MemberEncoder members(ctxt, type, count);
+    for (unsigned i = count; i-- > 0;) {
+        if (!members.add(places + std::size_t{i} * type.element->valueSize)) {
+            break;
+        }
+    }
+    return members.finish();
+}
+
+int encodeContents(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
+                   const Resolved& resolved) {
+    if (resolved.isTyped()) {
+        return encodeTyped(ctxt, resolved);
+    }
+    switch (type.shape) {
+    case Shape::Sequence:
+    case Shape::Set:
+        return encodeRecord(ctxt, type, value);
+    case Shape::Choice:
+        return encodeChoice(ctxt, type, value);
+    case Shape::List:
+        return encodeList(ctxt, type, value, resolved.type);
+    case Shape::Array:
+    case Shape::FixedArray:
+        return encodeArray(ctxt, type, value);
+    default:
+        return encodePrimitive(ctxt, type, value);
+    }
+}
+
+int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
+                   const Resolved& resolved) {
+    if (value == nullptr && type.shape != Shape::Null) {
+        return fail(ctxt, ASN1S_BAD_VALUE);
+    }
+    const Nesting nesting(ctxt, type.closesRecursion);
+    if (nesting.tooDeep()) {
+        return fail(ctxt, ASN1S_NO_MEMORY);
+    }
+    int status = checkConstraint(ctxt, type, value, type.constraint, type.parameter);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    if (isAbsentBitString(type, value)) {
+        return 0;
+    }
+    int count = encodeContents(ctxt, type, value, resolved);
+    // An own EXPLICIT tag is the outermost: without it the universal tag inside is still written.
+    if (count >= 0 && type.tag != 0 && (tagging == ASN1TagExplicit || type.outerTag != 0)) {
+        count = xe_tag_len(ctxt, type.tag, count);
+    }
+    if (count >= 0 && type.outerTag != 0 && tagging == ASN1TagExplicit) {
+        count = xe_tag_len(ctxt, type.outerTag, count);
+    }
+    return count < 0 ? fail(ctxt, count) : count;
+}
+
+} // namespace
+
+int encode(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging) {
+    return encodeResolved(ctxt, type, value, tagging, {});
+}
+
+} // namespace asn1data::family

@@ -1,0 +1,103 @@
+#include <brevantis/asn1/asn1data/object.h>
+
+#include <brevantis/asn1/runtime/heap.h>
+#include <brevantis/asn1/runtime/status.h>
+
+namespace asn1data {
+
+DescribedControl::DescribedControl(ASN1MessageBufferIF& buffer, void* value,
+                                   const TypeDescription& describedType)
+    : ASN1CType(buffer), type(describedType), msgData(value) {}
+
+int DescribedControl::EncodeTo(ASN1MessageBufferIF& buffer) {
+    return family::encodeTo(*this, buffer, type, msgData);
+}
+
+int DescribedControl::DecodeFrom(ASN1MessageBufferIF& buffer) {
+    return family::decodeFrom(*this, buffer, type, msgData);
+}
+
+namespace family {
+
+namespace {
+
+// In front of a control object: the heap that its room came from. The object's own context may
+// have been turned to another heap by the time it ends.
+union RoomHeader {
+    void* heap;
+    std::max_align_t alignment;
+};
+
+} // namespace
+
+int encodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+    if (slot.decoded == nullptr && type.shape != Shape::Null) {
+        return rtErrSetData(&ctxt->errInfo, ASN1S_INVALID_PARAMETER, nullptr, 0);
+    }
+    return encode(ctxt, type, slot.decoded, ASN1TagExplicit);
+}
+
+int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+    slot.decoded = newRecord(ctxt, type);
+    if (slot.decoded == nullptr) {
+        return rtErrSetData(&ctxt->errInfo, ASN1S_NO_MEMORY, nullptr, 0);
+    }
+    return decode(ctxt, type, slot.decoded, ASN1TagExplicit, 0);
+}
+
+void copySlot(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1TObject& source,
+              Asn1TObject& target) {
+    target.decoded = nullptr;
+    if (source.decoded == nullptr) {
+        return;
+    }
+    void* const record = newRecord(ctxt, type);
+    if (record == nullptr) {
+        rtErrSetData(&ctxt->errInfo, ASN1S_NO_MEMORY, nullptr, 0);
+        return;
+    }
+    copy(ctxt, type, source.decoded, record);
+    target.decoded = record;
+}
+
+void releaseSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+    if (slot.decoded != nullptr) {
+        release(ctxt, type, slot.decoded);
+        slot.decoded = nullptr;
+    }
+}
+
+void* controlRoom(ASN1MessageBufferIF& buffer, std::size_t size) noexcept {
+    ASN1CTXT* const ctxt = buffer.getCtxtPtr();
+    void* const room = rtMemHeapAllocZ(&ctxt->memHeap, static_cast<int>(sizeof(RoomHeader) + size));
+    if (room == nullptr) {
+        return nullptr;
+    }
+    auto* const header = new (room) RoomHeader;
+    header->heap = ctxt->memHeap;
+    rtMemHeapAddRef(&header->heap);
+    return header + 1;
+}
+
+void endControl(ASN1CType* control) {
+    if (control == nullptr) {
+        return;
+    }
+    auto* const header = static_cast<RoomHeader*>(dynamic_cast<void*>(control)) - 1;
+    void* heap = header->heap;
+    control->~ASN1CType();
+    rtMemHeapFreePtr(&heap, header);
+    rtMemHeapRelease(&heap);
+}
+
+ASN1CType* newControl(ASN1MessageBufferIF& buffer, void* value, const TypeDescription& type) {
+    if (value == nullptr && type.shape != Shape::Null) {
+        return nullptr;
+    }
+    void* const room = controlRoom(buffer, sizeof(DescribedControl));
+    return room != nullptr ? new (room) DescribedControl(buffer, value, type) : nullptr;
+}
+
+} // namespace family
+
+} // namespace asn1data

@@ -1,0 +1,145 @@
+#include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/runtime/tag_length.h>
+
+#include "value_access.h"
+
+namespace asn1data::family {
+
+namespace {
+
+/// Encodes a slot's typed value in front of the buffer's octets, takes the octets over into a block
+/// of their own and leaves the buffer as it was.
+int encodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+    if (slot.decoded == nullptr) {
+        return ASN1S_SUCCESS;
+    }
+    const Nesting nesting(ctxt, true);
+    if (nesting.tooDeep()) {
+        return fail(ctxt, ASN1S_NO_MEMORY);
+    }
+    const int count = encode(ctxt, type, slot.decoded, ASN1TagExplicit);
+    if (count < 0) {
+        return fail(ctxt, count);
+    }
+    const auto size = static_cast<unsigned>(count);
+    auto* block = static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, count));
+    if (block != nullptr) {
+        std::memcpy(block, ctxt->buffer.data + ctxt->buffer.byteIndex, size);
+        slot.data = block;
+        slot.numocts = size;
+    }
+    ctxt->buffer.byteIndex += size;
+    return block != nullptr ? ASN1S_SUCCESS : fail(ctxt, ASN1S_NO_MEMORY);
+}
+
+int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+    slot.decoded = nullptr;
+    if (slot.numocts == 0) {
+        return fail(ctxt, ASN1S_END_OF_BUFFER);
+    }
+    const Nesting nesting(ctxt, true);
+    if (nesting.tooDeep()) {
+        return fail(ctxt, ASN1S_NO_MEMORY);
+    }
+    int status = xd_setp(ctxt, slot.data, static_cast<int>(slot.numocts), nullptr, nullptr);
+    if (status != ASN1S_SUCCESS) {
+        return fail(ctxt, status);
+    }
+    slot.decoded = newRecord(ctxt, type);
+    if (slot.decoded == nullptr) {
+        return fail(ctxt, ASN1S_NO_MEMORY);
+    }
+    status = decode(ctxt, type, slot.decoded, ASN1TagExplicit, 0);
+    return status == ASN1S_SUCCESS ? status : fail(ctxt, status);
+}
+
+/// Runs an operation on every slot of a list, from head to tail, until it fails.
+template <class Operation>
+int forEachSlot(Asn1RTDList& list, Operation operation) {
+    for (Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
+        const int status = operation(*static_cast<Asn1TObject*>(node->data));
+        if (status != ASN1S_SUCCESS) {
+            return status;
+        }
+    }
+    return ASN1S_SUCCESS;
+}
+
+} // namespace
+
+const ObjectDescription* findObject(const ObjectSetDescription& set, const ASN1OBJID& id) noexcept {
+    for (unsigned i = 0; i < set.count; ++i) {
+        const ObjectDescription& object = set.objects[i];
+        // Sets differ in their last arcs above all, so that one is compared first.
+        if (object.arcCount == id.numids && id.numids != 0 &&
+            object.arcs[id.numids - 1] == id.subid[id.numids - 1] &&
+            std::memcmp(object.arcs, id.subid, id.numids * sizeof id.subid[0]) == 0) {
+            return &object;
+        }
+    }
+    return nullptr;
+}
+
+const ObjectDescription* selectedObject(const TableConstraint& table, const void* record) {
+    if (!isOpenValuePresent(table, record)) {
+        return nullptr;
+    }
+    const ObjectDescription* object =
+        findObject(*table.objects, at<ASN1TObjId>(record, table.identifierOffset));
+    return object != nullptr && object->type != nullptr ? object : nullptr;
+}
+
+int encodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    const TableConstraint& table = *type.table;
+    const ObjectDescription* object = selectedObject(table, value);
+    if (object == nullptr) {
+        return ASN1S_SUCCESS;
+    }
+    switch (table.value) {
+    case OpenValue::OpenType:
+        return encodeSlot(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset));
+    case OpenValue::OpenTypes:
+        return forEachSlot(at<Asn1RTDList>(value, table.valueOffset), [&](Asn1TObject& slot) {
+            return encodeSlot(ctxt, *object->type, slot);
+        });
+    case OpenValue::OctetString: {
+        auto& slot = at<Asn1TObject>(value, table.slotOffset);
+        if (slot.decoded == nullptr) {
+            return ASN1S_SUCCESS;
+        }
+        const int status = encodeSlot(ctxt, *object->type, slot);
+        if (status == ASN1S_SUCCESS) {
+            at<ASN1TDynOctStr>(value, table.valueOffset) = {slot.numocts, slot.data};
+        }
+        return status;
+    }
+    }
+    return ASN1S_SUCCESS;
+}
+
+int decodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    const TableConstraint& table = *type.table;
+    if (table.value == OpenValue::OctetString) {
+        const auto& octets = at<ASN1TDynOctStr>(value, table.valueOffset);
+        auto& slot = at<Asn1TObject>(value, table.slotOffset);
+        const bool present = isOpenValuePresent(table, value);
+        slot.numocts = present ? octets.numocts : 0;
+        slot.data = present ? octets.data : nullptr;
+        slot.decoded = nullptr;
+        if (slot.numocts == 0) {
+            return ASN1S_SUCCESS;
+        }
+    }
+    const ObjectDescription* object = selectedObject(table, value);
+    if (object == nullptr) {
+        return ASN1S_SUCCESS;
+    }
+    if (table.value == OpenValue::OpenTypes) {
+        return forEachSlot(at<Asn1RTDList>(value, table.valueOffset), [&](Asn1TObject& slot) {
+            return decodeSlot(ctxt, *object->type, slot);
+        });
+    }
+    return decodeSlot(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset));
+}
+
+} // namespace asn1data::family

@@ -1,0 +1,176 @@
+#include <type_traits>
+
+#include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/runtime/object_identifier.h>
+#include <brevantis/asn1/runtime/open_type.h>
+
+#include "value_access.h"
+
+namespace asn1data::family {
+
+namespace {
+
+/// Frees a block and clears the pointer to it, so that a value released twice does no harm.
+template <class Pointee>
+void freeBlock(ASN1CTXT* ctxt, Pointee*& block) {
+    // The heap takes back what it gave out, also where the value only lets it be read.
+    void* owned = const_cast<std::remove_const_t<Pointee>*>(block);
+    if (owned != nullptr && rtMemHeapCheckPtr(&ctxt->memHeap, owned) != 0) {
+        rtMemHeapFreePtr(&ctxt->memHeap, owned);
+    }
+    block = nullptr;
+}
+
+/// Frees the octets of a string or an open type. Under ASN1F_NO_COPY they may be the message's own,
+/// of this buffer or of one bound before, so all of them are left to the heap's end.
+void freeOctets(ASN1CTXT* ctxt, const unsigned char*& octets) {
+    if ((ctxt->flags & ASN1F_NO_COPY) != 0) {
+        octets = nullptr;
+        return;
+    }
+    freeBlock(ctxt, octets);
+}
+
+void releasePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    switch (type.shape) {
+    case Shape::OctetString:
+        freeOctets(ctxt, at<ASN1TDynOctStr>(value, 0).data);
+        break;
+    case Shape::BitString:
+        freeOctets(ctxt, at<ASN1TDynBitStr>(value, 0).data);
+        break;
+    case Shape::Text:
+        freeBlock(ctxt, at<const char*>(value, 0));
+        break;
+    case Shape::Text16:
+        freeBlock(ctxt, at<Asn116BitCharString>(value, 0).data);
+        break;
+    case Shape::Text32:
+        freeBlock(ctxt, at<Asn132BitCharString>(value, 0).data);
+        break;
+    case Shape::OpenType:
+        freeOctets(ctxt, at<ASN1OpenType>(value, 0).data);
+        break;
+    default:
+        // Numbers hold nothing, and the text of an INTEGER stays with the heap: it may be a DEFAULT
+        // that never came from there.
+        break;
+    }
+}
+
+void releaseSlot(ASN1CTXT* ctxt, const ObjectDescription* object, Asn1TObject& slot) {
+    const Nesting nesting(ctxt, true);
+    if (slot.decoded != nullptr && object != nullptr && !nesting.tooDeep()) {
+        release(ctxt, *object->type, slot.decoded);
+    }
+    slot.decoded = nullptr;
+}
+
+/// The typed form of an open value; the raw octets are released as the element that they are.
+void releaseOpenValue(ASN1CTXT* ctxt, const TableConstraint& table, void* record) {
+    if (!isOpenValuePresent(table, record)) {
+        return;
+    }
+    const ObjectDescription* object = selectedObject(table, record);
+    if (table.value == OpenValue::OpenTypes) {
+        for (Asn1RTDListNode* node = at<Asn1RTDList>(record, table.valueOffset).head;
+             node != nullptr; node = node->next) {
+            releaseSlot(ctxt, object, *static_cast<Asn1TObject*>(node->data));
+        }
+        return;
+    }
+    auto& slot = at<Asn1TObject>(record, table.slotOffset);
+    releaseSlot(ctxt, object, slot);
+    if (table.value == OpenValue::OctetString) {
+        // The slot shares the octets of the OCTET STRING beside it.
+        slot.data = nullptr;
+        slot.numocts = 0;
+    }
+}
+
+void releaseRecord(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
+    if (type.table != nullptr) {
+        releaseOpenValue(ctxt, *type.table, record);
+    }
+    for (unsigned i = 0; i < type.elementCount; ++i) {
+        const ElementDescription& element = type.elements[i];
+        if (element.type->holdsMemory && isPresent(type, element, record)) {
+            release(ctxt, *element.type, address(record, element.offset));
+        }
+    }
+    if (type.extensionOffset != NoOffset) {
+        rtMemFreeOpenSeqExt(ctxt, &at<Asn1RTDList>(record, type.extensionOffset));
+    }
+}
+
+void releaseChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
+    const ElementDescription* alternative = selectedAlternative(type, record);
+    if (alternative == nullptr) {
+        return;
+    }
+    if (!alternative->indirect) {
+        release(ctxt, *alternative->type, address(record, alternative->offset));
+        return;
+    }
+    auto& value = at<void*>(record, alternative->offset);
+    if (value != nullptr) {
+        release(ctxt, *alternative->type, value);
+        freeBlock(ctxt, value);
+    }
+}
+
+void releaseList(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    auto& list = at<Asn1RTDList>(value, 0);
+    if (type.element->holdsMemory) {
+        for (Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
+            release(ctxt, *type.element, node->data);
+        }
+    }
+    rtDListFreeAll(ctxt, &list);
+}
+
+void releaseArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    auto* places = static_cast<unsigned char*>(arrayElements(type, value));
+    const unsigned count = at<unsigned>(value, type.countOffset);
+    if (type.element->holdsMemory && places != nullptr) {
+        for (unsigned i = 0; i < count; ++i) {
+            release(ctxt, *type.element, places + std::size_t{i} * type.element->valueSize);
+        }
+    }
+    if (type.shape == Shape::Array) {
+        freeBlock(ctxt, at<void*>(value, type.dataOffset));
+    }
+}
+
+} // namespace
+
+void release(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    if (value == nullptr || !type.holdsMemory) {
+        return;
+    }
+    const Nesting nesting(ctxt, type.closesRecursion);
+    if (nesting.tooDeep()) {
+        return;
+    }
+    switch (type.shape) {
+    case Shape::Sequence:
+    case Shape::Set:
+        releaseRecord(ctxt, type, value);
+        break;
+    case Shape::Choice:
+        releaseChoice(ctxt, type, value);
+        break;
+    case Shape::List:
+        releaseList(ctxt, type, value);
+        break;
+    case Shape::Array:
+    case Shape::FixedArray:
+        releaseArray(ctxt, type, value);
+        break;
+    default:
+        releasePrimitive(ctxt, type, value);
+        break;
+    }
+}
+
+} // namespace asn1data::family

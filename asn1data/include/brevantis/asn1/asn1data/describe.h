@@ -1,0 +1,229 @@
+#ifndef BREVANTIS_ASN1_ASN1DATA_DESCRIBE_H
+#define BREVANTIS_ASN1_ASN1DATA_DESCRIBE_H
+
+#include <cstddef>
+
+#include <brevantis/asn1/export.h>
+#include <brevantis/asn1/runtime/value_types.h>
+
+/// @file
+/// The library's description of its own types.
+///
+/// One constant TypeDescription stands behind every type. It is what the encoder, the decoder, the
+/// copier and the releaser walk, and what a program walks that wants to show or build values of
+/// types it was not compiled for. All records here are constants: they live as long as the process
+/// and may be read from any thread.
+
+namespace asn1data {
+
+/// How the value of a type is held in memory and coded.
+enum class Shape : unsigned char {
+    Boolean,          ///< `unsigned char`, 0 is false
+    Integer,          ///< `int`
+    Unsigned,         ///< `unsigned int`
+    Unsigned16,       ///< `unsigned short`
+    Enumerated,       ///< `unsigned int`
+    BigInteger,       ///< `char const*`, the text form of a signed INTEGER of any size
+    BigUnsigned,      ///< `char const*`, the text form of an INTEGER taken as a magnitude
+    Null,             ///< no value
+    ObjectIdentifier, ///< `ASN1TObjId`
+    OctetString,      ///< `ASN1TDynOctStr`
+    FixedOctetString, ///< a count `numocts` and an array `data` of `capacity` octets
+    BitString,        ///< `ASN1TDynBitStr`
+    FixedBitString,   ///< a count `numbits` and an array `data` for `capacity` bits
+    Text,             ///< `char const*`, 8-bit characters
+    Text16,           ///< `Asn116BitCharString`
+    Text32,           ///< `Asn132BitCharString`
+    OpenType,         ///< `ASN1TOpenType`, or `Asn1TObject` where an object set resolves it
+    Sequence,         ///< a record with a member an element
+    Set,              ///< a record with a member an element, in any order on the wire
+    Choice,           ///< a selector `t` and a union `u`
+    List,             ///< a doubly linked list whose nodes point to element records
+    Array,            ///< a count `n` and `elem`, a pointer to an array on the heap
+    FixedArray        ///< a count `n` and `elem`, an array of `capacity` elements in the record
+};
+
+/// How an element's tag stands to the tag of its type.
+enum class Tagging : unsigned char {
+    None,     ///< the element has no tag of its own
+    Implicit, ///< its tag takes the place of the type's outermost one
+    Explicit  ///< its tag stands around the type's
+};
+
+/// Whether an element must be there.
+enum class Presence : unsigned char {
+    Mandatory,
+    Optional, ///< told by a bit of `m`
+    Default   ///< told by its value
+};
+
+/// No offset: the record does not have what the field would locate.
+enum : unsigned { NoOffset = 0xFFFFFFFFu };
+
+/// A range of permitted values or sizes, bounds included.
+struct ValueRange {
+    long long lower;
+    long long upper;
+};
+
+/// Permitted values of a number, or permitted sizes of anything else (octets, bits, characters,
+/// elements): any of the ranges. Without a range everything is permitted.
+struct Constraint {
+    const ValueRange* ranges;
+    unsigned count;
+};
+
+/// The identifier octets that a value can begin with on the wire, a bit each.
+struct IdentifierSet {
+    unsigned long long bits[4];
+
+    constexpr bool contains(unsigned char octet) const {
+        return ((bits[octet >> 6] >> (octet & 63)) & 1u) != 0;
+    }
+};
+
+struct TypeDescription;
+
+/// An element of a SEQUENCE or SET, or an alternative of a CHOICE.
+struct ElementDescription {
+    const char* name; ///< name of the member of the record, or of the member of the union `u`
+    const TypeDescription* type;
+    unsigned offset; ///< octets from the start of the record; of the union in a CHOICE
+    ASN1TAG tag;     ///< with its form bit; 0 without one
+    Tagging tagging;
+    Presence presence;
+    unsigned char presenceBit; ///< number of the bit in `m` when `presence` is Optional
+    bool indirect;             ///< CHOICE: the union holds a pointer to a record on the heap
+    Constraint constraint;     ///< beyond the type's own
+    const char* parameter;     ///< what a broken `constraint` names, as "pvalue->millis"
+    long long defaultNumber;   ///< DEFAULT of a number or BOOLEAN
+    const char* defaultText;   ///< DEFAULT of an INTEGER in text form, null otherwise
+};
+
+/// A pair of an identifier and the type that goes with it.
+struct ObjectDescription {
+    const char* name;
+    const unsigned* arcs;
+    unsigned arcCount;
+    const TypeDescription* type; ///< null: the object has no value type
+};
+
+/// An information object set.
+struct ObjectSetDescription {
+    const char* name;
+    const char* objectClass;
+    const ObjectDescription* objects; ///< in table order; the first match wins
+    unsigned count;
+};
+
+/// What a table constraint resolves.
+enum class OpenValue : unsigned char {
+    OpenType,    ///< the slot itself holds the raw element
+    OpenTypes,   ///< a list of slots
+    OctetString, ///< the raw element stands in an OCTET STRING, the slot beside it
+};
+
+/// Binds the open value of a record to an object set by an identifier in the same record.
+struct TableConstraint {
+    const ObjectSetDescription* objects;
+    OpenValue value;
+    unsigned identifierOffset; ///< of the `ASN1TObjId`
+    unsigned valueOffset;      ///< of the `Asn1TObject`, the list or the `ASN1TDynOctStr`
+    unsigned slotOffset;       ///< of the `Asn1TObject`; differs from `valueOffset` for OctetString
+    unsigned presenceOffset;   ///< of `m` when the value is OPTIONAL, NoOffset otherwise
+    unsigned char presenceBit;
+};
+
+/// A type: name, notation, storage, tags, constraints.
+struct TypeDescription {
+    const char* name;     ///< as in `ASN1T_name`; the notation's own name for a built-in type
+    const char* notation; ///< right-hand side of the ASN.1 assignment, null for a built-in type
+    const char* standard; ///< where the structure is published, null for a built-in type
+    Shape shape;
+    bool setOf;                  ///< List, Array, FixedArray: a SET OF rather than a SEQUENCE OF
+    bool stepsOverEndOfContents; ///< the decoder steps over the end-of-contents of its own tag
+    bool closesRecursion;        ///< values of the type can nest in values of the type
+    bool holdsMemory;            ///< there is something to release
+    bool copyable;               ///< false for the few types that have no deep copy
+    ASN1TAG tag;                 ///< outermost tag but for `outerTag`; 0 for CHOICE and open type
+    ASN1TAG outerTag;            ///< EXPLICIT tag of the type's own around `tag`, 0 without one
+    unsigned valueSize;          ///< octets of the value in memory
+    unsigned countOffset;        ///< of `numocts`, `numbits`, `n`, or of the selector `t`
+    unsigned dataOffset;         ///< of `data`, `elem`, or of the union `u`
+    unsigned capacity;           ///< octets, bits or elements of a Fixed shape
+    unsigned presenceOffset;     ///< of `m`, NoOffset without OPTIONAL elements
+    unsigned extensionOffset;    ///< of the list of unknown elements, NoOffset if none are kept
+    IdentifierSet identifiers;   ///< what a value can begin with
+    const ElementDescription* elements;
+    unsigned elementCount;
+    unsigned mandatoryCount;
+    Constraint constraint;
+    const char* parameter;          ///< what a broken `constraint` names, as "pvalue->count"
+    const TypeDescription* element; ///< List, Array, FixedArray: the type of the elements
+    const TypeDescription* aliasOf; ///< the catalogue type that this one is another name of
+    const TableConstraint* table;   ///< null unless an object set resolves an open value in it
+};
+
+/// Descriptions of the types that the notation itself brings along.
+namespace builtin {
+extern BREVANTIS_ASN1_API const TypeDescription boolean;
+extern BREVANTIS_ASN1_API const TypeDescription integer;
+extern BREVANTIS_ASN1_API const TypeDescription unsignedInteger;
+extern BREVANTIS_ASN1_API const TypeDescription unsignedInteger16;
+extern BREVANTIS_ASN1_API const TypeDescription enumerated;
+extern BREVANTIS_ASN1_API const TypeDescription bigInteger;
+extern BREVANTIS_ASN1_API const TypeDescription bigUnsigned;
+extern BREVANTIS_ASN1_API const TypeDescription null;
+extern BREVANTIS_ASN1_API const TypeDescription objectIdentifier;
+extern BREVANTIS_ASN1_API const TypeDescription octetString;
+extern BREVANTIS_ASN1_API const TypeDescription bitString;
+extern BREVANTIS_ASN1_API const TypeDescription utf8String;
+extern BREVANTIS_ASN1_API const TypeDescription numericString;
+extern BREVANTIS_ASN1_API const TypeDescription printableString;
+extern BREVANTIS_ASN1_API const TypeDescription teletexString;
+extern BREVANTIS_ASN1_API const TypeDescription ia5String;
+extern BREVANTIS_ASN1_API const TypeDescription utcTime;
+extern BREVANTIS_ASN1_API const TypeDescription generalizedTime;
+extern BREVANTIS_ASN1_API const TypeDescription visibleString;
+extern BREVANTIS_ASN1_API const TypeDescription generalString;
+extern BREVANTIS_ASN1_API const TypeDescription universalString;
+extern BREVANTIS_ASN1_API const TypeDescription bmpString;
+extern BREVANTIS_ASN1_API const TypeDescription openType;      ///< holds an `ASN1TOpenType`
+extern BREVANTIS_ASN1_API const TypeDescription typedOpenType; ///< holds an `Asn1TObject`
+} // namespace builtin
+
+/// A range over descriptions.
+struct TypeRange {
+    const TypeDescription* const* first;
+    std::size_t count;
+
+    const TypeDescription* const* begin() const { return first; }
+    const TypeDescription* const* end() const { return first + count; }
+    std::size_t size() const { return count; }
+    const TypeDescription& operator[](std::size_t index) const { return *first[index]; }
+};
+
+/// All types of the catalogue, sorted by name.
+BREVANTIS_ASN1_API TypeRange allTypes() noexcept;
+
+/// Finds a type of the catalogue.
+/// @param name as in `ASN1T_name`, without the prefix
+/// @return its description, null when the catalogue has no such type
+BREVANTIS_ASN1_API const TypeDescription* findType(const char* name) noexcept;
+
+/// A range over object sets.
+struct ObjectSetRange {
+    const ObjectSetDescription* const* first;
+    std::size_t count;
+
+    const ObjectSetDescription* const* begin() const { return first; }
+    const ObjectSetDescription* const* end() const { return first + count; }
+    std::size_t size() const { return count; }
+};
+
+/// All object sets of the catalogue, sorted by name.
+BREVANTIS_ASN1_API ObjectSetRange allObjectSets() noexcept;
+
+} // namespace asn1data
+
+#endif

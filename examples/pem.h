@@ -1,0 +1,34 @@
+#ifndef EXAMPLES_PEM_H
+#define EXAMPLES_PEM_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pem {
+
+/// A block of a PEM file (RFC 7468): octets between a BEGIN and an END line.
+struct Block {
+    std::string label;                 ///< as in "-----BEGIN label-----"
+    std::vector<unsigned char> octets; ///< empty when there is a problem
+    std::size_t line;                  ///< number of its first line, from 1
+    const char* problem;               ///< what is wrong with it, null when nothing is
+};
+
+/// Whether a file is text with PEM blocks rather than octets. A block that lost its beginning or
+/// its end counts too.
+bool isPem(std::string_view file);
+
+/// Reads the blocks of a file. Text around them is passed over, as RFC 7468, section 2 wants it. A
+/// damaged block comes with its problem, and reading goes on behind it.
+std::vector<Block> read(std::string_view file);
+
+/// Decodes base64 (RFC 4648, section 4); blanks and line ends may stand anywhere.
+/// @param octets receives what was decoded, also in front of a problem
+/// @return null, or what is wrong with the text
+const char* decodeBase64(std::string_view text, std::vector<unsigned char>& octets);
+
+} // namespace pem
+
+#endif

@@ -1,0 +1,270 @@
+#include <algorithm>
+#include <cctype>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+#include <brevantis/asn1/asn1data/oids.h>
+#include <brevantis/asn1/asn1data/x509.h>
+#include <brevantis/asn1/runtime.h>
+#include <gtest/gtest.h>
+
+#include "support/ca_bundle.h"
+
+namespace {
+
+using namespace asn1data;
+using tests::Octets;
+using tests::toHex;
+
+/// An element as a reader of DER sees it who knows nothing of the library.
+struct Element {
+    unsigned char identifier = 0;
+    Octets whole;
+    Octets contents;
+};
+
+/// Takes an octet string apart into the elements that stand in it.
+std::vector<Element> elementsOf(const Octets& octets) {
+    std::vector<Element> elements;
+    std::size_t position = 0;
+    while (position < octets.size()) {
+        const std::size_t start = position++;
+        std::size_t length = octets.at(position++);
+        if (length >= 0x80) {
+            std::size_t count = length & 0x7F;
+            for (length = 0; count > 0; --count) {
+                length = length << 8 | octets.at(position++);
+            }
+        }
+        const auto at = [&](std::size_t offset) {
+            return octets.begin() + static_cast<std::ptrdiff_t>(offset);
+        };
+        if (position + length > octets.size()) {
+            throw std::out_of_range("element beyond its parent");
+        }
+        elements.push_back({octets[start],
+                            {at(start), at(position + length)},
+                            {at(position), at(position + length)}});
+        position += length;
+    }
+    return elements;
+}
+
+/// The members of a certificate's tbsCertificate; without a version, one is put in front.
+std::vector<Element> contentOf(const Octets& certificate) {
+    const Octets tbs = elementsOf(elementsOf(certificate).at(0).contents).at(0).contents;
+    std::vector<Element> members = elementsOf(tbs);
+    if (members.at(0).identifier != 0xA0) {
+        members.insert(members.begin(), Element{});
+    }
+    return members;
+}
+
+class Certificates : public testing::Test {
+protected:
+    void SetUp() override {
+        if (tests::caBundle().empty()) {
+            GTEST_SKIP() << tests::NoCaBundle;
+        }
+    }
+};
+
+/// The text of an INTEGER: two digits an octet without zero octets in front, or one digit 0 in
+/// their place where the number would turn negative without.
+std::string integerText(const Octets& contents) {
+    auto first = std::find_if(contents.begin(), contents.end(), [](auto c) { return c != 0; });
+    if (first == contents.end()) {
+        return "0x0";
+    }
+    std::string text = first != contents.begin() && (*first & 0x80) != 0 ? "0x0" : "0x";
+    for (char c : toHex(Octets(first, contents.end()))) {
+        if (c != ' ') {
+            text += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        }
+    }
+    return text;
+}
+
+/// A decoded certificate with the buffer that its memory belongs to.
+struct Decoded {
+    explicit Decoded(const Octets& message)
+        : buffer(message.data(), static_cast<int>(message.size())), control(buffer, value) {
+        EXPECT_EQ(control.Decode(), 0);
+    }
+    ASN1BERDecodeBuffer buffer;
+    ASN1T_Certificate value;
+    ASN1C_Certificate control;
+};
+
+template <class Control, class Record>
+std::string encode(Record& value) {
+    ASN1BEREncodeBuffer output;
+    const int size = Control(output, value).Encode();
+    return size < 0 ? rtStatusName(size)
+                    : toHex(output.getMsgPtr(), static_cast<std::size_t>(size));
+}
+
+TEST_F(Certificates, ComeBackOctetForOctet) {
+    for (const Octets& message : tests::caBundle()) {
+        Decoded decoded(message);
+        EXPECT_EQ(encode<ASN1C_Certificate>(decoded.value), toHex(message));
+    }
+}
+
+TEST_F(Certificates, HoldWhatTheirOctetsSay) {
+    for (const Octets& message : tests::caBundle()) {
+        Decoded decoded(message);
+        ASN1T_TBSCertificate& tbs = decoded.value.tbsCertificate;
+        const std::vector<Element> members = contentOf(message);
+
+        EXPECT_EQ(tbs.m.versionPresent, members[0].identifier == 0xA0);
+        if (tbs.m.versionPresent) {
+            EXPECT_EQ(tbs.version, members[0].contents.back());
+        }
+        EXPECT_EQ(tbs.serialNumber, integerText(members[1].contents));
+        EXPECT_EQ(encode<ASN1C_Name>(tbs.issuer), toHex(members[3].whole));
+        EXPECT_EQ(encode<ASN1C_Validity>(tbs.validity), toHex(members[4].whole));
+        EXPECT_EQ(encode<ASN1C_Name>(tbs.subject), toHex(members[5].whole));
+        EXPECT_EQ(tbs.subject.u.rdnSequence->count, elementsOf(members[5].contents).size());
+
+        const Octets notBefore = elementsOf(members[4].contents).at(0).contents;
+        const ASN1T_Time& time = tbs.validity.notBefore;
+        EXPECT_EQ(time.t == 1 ? time.u.utcTime : time.u.generalTime,
+                  std::string(notBefore.begin(), notBefore.end()));
+
+        // A BIT STRING's contents begin with the count of unused bits.
+        const std::vector<Element> key = elementsOf(members[6].contents);
+        const ASN1TDynBitStr& keyBits = tbs.subjectPublicKeyInfo.subjectPublicKey;
+        EXPECT_EQ(keyBits.numbits, (key[1].contents.size() - 1) * 8 - key[1].contents[0]);
+        EXPECT_EQ(toHex(keyBits.data, keyBits.numbits / 8),
+                  toHex(key[1].contents.data() + 1, key[1].contents.size() - 1));
+
+        ASSERT_EQ(tbs.m.extensionsPresent, members.back().identifier == 0xA3);
+        if (tbs.m.extensionsPresent) {
+            const std::vector<Element> extensions =
+                elementsOf(elementsOf(members.back().contents).at(0).contents);
+            ASSERT_EQ(tbs.extensions.count, extensions.size());
+            const Asn1RTDListNode* node = tbs.extensions.head;
+            for (const Element& expected : extensions) {
+                const auto* extension = static_cast<const ASN1T_Extension*>(node->data);
+                const std::vector<Element> parts = elementsOf(expected.contents);
+                EXPECT_EQ(toHex(extension->extnValue.data, extension->extnValue.numocts),
+                          toHex(parts.back().contents));
+                EXPECT_EQ(extension->critical != 0, parts.size() == 3);
+                node = node->next;
+            }
+        }
+    }
+}
+
+TEST_F(Certificates, CopiesOutliveTheirOrigin) {
+    const Octets& message = tests::caBundle().front();
+    ASN1T_Certificate copy;
+    ASN1T_Certificate* heapCopy = nullptr;
+    {
+        Decoded decoded(message);
+        EXPECT_EQ(decoded.control.getCopy(&decoded.value), &decoded.value);
+        decoded.control.getCopy(&copy);
+        heapCopy = decoded.control.newCopy();
+        ASN1C_Certificate sharing(decoded.control);
+        EXPECT_EQ(encode<ASN1C_Certificate>(*sharing.msgData), toHex(message));
+    }
+    EXPECT_EQ(encode<ASN1C_Certificate>(copy), toHex(message));
+    EXPECT_EQ(encode<ASN1C_Certificate>(*heapCopy), toHex(message));
+    delete heapCopy;
+}
+
+/// The records of resolved attribute values in a name.
+void collectTyped(const ASN1T_Name& name, std::set<const void*>& records) {
+    for (const Asn1RTDListNode* rdn = name.u.rdnSequence->head; rdn != nullptr; rdn = rdn->next) {
+        const auto* parts = static_cast<const ASN1T_RelativeDistinguishedName*>(rdn->data);
+        for (const Asn1RTDListNode* node = parts->head; node != nullptr; node = node->next) {
+            records.insert(
+                static_cast<const ASN1T_AttributeTypeAndValue*>(node->data)->value.decoded);
+        }
+    }
+}
+
+TEST_F(Certificates, ReleaseGivesBackWhatItShould) {
+    for (const Octets& message : tests::caBundle()) {
+        Decoded decoded(message);
+        const ASN1T_TBSCertificate& tbs = decoded.value.tbsCertificate;
+        // The text of an INTEGER and the record of an open value stay with the heap.
+        std::set<const void*> staying{tbs.serialNumber};
+        collectTyped(tbs.issuer, staying);
+        collectTyped(tbs.subject, staying);
+        ASN1CTXT* ctxt = decoded.buffer.getCtxtPtr();
+        asn1Free_Certificate(ctxt, &decoded.value);
+        const auto* block = static_cast<const ASN1MemHeap*>(ctxt->memHeap)->blockList;
+        for (; block != nullptr; block = block->next) {
+            EXPECT_EQ(staying.count(block + 1), 1u) << block->size << " octets were left";
+        }
+    }
+}
+
+// A resolved attribute value that did not arrive in DER is encoded anew. The octets must not live
+// shorter than the value that holds them: encode buffers come and go.
+TEST(Name, IsEncodedAgainAfterItsEncodeBufferWent) {
+    const Octets message = tests::fromHex("30 0E 31 0C 30 0A 06 03 55 04 06 13 81 02 44 45");
+    ASN1BERDecodeBuffer input(message.data(), static_cast<int>(message.size()));
+    ASN1T_Name name;
+    ASN1C_Name control(input, name);
+    ASSERT_EQ(control.Decode(), 0);
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(encode<ASN1C_Name>(name), "30 0D 31 0B 30 09 06 03 55 04 06 13 02 44 45");
+    }
+    ASN1T_Name copy(control);
+    EXPECT_EQ(encode<ASN1C_Name>(copy), "30 0D 31 0B 30 09 06 03 55 04 06 13 02 44 45");
+    asn1Free_Name(input.getCtxtPtr(), &name);
+}
+
+TEST(Certificate, EveryFailureIsTold) {
+    // SEQUENCE { SEQUENCE { [0] 2, 1, alg, name, validity, name, key }, alg, bits }, in the
+    // smallest form that decodes.
+    const std::string algorithm = "30 05 06 03 2A 03 04";
+    const std::string time = "17 0D 32 35 30 31 30 31 30 30 30 30 30 30 5A";
+    const std::string validity = "30 1E" + time + time;
+    const std::string key = "30 0B" + algorithm + "03 02 00 FF";
+    const auto wrap = [](const std::string& contents, const char* identifier = "30") {
+        const Octets octets = tests::fromHex(contents);
+        return identifier + toHex({static_cast<unsigned char>(octets.size())}) + contents;
+    };
+    const auto certificate = [&](const std::string& version, const std::string& rest) {
+        return wrap(wrap(version + "02 01 01" + algorithm + "30 00" + rest) + algorithm +
+                    "03 02 00 01");
+    };
+    const std::string rest = validity + "30 00" + key;
+    const struct {
+        const char* what;
+        std::string message;
+        int status;
+    } rows[] = {
+        {"whole", certificate("A0 03 02 01 02", rest), 0},
+        {"no version", certificate("", rest), 0},
+        {"version of 32 bits", certificate("A0 07 02 05 00 FF FF FF FF", rest), 0},
+        {"version beyond 32 bits", certificate("A0 07 02 05 01 00 00 00 00", rest), -33},
+        {"no serial number", wrap(wrap(algorithm + "30 00" + rest) + algorithm + "03 02 00 01"),
+         -3},
+        {"ends after the issuer", certificate("", ""), -8},
+        {"time of another type", certificate("", "30 04 0C 00" + time.substr(0, 5)), -11},
+        {"no key", certificate("", validity + "30 00"), -8},
+        {"empty extensions", certificate("", rest + "A3 02 30 00"), -23},
+        {"element behind the extensions",
+         certificate("", rest + "A3 0B 30 09 30 07 06 01 2A 04 02 05 00 05 00"), -10},
+        {"no signature", wrap(wrap("02 01 01" + algorithm + "30 00" + rest) + algorithm), -8},
+        {"unused bits above 7",
+         wrap(wrap("02 01 01" + algorithm + "30 00" + rest) + algorithm + "03 02 08 01"), -18},
+        {"no octets of an identifier",
+         wrap(wrap("02 01 01 30 02 06 00 30 00" + rest) + algorithm + "03 02 00 01"), -5},
+    };
+    for (const auto& row : rows) {
+        const Octets message = tests::fromHex(row.message);
+        ASN1BERDecodeBuffer buffer(message.data(), static_cast<int>(message.size()));
+        ASN1T_Certificate value;
+        EXPECT_EQ(ASN1C_Certificate(buffer, value).Decode(), row.status) << row.what;
+        EXPECT_EQ(buffer.getCtxtPtr()->errInfo.status, row.status) << row.what;
+    }
+}
+
+} // namespace

@@ -1,0 +1,618 @@
+#include "support/value_builder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <brevantis/asn1/runtime/heap.h>
+#include <brevantis/asn1/runtime/list.h>
+#include <brevantis/asn1/runtime/object_identifier.h>
+
+namespace tests {
+
+using namespace asn1data;
+
+namespace {
+
+enum : unsigned { DeepEnough = 6, Unreachable = 1000 };
+
+template <class T>
+T& at(void* record, unsigned offset) {
+    return *reinterpret_cast<T*>(static_cast<unsigned char*>(record) + offset);
+}
+template <class T>
+const T& at(const void* record, unsigned offset) {
+    return *reinterpret_cast<const T*>(static_cast<const unsigned char*>(record) + offset);
+}
+void* place(void* record, std::size_t offset) {
+    return static_cast<unsigned char*>(record) + offset;
+}
+const void* place(const void* record, std::size_t offset) {
+    return static_cast<const unsigned char*>(record) + offset;
+}
+
+/// How deep the shallowest value of a type is: a CHOICE far down takes the way out.
+unsigned shallowest(const TypeDescription& type, unsigned limit) {
+    static std::map<std::pair<const TypeDescription*, unsigned>, unsigned> known;
+    if (limit == 0) {
+        return Unreachable;
+    }
+    const auto key = std::make_pair(&type, limit);
+    const auto found = known.find(key);
+    if (found != known.end()) {
+        return found->second;
+    }
+    unsigned depth = 0;
+    if (type.shape == Shape::Choice) {
+        depth = Unreachable;
+        for (unsigned i = 0; i < type.elementCount; ++i) {
+            depth = std::min(depth, shallowest(*type.elements[i].type, limit - 1) + 1);
+        }
+    } else if (type.shape == Shape::Sequence || type.shape == Shape::Set) {
+        for (unsigned i = 0; i < type.elementCount; ++i) {
+            if (type.elements[i].presence == Presence::Mandatory) {
+                depth = std::max(depth, shallowest(*type.elements[i].type, limit - 1) + 1);
+            }
+        }
+    } else if (type.element != nullptr && type.constraint.count != 0 &&
+               type.constraint.ranges[0].lower > 0) {
+        depth = shallowest(*type.element, limit - 1) + 1;
+    }
+    known[key] = depth;
+    return depth;
+}
+
+unsigned bits(const void* record, const TypeDescription& type) {
+    return type.presenceOffset == NoOffset ? 0 : at<unsigned>(record, type.presenceOffset);
+}
+
+} // namespace
+
+template <class T>
+T* ValueBuilder::allocate(std::size_t count) {
+    void* block = rtMemHeapAllocZ(&ctxt_->memHeap, static_cast<int>(count * sizeof(T)));
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return static_cast<T*>(block);
+}
+
+void* ValueBuilder::build(const TypeDescription& type) {
+    void* value = allocate<unsigned char>(std::max(type.valueSize, 1u));
+    fill(type, type.constraint, value);
+    return value;
+}
+
+long long ValueBuilder::number(const Constraint& constraint, long long lowest, long long highest) {
+    if (constraint.count != 0) {
+        const ValueRange& range = constraint.ranges[below(constraint.count)];
+        lowest = std::max(lowest, range.lower);
+        highest = std::min(highest, range.upper);
+    }
+    switch (below(4)) {
+    case 0:
+        return lowest;
+    case 1:
+        return highest;
+    case 2:
+        return std::clamp(static_cast<long long>(below(300)), lowest, highest);
+    default:
+        return lowest + static_cast<long long>(
+                            random_() % (static_cast<unsigned long long>(highest - lowest) + 1));
+    }
+}
+
+unsigned ValueBuilder::size(const Constraint& constraint, unsigned usual, unsigned highest) {
+    long long lower = 0;
+    long long upper = highest;
+    if (constraint.count != 0) {
+        const ValueRange& range = constraint.ranges[below(constraint.count)];
+        lower = range.lower;
+        upper = std::min(upper, range.upper);
+    }
+    upper = std::min(upper, lower + usual);
+    return static_cast<unsigned>(lower) + below(static_cast<unsigned>(upper - lower) + 1);
+}
+
+unsigned char* ValueBuilder::octets(unsigned count) {
+    auto* data = allocate<unsigned char>(count);
+    for (unsigned i = 0; i < count; ++i) {
+        data[i] = static_cast<unsigned char>(random_());
+    }
+    return data;
+}
+
+/// The text form that the decoder gives to a random minimal INTEGER.
+const char* ValueBuilder::integerText() {
+    const unsigned count = 1 + below(chance(10) ? 300 : 20);
+    const unsigned char* content = octets(count);
+    std::string digits;
+    for (unsigned i = 0; i < count; ++i) {
+        digits += "0123456789abcdef"[content[i] >> 4];
+        digits += "0123456789abcdef"[content[i] & 15];
+    }
+    // Nine leading bits alike would not be minimal; a positive value with its top bit set is told
+    // by one digit 0 in front.
+    const bool redundant =
+        count > 1 && ((content[0] == 0xFF && content[1] >= 0x80) || content[0] == 0);
+    if (redundant) {
+        digits = "7f";
+    } else if (count == 1 && content[0] == 0) {
+        digits = "0";
+    } else if (content[0] >= 0x80 && chance(50)) {
+        digits.insert(0, "0");
+    }
+    digits.insert(0, "0x");
+    auto* text = allocate<char>(digits.size() + 1);
+    std::memcpy(text, digits.c_str(), digits.size() + 1);
+    return text;
+}
+
+const char* ValueBuilder::text(const TypeDescription& type, unsigned length) {
+    std::string characters;
+    const bool utf8 = type.tag == builtin::utf8String.tag;
+    for (unsigned i = 0; i < length; ++i) {
+        if (utf8 && chance(20)) {
+            characters += chance(50) ? "\xC3\xA9" : "\xE2\x82\xAC";
+        } else if (type.tag == builtin::numericString.tag) {
+            characters += static_cast<char>('0' + below(10));
+        } else {
+            characters += static_cast<char>(' ' + below(95));
+        }
+    }
+    auto* copy = allocate<char>(characters.size() + 1);
+    std::memcpy(copy, characters.c_str(), characters.size() + 1);
+    return copy;
+}
+
+void ValueBuilder::fillOpenType(ASN1OpenType& value) {
+    static const std::vector<std::vector<unsigned char>> elements = {
+        {0x05, 0x00},
+        {0x02, 0x01, 0x7F},
+        {0x04, 0x03, 0x00, 0x00, 0x00},
+        {0x30, 0x06, 0x0C, 0x01, 'a', 0x01, 0x01, 0xFF},
+        {0x30, 0x80, 0x05, 0x00, 0x00, 0x00},
+        {0x9F, 0x81, 0x01, 0x01, 0x55},
+        {0xA0, 0x02, 0x30, 0x00},
+    };
+    const auto& element = elements[below(static_cast<unsigned>(elements.size()))];
+    auto* data = allocate<unsigned char>(element.size());
+    std::memcpy(data, element.data(), element.size());
+    value.numocts = static_cast<unsigned>(element.size());
+    value.data = data;
+}
+
+void ValueBuilder::fill(const TypeDescription& type, const Constraint& constraint, void* value) {
+    ++depth_;
+    switch (type.shape) {
+    case Shape::Boolean:
+        at<unsigned char>(value, 0) = static_cast<unsigned char>(below(2));
+        break;
+    case Shape::Integer:
+        at<int>(value, 0) = static_cast<int>(number(constraint, INT32_MIN, INT32_MAX));
+        break;
+    case Shape::Unsigned:
+        at<unsigned>(value, 0) = static_cast<unsigned>(number(constraint, 0, UINT32_MAX));
+        break;
+    case Shape::Enumerated:
+        at<unsigned>(value, 0) = static_cast<unsigned>(number(constraint, 0, INT32_MAX));
+        break;
+    case Shape::Unsigned16:
+        at<unsigned short>(value, 0) = static_cast<unsigned short>(number(constraint, 0, 0xFFFF));
+        break;
+    case Shape::BigInteger:
+    case Shape::BigUnsigned:
+        at<const char*>(value, 0) = integerText();
+        break;
+    case Shape::Null:
+        break;
+    case Shape::ObjectIdentifier: {
+        auto& id = at<ASN1TObjId>(value, 0);
+        id.numids = 2 + below(chance(3) ? 127 : 8);
+        id.subid[0] = below(3);
+        id.subid[1] = below(id.subid[0] == 2 ? 1000 : 40);
+        for (unsigned i = 2; i < id.numids; ++i) {
+            id.subid[i] = static_cast<unsigned>(random_() >> below(64));
+        }
+        break;
+    }
+    case Shape::OctetString: {
+        auto& string = at<ASN1TDynOctStr>(value, 0);
+        string.numocts = size(constraint, 40, 1u << 20);
+        string.data = octets(string.numocts);
+        break;
+    }
+    case Shape::FixedOctetString: {
+        auto& count = at<unsigned>(value, type.countOffset);
+        count = size(constraint, type.capacity, type.capacity);
+        for (unsigned i = 0; i < count; ++i) {
+            at<unsigned char>(value, type.dataOffset + i) = static_cast<unsigned char>(random_());
+        }
+        break;
+    }
+    case Shape::BitString:
+    case Shape::FixedBitString: {
+        const bool fixed = type.shape == Shape::FixedBitString;
+        const unsigned count = size(constraint, 70, fixed ? type.capacity : 1u << 20);
+        unsigned char* data = octets(count / 8 + 1);
+        if (count % 8 != 0) {
+            data[count / 8] = static_cast<unsigned char>(data[count / 8] & (0xFF00u >> count % 8));
+        }
+        if (fixed) {
+            at<unsigned>(value, type.countOffset) = count;
+            std::memcpy(place(value, type.dataOffset), data, (count + 7) / 8);
+        } else {
+            at<ASN1TDynBitStr>(value, 0) = {count, count != 0 ? data : nullptr};
+        }
+        break;
+    }
+    case Shape::Text:
+        at<const char*>(value, 0) = text(type, size(constraint, 30, 1u << 20));
+        break;
+    case Shape::Text16: {
+        auto& string = at<Asn116BitCharString>(value, 0);
+        string.nchars = size(constraint, 30, 1u << 20);
+        string.data = string.nchars != 0 ? allocate<unsigned short>(string.nchars) : nullptr;
+        for (unsigned i = 0; i < string.nchars; ++i) {
+            string.data[i] = static_cast<unsigned short>(random_());
+        }
+        break;
+    }
+    case Shape::Text32: {
+        auto& string = at<Asn132BitCharString>(value, 0);
+        string.nchars = size(constraint, 30, 1u << 20);
+        string.data = string.nchars != 0 ? allocate<unsigned>(string.nchars) : nullptr;
+        for (unsigned i = 0; i < string.nchars; ++i) {
+            string.data[i] = static_cast<unsigned>(random_());
+        }
+        break;
+    }
+    case Shape::OpenType:
+        fillOpenType(at<ASN1OpenType>(value, 0));
+        break;
+    case Shape::Sequence:
+    case Shape::Set:
+        fillRecord(type, value);
+        break;
+    case Shape::Choice:
+        fillChoice(type, value);
+        break;
+    case Shape::List:
+        fillList(type, constraint, value);
+        break;
+    case Shape::Array:
+    case Shape::FixedArray:
+        fillArray(type, constraint, value);
+        break;
+    }
+    --depth_;
+}
+
+void ValueBuilder::fillRecord(const TypeDescription& type, void* record) {
+    for (unsigned i = 0; i < type.elementCount; ++i) {
+        const ElementDescription& element = type.elements[i];
+        if (element.presence == Presence::Optional) {
+            const bool tooDeep = depth_ > DeepEnough && shallowest(*element.type, DeepEnough) > 1;
+            if (tooDeep || chance(40)) {
+                continue;
+            }
+            at<unsigned>(record, type.presenceOffset) |= 1u << element.presenceBit;
+        }
+        const Constraint& constraint =
+            element.constraint.count != 0 ? element.constraint : element.type->constraint;
+        fill(*element.type, constraint, place(record, element.offset));
+    }
+    if (type.extensionOffset != NoOffset) {
+        auto& list = at<Asn1RTDList>(record, type.extensionOffset);
+        rtDListInit(&list);
+        for (unsigned count = below(4); count-- > 0;) {
+            auto* element = allocate<ASN1OpenType>(1);
+            fillOpenType(*element);
+            rtDListAppend(ctxt_, &list, element);
+        }
+    }
+    if (type.table != nullptr) {
+        resolve(type, record);
+    }
+}
+
+/// Gives the record an identifier of its object set and a typed value to go with it, mostly.
+void ValueBuilder::resolve(const TypeDescription& type, void* record) {
+    const TableConstraint& table = *type.table;
+    const bool present =
+        table.presenceOffset == NoOffset ||
+        (at<unsigned>(record, table.presenceOffset) >> table.presenceBit & 1u) != 0;
+    if (table.objects->count == 0 || chance(20)) {
+        return;
+    }
+    const ObjectDescription& object = table.objects->objects[below(table.objects->count)];
+    if (object.type != nullptr && depth_ > DeepEnough && shallowest(*object.type, DeepEnough) > 3) {
+        return;
+    }
+    auto& id = at<ASN1TObjId>(record, table.identifierOffset);
+    id.numids = object.arcCount;
+    std::copy_n(object.arcs, object.arcCount, id.subid);
+    if (object.type == nullptr || !present) {
+        return;
+    }
+    if (table.value == OpenValue::OpenTypes) {
+        const auto& list = at<Asn1RTDList>(record, table.valueOffset);
+        for (Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
+            resolveSlot(*object.type, *static_cast<Asn1TObject*>(node->data));
+        }
+        return;
+    }
+    if (table.value == OpenValue::OctetString) {
+        at<ASN1TDynOctStr>(record, table.valueOffset) = {0, nullptr};
+    }
+    resolveSlot(*object.type, at<Asn1TObject>(record, table.slotOffset));
+}
+
+void ValueBuilder::resolveSlot(const TypeDescription& type, Asn1TObject& slot) {
+    slot.numocts = 0;
+    slot.data = nullptr;
+    slot.decoded = build(type);
+}
+
+void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
+    unsigned selector = below(type.elementCount);
+    if (depth_ > DeepEnough) {
+        for (unsigned i = 0; i < type.elementCount; ++i) {
+            if (shallowest(*type.elements[i].type, DeepEnough) <
+                shallowest(*type.elements[selector].type, DeepEnough)) {
+                selector = i;
+            }
+        }
+    }
+    const ElementDescription& alternative = type.elements[selector];
+    at<unsigned>(record, type.countOffset) = selector + 1;
+    void* value = place(record, alternative.offset);
+    if (alternative.indirect) {
+        void* block = allocate<unsigned char>(std::max(alternative.type->valueSize, 1u));
+        at<void*>(record, alternative.offset) = block;
+        value = block;
+    }
+    fill(*alternative.type,
+         alternative.constraint.count != 0 ? alternative.constraint : alternative.type->constraint,
+         value);
+}
+
+void ValueBuilder::fillList(const TypeDescription& type, const Constraint& constraint,
+                            void* value) {
+    auto& list = at<Asn1RTDList>(value, 0);
+    rtDListInit(&list);
+    for (unsigned count = size(constraint, depth_ > DeepEnough ? 0 : 3, 1000); count-- > 0;) {
+        rtDListAppend(ctxt_, &list, build(*type.element));
+    }
+}
+
+void ValueBuilder::fillArray(const TypeDescription& type, const Constraint& constraint,
+                             void* value) {
+    const bool fixed = type.shape == Shape::FixedArray;
+    const unsigned count =
+        size(constraint, depth_ > DeepEnough ? 0 : 4, fixed ? type.capacity : 1000);
+    at<unsigned>(value, type.countOffset) = count;
+    void* places = fixed ? place(value, type.dataOffset)
+                         : allocate<unsigned char>(std::size_t{count} * type.element->valueSize);
+    if (!fixed) {
+        at<void*>(value, type.dataOffset) = places;
+    }
+    for (unsigned i = 0; i < count; ++i) {
+        fill(*type.element, type.element->constraint,
+             place(places, std::size_t{i} * type.element->valueSize));
+    }
+}
+
+namespace {
+
+bool equalOctets(const void* a, const void* b, std::size_t count) {
+    return count == 0 || std::memcmp(a, b, count) == 0;
+}
+
+bool equalText(const char* a, const char* b) {
+    return a == nullptr || b == nullptr ? a == b : std::strcmp(a, b) == 0;
+}
+
+/// A typed value says more than its raw octets, which a value that was never decoded does not have.
+bool equalSlots(const ObjectDescription* object, const Asn1TObject& a, const Asn1TObject& b) {
+    if (object != nullptr && object->type != nullptr && a.decoded != nullptr) {
+        return b.decoded != nullptr && equalValues(*object->type, a.decoded, b.decoded);
+    }
+    return b.decoded == nullptr && a.numocts == b.numocts && equalOctets(a.data, b.data, a.numocts);
+}
+
+const ObjectDescription* objectOf(const TableConstraint& table, const void* record) {
+    const auto& id = at<ASN1TObjId>(record, table.identifierOffset);
+    for (unsigned i = 0; i < table.objects->count; ++i) {
+        const ObjectDescription& object = table.objects->objects[i];
+        if (object.arcCount == id.numids &&
+            std::equal(object.arcs, object.arcs + object.arcCount, id.subid)) {
+            return &object;
+        }
+    }
+    return nullptr;
+}
+
+/// Members of a SET OF open values, which come in any order.
+bool equalOpenLists(const TypeDescription& type, const ObjectDescription* object,
+                    const Asn1RTDList& a, const Asn1RTDList& b) {
+    std::vector<const Asn1TObject*> left;
+    for (const Asn1RTDListNode* node = b.head; node != nullptr; node = node->next) {
+        left.push_back(static_cast<const Asn1TObject*>(node->data));
+    }
+    for (const Asn1RTDListNode* node = a.head; node != nullptr; node = node->next) {
+        const auto match = std::find_if(left.begin(), left.end(), [&](const Asn1TObject* slot) {
+            return equalSlots(object, *static_cast<const Asn1TObject*>(node->data), *slot);
+        });
+        if (match == left.end() || (!type.setOf && match != left.begin())) {
+            return false;
+        }
+        left.erase(match);
+    }
+    return left.empty();
+}
+
+bool equalRecords(const TypeDescription& type, const void* a, const void* b) {
+    if (bits(a, type) != bits(b, type)) {
+        return false;
+    }
+    const TableConstraint* table = type.table;
+    for (unsigned i = 0; i < type.elementCount; ++i) {
+        const ElementDescription& element = type.elements[i];
+        const bool present = element.presence != Presence::Optional ||
+                             (bits(a, type) >> element.presenceBit & 1u) != 0;
+        if (!present) {
+            continue;
+        }
+        const bool open = table != nullptr && element.offset == table->valueOffset;
+        if (open && table->value == OpenValue::OpenType) {
+            if (!equalSlots(objectOf(*table, a), at<Asn1TObject>(a, element.offset),
+                            at<Asn1TObject>(b, element.offset))) {
+                return false;
+            }
+        } else if (open && table->value == OpenValue::OpenTypes) {
+            if (!equalOpenLists(*element.type, objectOf(*table, a),
+                                at<Asn1RTDList>(a, element.offset),
+                                at<Asn1RTDList>(b, element.offset))) {
+                return false;
+            }
+        } else if (open && at<Asn1TObject>(a, table->slotOffset).decoded != nullptr) {
+            if (!equalSlots(objectOf(*table, a), at<Asn1TObject>(a, table->slotOffset),
+                            at<Asn1TObject>(b, table->slotOffset))) {
+                return false;
+            }
+        } else if (!equalValues(*element.type, place(a, element.offset),
+                                place(b, element.offset))) {
+            return false;
+        }
+    }
+    if (type.extensionOffset == NoOffset) {
+        return true;
+    }
+    const auto& left = at<Asn1RTDList>(a, type.extensionOffset);
+    const auto& right = at<Asn1RTDList>(b, type.extensionOffset);
+    const Asn1RTDListNode* other = right.head;
+    for (const Asn1RTDListNode* node = left.head; node != nullptr && left.count == right.count;
+         node = node->next, other = other->next) {
+        if (!equalValues(builtin::openType, node->data, other->data)) {
+            return false;
+        }
+    }
+    return left.count == right.count;
+}
+
+bool equalMembers(const TypeDescription& type, const std::vector<const void*>& a,
+                  std::vector<const void*> b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const auto match =
+            std::find_if(b.begin(), type.setOf ? b.end() : b.begin() + 1, [&](const void* member) {
+                return equalValues(*type.element, a[i], member);
+            });
+        if (match == b.end() || (!type.setOf && match != b.begin())) {
+            return false;
+        }
+        b.erase(match);
+    }
+    return true;
+}
+
+std::vector<const void*> members(const TypeDescription& type, const void* value) {
+    std::vector<const void*> found;
+    if (type.shape == Shape::List) {
+        for (const Asn1RTDListNode* node = at<Asn1RTDList>(value, 0).head; node != nullptr;
+             node = node->next) {
+            found.push_back(node->data);
+        }
+        return found;
+    }
+    const void* places = type.shape == Shape::FixedArray ? place(value, type.dataOffset)
+                                                         : at<void*>(value, type.dataOffset);
+    for (unsigned i = 0; i < at<unsigned>(value, type.countOffset); ++i) {
+        found.push_back(place(places, std::size_t{i} * type.element->valueSize));
+    }
+    return found;
+}
+
+bool equalChoices(const TypeDescription& type, const void* a, const void* b) {
+    const unsigned selector = at<unsigned>(a, type.countOffset);
+    if (selector != at<unsigned>(b, type.countOffset) || selector == 0) {
+        return selector == at<unsigned>(b, type.countOffset);
+    }
+    const ElementDescription& alternative = type.elements[selector - 1];
+    return alternative.indirect ? equalValues(*alternative.type, at<void*>(a, alternative.offset),
+                                              at<void*>(b, alternative.offset))
+                                : equalValues(*alternative.type, place(a, alternative.offset),
+                                              place(b, alternative.offset));
+}
+
+} // namespace
+
+bool equalValues(const TypeDescription& type, const void* a, const void* b) {
+    switch (type.shape) {
+    case Shape::Boolean:
+        return (at<unsigned char>(a, 0) != 0) == (at<unsigned char>(b, 0) != 0);
+    case Shape::Integer:
+    case Shape::Unsigned:
+    case Shape::Enumerated:
+    case Shape::Unsigned16:
+        return equalOctets(a, b, type.valueSize);
+    case Shape::BigInteger:
+    case Shape::BigUnsigned:
+    case Shape::Text:
+        return equalText(at<const char*>(a, 0), at<const char*>(b, 0));
+    case Shape::Null:
+        return true;
+    case Shape::ObjectIdentifier:
+        return at<ASN1TObjId>(a, 0) == at<ASN1TObjId>(b, 0);
+    case Shape::OctetString:
+    case Shape::OpenType: {
+        // Both records begin with a count of octets and a pointer to them.
+        const auto& left = at<ASN1TDynOctStr>(a, 0);
+        const auto& right = at<ASN1TDynOctStr>(b, 0);
+        return left.numocts == right.numocts && equalOctets(left.data, right.data, left.numocts);
+    }
+    case Shape::BitString: {
+        const auto& left = at<ASN1TDynBitStr>(a, 0);
+        const auto& right = at<ASN1TDynBitStr>(b, 0);
+        return left.numbits == right.numbits &&
+               equalOctets(left.data, right.data, (left.numbits + 7) / 8);
+    }
+    case Shape::FixedOctetString:
+    case Shape::FixedBitString: {
+        const unsigned count = at<unsigned>(a, type.countOffset);
+        return count == at<unsigned>(b, type.countOffset) &&
+               equalOctets(place(a, type.dataOffset), place(b, type.dataOffset),
+                           type.shape == Shape::FixedBitString ? (count + 7) / 8 : count);
+    }
+    case Shape::Text16: {
+        const auto& left = at<Asn116BitCharString>(a, 0);
+        const auto& right = at<Asn116BitCharString>(b, 0);
+        return left.nchars == right.nchars &&
+               equalOctets(left.data, right.data, left.nchars * std::size_t{2});
+    }
+    case Shape::Text32: {
+        const auto& left = at<Asn132BitCharString>(a, 0);
+        const auto& right = at<Asn132BitCharString>(b, 0);
+        return left.nchars == right.nchars &&
+               equalOctets(left.data, right.data, left.nchars * std::size_t{4});
+    }
+    case Shape::Sequence:
+    case Shape::Set:
+        return equalRecords(type, a, b);
+    case Shape::Choice:
+        return equalChoices(type, a, b);
+    case Shape::List:
+    case Shape::Array:
+    case Shape::FixedArray:
+        return equalMembers(type, members(type, a), members(type, b));
+    }
+    return false;
+}
+
+} // namespace tests

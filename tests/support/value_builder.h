@@ -1,0 +1,54 @@
+#ifndef TESTS_SUPPORT_VALUE_BUILDER_H
+#define TESTS_SUPPORT_VALUE_BUILDER_H
+
+#include <random>
+
+#include <brevantis/asn1/asn1data/describe.h>
+#include <brevantis/asn1/runtime/context.h>
+
+namespace tests {
+
+/// Makes values of any type within its constraints, by its description alone. One seed gives one
+/// sequence of values.
+class ValueBuilder {
+public:
+    ValueBuilder(ASN1CTXT* ctxt, unsigned long long seed) : ctxt_(ctxt), random_(seed) {}
+
+    /// A new record of the type on the context's heap.
+    void* build(const asn1data::TypeDescription& type);
+
+private:
+    void fill(const asn1data::TypeDescription& type, const asn1data::Constraint& constraint,
+              void* value);
+    void fillRecord(const asn1data::TypeDescription& type, void* record);
+    void fillChoice(const asn1data::TypeDescription& type, void* record);
+    void fillList(const asn1data::TypeDescription& type, const asn1data::Constraint& constraint,
+                  void* value);
+    void fillArray(const asn1data::TypeDescription& type, const asn1data::Constraint& constraint,
+                   void* value);
+    void resolve(const asn1data::TypeDescription& type, void* record);
+    void resolveSlot(const asn1data::TypeDescription& type, Asn1TObject& slot);
+    void fillOpenType(ASN1OpenType& value);
+    const char* integerText();
+    const char* text(const asn1data::TypeDescription& type, unsigned length);
+    unsigned char* octets(unsigned count);
+
+    unsigned below(unsigned bound) { return static_cast<unsigned>(random_() % bound); }
+    bool chance(unsigned percent) { return below(100) < percent; }
+    long long number(const asn1data::Constraint& constraint, long long lowest, long long highest);
+    unsigned size(const asn1data::Constraint& constraint, unsigned usual, unsigned highest);
+    template <class T>
+    T* allocate(std::size_t count);
+
+    ASN1CTXT* ctxt_;
+    std::mt19937_64 random_;
+    unsigned depth_ = 0;
+};
+
+/// Whether two values say the same. Members of a SET OF are compared in any order; a BOOLEAN by its
+/// truth.
+bool equalValues(const asn1data::TypeDescription& type, const void* a, const void* b);
+
+} // namespace tests
+
+#endif

@@ -1,0 +1,34 @@
+#ifndef BREVANTIS_ASN1GEN_COMPILER_H
+#define BREVANTIS_ASN1GEN_COMPILER_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "diagnostics.h"
+#include "emitter.h"
+
+namespace asn1gen {
+
+/// A schema file.
+struct SourceFile {
+    std::string name; ///< as diagnostics show it
+    std::string text;
+};
+
+/// What the compiler is asked for.
+struct Options {
+    Output output;
+    std::string headerDirectory;
+    std::string sourceDirectory;
+    bool catalogue = false;
+};
+
+/// Compiles modules that belong together.
+/// @return the generated files by their paths; empty when @p diagnostics tells why
+std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
+                                           const Options& options, Diagnostics& diagnostics);
+
+} // namespace asn1gen
+
+#endif

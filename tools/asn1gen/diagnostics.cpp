@@ -1,0 +1,37 @@
+#include "diagnostics.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace asn1gen {
+
+void Diagnostics::error(const Location& at, const std::string& sentence) {
+    // What several names refer to is read for each of them.
+    for (const Entry& entry : entries_) {
+        if (entry.at.file == at.file && entry.at.line == at.line && entry.at.column == at.column &&
+            entry.sentence == sentence) {
+            return;
+        }
+    }
+    entries_.push_back({at, sentence});
+}
+
+void Diagnostics::print(std::ostream& out) const {
+    // Files keep the order in which they were first complained about.
+    std::map<std::string, std::size_t> order;
+    for (const Entry& entry : entries_) {
+        order.emplace(entry.at.file, order.size());
+    }
+    std::vector<Entry> sorted = entries_;
+    std::stable_sort(sorted.begin(), sorted.end(), [&order](const Entry& a, const Entry& b) {
+        return std::tuple(order[a.at.file], a.at.line, a.at.column) <
+               std::tuple(order[b.at.file], b.at.line, b.at.column);
+    });
+    for (const Entry& entry : sorted) {
+        out << entry.at.file << ':' << entry.at.line << ':' << entry.at.column
+            << ": error: " << entry.sentence << ".\n";
+    }
+}
+
+} // namespace asn1gen

@@ -1,0 +1,41 @@
+#ifndef BREVANTIS_ASN1GEN_DIAGNOSTICS_H
+#define BREVANTIS_ASN1GEN_DIAGNOSTICS_H
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace asn1gen {
+
+/// A place in a module's text.
+struct Location {
+    std::string file;
+    unsigned line = 0;
+    unsigned column = 0;
+};
+
+/// Collects what is wrong, so that one run reports as much as makes sense.
+class Diagnostics {
+public:
+    struct Entry {
+        Location at;
+        std::string sentence;
+    };
+
+    /// Adds a complaint, once.
+    /// @param sentence starts in lower case and has no full stop
+    void error(const Location& at, const std::string& sentence);
+
+    bool failed() const { return !entries_.empty(); }
+    const std::vector<Entry>& entries() const { return entries_; }
+
+    /// Prints "file:line:column: error: sentence." for each entry, in the order of the text.
+    void print(std::ostream& out) const;
+
+private:
+    std::vector<Entry> entries_;
+};
+
+} // namespace asn1gen
+
+#endif

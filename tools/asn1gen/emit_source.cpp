@@ -1,0 +1,486 @@
+#include <set>
+
+#include "emitter.h"
+#include "names.h"
+
+// The source of a module: constant tables and one-line members.
+
+namespace asn1gen {
+namespace {
+
+std::string hex(unsigned value, int digits) {
+    static const char* const digit = "0123456789ABCDEF";
+    std::string text;
+    for (int i = digits - 1; i >= 0; --i) {
+        text += digit[value >> (4 * i) & 0xFu];
+    }
+    return "0x" + text;
+}
+
+std::string tagText(unsigned tag) {
+    return tag == 0 ? "0" : hex(tag, 8) + "u";
+}
+
+std::string boundText(long long bound) {
+    return bound == 0xFFFFFFFFll ? "Max"
+           : bound < 0           ? "Minus" + std::to_string(-bound)
+                                 : std::to_string(bound);
+}
+
+// Equal ranges share a constant, named by what it says.
+std::string rangeName(const std::vector<Range>& ranges) {
+    std::string name = "from";
+    for (const Range& range : ranges) {
+        name +=
+            (name == "from" ? "" : "or") + boundText(range.lower) + "to" + boundText(range.upper);
+    }
+    return name;
+}
+
+std::string constraintText(const std::vector<Range>& ranges, const std::string& engine) {
+    return ranges.empty() ? engine + "unconstrained" : engine + "within(" + rangeName(ranges) + ")";
+}
+
+const char* shapeName(Shape shape) {
+    static const char* const names[] = {"Boolean",
+                                        "Integer",
+                                        "Unsigned",
+                                        "Unsigned16",
+                                        "Enumerated",
+                                        "BigInteger",
+                                        "BigUnsigned",
+                                        "Null",
+                                        "ObjectIdentifier",
+                                        "OctetString",
+                                        "FixedOctetString",
+                                        "BitString",
+                                        "FixedBitString",
+                                        "Text",
+                                        "Text16",
+                                        "Text32",
+                                        "OpenType",
+                                        "Sequence",
+                                        "Set",
+                                        "Choice",
+                                        "List",
+                                        "Array",
+                                        "FixedArray"};
+    return names[static_cast<int>(shape)];
+}
+
+std::string truth(bool value) {
+    return value ? "true" : "false";
+}
+
+// What a broken constraint of the type names.
+std::string parameterOf(const Type& type) {
+    switch (type.shape) {
+    case Shape::List:
+        return "pvalue->count";
+    case Shape::Array:
+    case Shape::FixedArray:
+        return "pvalue->n";
+    case Shape::OctetString:
+    case Shape::FixedOctetString:
+        return "pvalue->numocts";
+    case Shape::BitString:
+    case Shape::FixedBitString:
+        return "pvalue->numbits";
+    case Shape::Text16:
+    case Shape::Text32:
+        return "pvalue->nchars";
+    default:
+        return "*pvalue";
+    }
+}
+
+// The octets of beginsWith, empty when it is any.
+std::vector<std::string> identifierList(const Octets& octets) {
+    std::vector<std::string> items;
+    for (unsigned octet = 0; octets.count() < 255 && octet < 256; ++octet) {
+        if (octets.test(octet)) {
+            items.push_back(hex(octet, 2));
+        }
+    }
+    return items;
+}
+
+} // namespace
+
+std::string Emitter::privateHeader(const Module& module) {
+    Writer out;
+    opening(out, module.node.stem + ".asn1", module.node.digest);
+    std::string guard = output_.nameSpace + "_" + module.node.stem + "_TYPES_H";
+    for (char& c : guard) {
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c == '-' ? '_' : c;
+    }
+    out.line("#ifndef " + guard);
+    out.line("#define " + guard);
+    out.line();
+    out.line("#include <brevantis/asn1/asn1data/describe.h>");
+    const std::string data = engine("");
+    if (!module.types.empty()) {
+        out.line();
+    }
+    if (!module.types.empty()) {
+        out.line("namespace " + output_.nameSpace + "::types {");
+    }
+    for (const Type* type : module.types) {
+        out.line("extern const " + data + "TypeDescription " + type->name + ";");
+        if (type->aliasOf == nullptr && !type->elements.empty()) {
+            out.line("extern const " + data + "ElementDescription " + type->name + "_elements[" +
+                     std::to_string(type->elements.size()) + "];");
+        }
+        if (type->table) {
+            out.line("extern const " + data + "TableConstraint " + type->name + "_table;");
+        }
+    }
+    if (!module.types.empty()) {
+        out.line("} // namespace " + output_.nameSpace + "::types");
+    }
+    if (!module.sets.empty()) {
+        out.line();
+        out.line("namespace " + output_.nameSpace + "::sets {");
+        for (const ObjectSet* set : module.sets) {
+            out.line("extern const " + data + "ObjectSetDescription " + set->name + ";");
+        }
+        out.line("} // namespace " + output_.nameSpace + "::sets");
+    }
+    if (!module.objects.empty()) {
+        out.line();
+        out.line("namespace " + output_.nameSpace + "::objects {");
+        for (const Object* object : module.objects) {
+            out.line("extern const unsigned " + object->name + "_arcs[" +
+                     std::to_string(object->arcs.size()) + "];");
+        }
+        out.line("} // namespace " + output_.nameSpace + "::objects");
+    }
+    out.line();
+    out.line("#endif");
+    return out.text();
+}
+
+std::string Emitter::source(const Module& module) {
+    Writer out;
+    opening(out, module.node.stem + ".asn1", module.node.digest);
+    out.line("#include <" + output_.includePrefix + "/" + module.node.stem + ".h>");
+    out.line();
+    out.line("#include <cstddef>");
+    out.line("#include <type_traits>");
+    std::set<std::string> publicHeaders = {"<brevantis/asn1/asn1data/family.h>",
+                                           "<brevantis/asn1/asn1data/generated.h>",
+                                           "<brevantis/asn1/asn1data/object.h>"};
+    std::set<std::string> privateHeaders = {module.node.stem};
+    const auto uses = [&](const Type* type, bool complete) {
+        if (type != nullptr && !type->builtin && type->module != &module) {
+            privateHeaders.insert(type->module->node.stem);
+            if (complete) {
+                publicHeaders.insert("<" + output_.includePrefix + "/" + type->module->node.stem +
+                                     ".h>");
+            }
+        }
+    };
+    for (const Type* type : module.types) {
+        uses(type->aliasOf, true);
+        for (const Type* target = type; target->aliasOf != nullptr; target = target->aliasOf) {
+            uses(target->aliasOf, false);
+        }
+        uses(type->target().element, false);
+        for (const Element& element : type->elements) {
+            uses(element.type, true);
+        }
+        uses(type->element, true);
+        if (type->table && type->table->set->module != &module) {
+            privateHeaders.insert(type->table->set->module->node.stem);
+        }
+    }
+    for (const Object* object : module.objects) {
+        uses(object->type, true);
+    }
+    for (const ObjectSet* set : module.sets) {
+        for (const Object* object : set->objects) {
+            uses(object->type, false);
+            if (object->module != &module) {
+                privateHeaders.insert(object->module->node.stem);
+                publicHeaders.insert("<" + output_.includePrefix + "/" + object->module->node.stem +
+                                     ".h>");
+            }
+        }
+    }
+    out.line();
+    for (const std::string& name : publicHeaders) {
+        out.line("#include " + name);
+    }
+    out.line();
+    for (const std::string& name : privateHeaders) {
+        out.line("#include \"" + name + "_types.h\"");
+    }
+    out.line();
+    out.line("namespace " + output_.nameSpace + " {");
+    for (const Identifier& identifier : module.identifiers) {
+        if (!identifier.copyOf.empty()) {
+            out.line();
+            out.line("const ASN1OBJID " + identifier.name + " = " + identifier.copyOf + ";");
+            continue;
+        }
+        std::string arcs;
+        for (const unsigned arc : identifier.arcs) {
+            arcs += (arcs.empty() ? "" : ", ") + std::to_string(arc);
+        }
+        out.line();
+        out.initialized("const ASN1OBJID " + identifier.name,
+                        std::to_string(identifier.arcs.size()) + ", {" + arcs + "}");
+    }
+    if (!module.types.empty()) {
+        rangeConstants(out, module);
+        out.line();
+        out.line("namespace types {");
+        for (const Type* type : module.types) {
+            elementTable(out, *type);
+            tableConstraint(out, *type);
+            description(out, *type);
+        }
+        out.line();
+        out.line("} // namespace types");
+    }
+    for (const Type* type : inOrderOfUse(module)) {
+        recordDefinitions(out, *type);
+        controlDefinitions(out, *type);
+        functionDefinitions(out, *type);
+    }
+    for (const ObjectClass* objectClass : module.classes) {
+        objectClassDefinitions(out, *objectClass);
+    }
+    for (const Object* object : module.objects) {
+        objectDefinitions(out, *object);
+    }
+    for (const ObjectSet* set : module.sets) {
+        objectSetDefinitions(out, *set);
+    }
+    out.line();
+    out.line("} // namespace " + output_.nameSpace);
+    return out.text();
+}
+
+void Emitter::rangeConstants(Writer& out, const Module& module) {
+    std::map<std::string, std::vector<Range>> constants;
+    const auto add = [&constants](const std::vector<Range>& ranges) {
+        if (!ranges.empty()) {
+            constants.emplace(rangeName(ranges), ranges);
+        }
+    };
+    for (const Type* type : module.types) {
+        add(type->constraint);
+        for (const Element& element : type->elements) {
+            add(element.constraint);
+        }
+    }
+    if (constants.empty()) {
+        return;
+    }
+    out.line();
+    out.line("namespace {");
+    for (const auto& [name, ranges] : constants) {
+        std::vector<std::string> items;
+        for (const Range& range : ranges) {
+            items.push_back("{" + std::to_string(range.lower) + ", " + std::to_string(range.upper) +
+                            "}");
+        }
+        out.list("constexpr " + engine("ValueRange ") + name + "[]", items);
+    }
+    out.line("} // namespace");
+}
+
+void Emitter::elementTable(Writer& out, const Type& type) {
+    if (type.aliasOf != nullptr || type.elements.empty()) {
+        return;
+    }
+    const std::string record = recordName(type);
+    const std::string data = engine("");
+    const bool choice = type.shape == Shape::Choice;
+    out.line();
+    if (type.hasPresence()) {
+        out.line("static_assert(sizeof(" + record + "::m) == sizeof(unsigned));");
+    }
+    if (choice) {
+        out.sameType("decltype(" + record + "::t)", "unsigned");
+    }
+    for (const Element& element : type.elements) {
+        if (element.type->shape == Shape::Null) {
+            continue;
+        }
+        const Type& target = element.type->target();
+        const std::string expected =
+            (target.builtin || target.hasRecord() ? valueName(target) : scalarName(target.shape)) +
+            (choice && isIndirect(*element.type) ? "*" : "");
+        out.sameType("decltype(" + record + (choice ? "::U::" : "::") + element.member + ")",
+                     expected);
+    }
+    out.line("constexpr " + data + "ElementDescription " + type.name + "_elements[] = {");
+    for (const Element& element : type.elements) {
+        static const char* const taggings[] = {"None", "Implicit", "Explicit"};
+        static const char* const presences[] = {"Mandatory", "Optional", "Default"};
+        const bool null = element.type->shape == Shape::Null;
+        const std::string offset = choice ? "offsetof(" + record + ", u)"
+                                   : null ? "0"
+                                          : "offsetof(" + record + ", " + element.member + ")";
+        out.row({"\"" + element.member + "\"",
+                 "&" + (element.type->builtin ? data + descriptorName(*element.type)
+                                              : element.type->name),
+                 offset, tagText(element.tag),
+                 data + "Tagging::" + taggings[static_cast<int>(element.tagging)],
+                 data + "Presence::" + presences[static_cast<int>(element.presence)],
+                 std::to_string(element.presenceBit),
+                 truth(choice && !null && isIndirect(*element.type)),
+                 constraintText(element.constraint, data), "\"" + element.parameter + "\"",
+                 std::to_string(element.defaultNumber),
+                 element.defaultText ? "\"" + *element.defaultText + "\"" : "nullptr"});
+    }
+    out.line("};");
+}
+
+void Emitter::tableConstraint(Writer& out, const Type& type) {
+    if (!type.table) {
+        return;
+    }
+    static const char* const kinds[] = {"OpenType", "OpenTypes", "OctetString"};
+    const Table& table = *type.table;
+    const Element& value = type.elements[table.value];
+    const std::string record = recordName(type);
+    const std::string data = engine("");
+    const bool optional = value.presence == Presence::Optional;
+    const std::string slot = value.member + (table.kind == Table::OctetString ? "Typed" : "");
+    out.line();
+    out.line("constexpr " + data + "TableConstraint " + type.name + "_table = {");
+    out.line("    &sets::" + table.set->name + ",");
+    out.line("    " + data + "OpenValue::" + kinds[table.kind] + ",");
+    out.line("    offsetof(" + record + ", " + type.elements[table.identifier].member + "),");
+    out.line("    offsetof(" + record + ", " + value.member + "),");
+    out.line("    offsetof(" + record + ", " + slot + "),");
+    out.line("    " + (optional ? "offsetof(" + record + ", m)" : data + "NoOffset") + ",");
+    out.line("    " + std::to_string(value.presenceBit) + ",");
+    out.line("};");
+}
+
+void Emitter::description(Writer& out, const Type& type) {
+    const Type& target = type.target();
+    const std::string record = recordName(type);
+    const std::string data = engine("");
+    std::size_t mandatory = 0;
+    for (const Element& element : target.elements) {
+        mandatory += element.presence == Presence::Mandatory ? 1 : 0;
+    }
+    std::string count = "0";
+    std::string content = "0";
+    switch (type.shape) {
+    case Shape::Choice:
+        count = "t";
+        content = "u";
+        break;
+    case Shape::Array:
+    case Shape::FixedArray:
+        count = "n";
+        content = "elem";
+        break;
+    case Shape::OctetString:
+    case Shape::FixedOctetString:
+        count = "numocts";
+        content = "data";
+        break;
+    case Shape::BitString:
+    case Shape::FixedBitString:
+        count = "numbits";
+        content = "data";
+        break;
+    case Shape::Text16:
+    case Shape::Text32:
+        count = "nchars";
+        content = "data";
+        break;
+    default:
+        break;
+    }
+    const auto offset = [&record](const std::string& member) {
+        return member == "0" ? member : "offsetof(" + record + ", " + member + ")";
+    };
+    out.line();
+    if (type.shape == Shape::List && type.aliasOf == nullptr) {
+        out.call("static_assert", {"std::is_base_of_v<ASN1TPDUSeqOfList, " + record + ">"}, ";");
+    }
+    if (type.isRepeated() && type.shape != Shape::List && type.aliasOf == nullptr) {
+        const Type& element = type.element->target();
+        const std::string held =
+            element.builtin || element.hasRecord() ? valueName(element) : scalarName(element.shape);
+        out.sameType(
+            "decltype(" + record + "::elem)",
+            held + (type.shape == Shape::Array ? "*" : "[" + std::to_string(type.capacity) + "]"));
+    }
+    if (!type.hasRecord() && type.aliasOf == nullptr) {
+        out.sameType(record, scalarName(type.shape));
+    }
+    out.line("constexpr " + data + "TypeDescription " + type.name + " = {");
+    const auto row = [&out](const char* field, const std::string& value) {
+        out.line("    /*" + std::string(field) + "=*/" + value + ",");
+    };
+    row("name", "\"" + type.name + "\"");
+    const std::vector<std::string> notation = literalLines(type.notation);
+    if (notation.size() == 1 && notation.front().size() < 80) {
+        row("notation", notation.front());
+    } else {
+        out.line("    /*notation=*/");
+        for (const std::string& text : notation) {
+            out.line("    " + text + (&text == &notation.back() ? "," : ""));
+        }
+    }
+    row("standard", literalLines(type.standard).front());
+    row("shape", data + "Shape::" + shapeName(type.shape));
+    row("setOf", truth(type.setOf));
+    row("stepsOverEndOfContents", truth(type.stepsOverEndOfContents));
+    row("closesRecursion", truth(type.closesRecursion));
+    row("holdsMemory", truth(type.holdsMemory));
+    row("copyable", truth(type.copyable));
+    row("tag", tagText(type.tag));
+    row("outerTag", tagText(type.outerTag));
+    row("valueSize", "sizeof(" + record + ")");
+    row("countOffset", offset(count));
+    row("dataOffset", offset(content));
+    row("capacity", std::to_string(type.capacity));
+    row("presenceOffset", type.hasPresence() ? offset("m") : data + "NoOffset");
+    row("extensionOffset",
+        target.extensionMember.empty() ? data + "NoOffset" : offset(target.extensionMember));
+    std::vector<std::string> octets = identifierList(type.identifiers);
+    if (octets.empty()) {
+        row("identifiers", data + "beginsWithAny()");
+    } else {
+        octets.front().insert(0, "{");
+        octets.back() += "}";
+        out.call("    /*identifiers=*/" + data + "beginsWith", octets, ",");
+    }
+    row("elements", target.elements.empty() ? "nullptr" : target.name + "_elements");
+    row("elementCount", std::to_string(target.elements.size()));
+    row("mandatoryCount", std::to_string(mandatory));
+    row("constraint", constraintText(type.constraint, data));
+    row("parameter", "\"" + parameterOf(type) + "\"");
+    row("element", target.element == nullptr ? "nullptr"
+                   : target.element->builtin ? "&" + data + descriptorName(*target.element)
+                                             : "&" + target.element->name);
+    row("aliasOf", type.aliasOf == nullptr ? "nullptr" : "&" + type.aliasOf->name);
+    row("table", target.table ? "&" + target.name + "_table" : "nullptr");
+    out.line("};");
+}
+
+void Emitter::recordDefinitions(Writer& out, const Type& type) {
+    if (!ownsContext(type)) {
+        return;
+    }
+    const std::string name = recordName(type);
+    out.line();
+    if (type.copyable) {
+        out.function(name + "::" + name, {controlName(type) + "& control"}, "control.getCopy",
+                     {"this"});
+    }
+    out.function(name + "::~" + name, {}, engine("family::") + "destroy",
+                 {"*this", "types::" + type.name});
+}
+
+} // namespace asn1gen

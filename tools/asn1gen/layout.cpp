@@ -1,0 +1,234 @@
+#include <algorithm>
+#include <functional>
+#include <set>
+
+#include "emitter.h"
+
+// How values lie in memory and what order that asks for.
+
+namespace asn1gen {
+
+bool Type::hasPresence() const {
+    const Type& self = target();
+    return std::any_of(self.elements.begin(), self.elements.end(),
+                       [](const Element& member) { return member.presence == Presence::Optional; });
+}
+
+bool ObjectClass::hasOptionalFields() const {
+    return std::any_of(node->fields.begin(), node->fields.end(),
+                       [](const ClassFieldNode& field) { return field.optional; });
+}
+
+std::string scalarName(Shape shape) {
+    switch (shape) {
+    case Shape::Boolean:
+        return "unsigned char";
+    case Shape::Integer:
+        return "int";
+    case Shape::Unsigned:
+    case Shape::Enumerated:
+        return "unsigned int";
+    case Shape::Unsigned16:
+        return "unsigned short";
+    case Shape::BigInteger:
+    case Shape::BigUnsigned:
+    case Shape::Text:
+        return "char const*";
+    case Shape::ObjectIdentifier:
+        return "ASN1TObjId";
+    case Shape::OctetString:
+        return "ASN1TDynOctStr";
+    case Shape::BitString:
+        return "ASN1TDynBitStr";
+    case Shape::Text16:
+        return "Asn116BitCharString";
+    case Shape::Text32:
+        return "Asn132BitCharString";
+    case Shape::OpenType:
+        return "ASN1TOpenType";
+    default:
+        return "";
+    }
+}
+
+std::string recordName(const Type& type) {
+    return "ASN1T_" + type.name;
+}
+std::string controlName(const Type& type) {
+    return "ASN1C_" + type.name;
+}
+
+std::string valueName(const Type& type) {
+    if (!type.builtin) {
+        return recordName(type);
+    }
+    return type.name == "typedOpenType" ? "Asn1TObject" : scalarName(type.shape);
+}
+
+bool isIndirect(const Type& type) {
+    return type.shape > Shape::Null && type.shape != Shape::Text;
+}
+
+bool ownsContext(const Type& type) {
+    return type.hasRecord() && type.holdsMemory;
+}
+
+ControlBase controlBase(const Type& type) {
+    if (type.shape == Shape::Null) {
+        return ControlBase::Null;
+    }
+    if (type.aliasOf != nullptr) {
+        return ControlBase::Alias;
+    }
+    switch (type.shape) {
+    case Shape::List:
+        return ControlBase::List;
+    case Shape::BitString:
+        return ControlBase::BitString;
+    case Shape::FixedBitString:
+        return ControlBase::FixedBitString;
+    default:
+        return type.generalizedTime ? ControlBase::Time : ControlBase::Plain;
+    }
+}
+
+namespace {
+
+// Types that have to be complete where `type` is defined.
+std::vector<const Type*> heldByValue(const Type& type) {
+    std::vector<const Type*> held;
+    if (type.aliasOf != nullptr) {
+        held.push_back(type.aliasOf);
+        return held;
+    }
+    const auto hold = [&held](const Type* other) {
+        if (!other->builtin) {
+            held.push_back(other);
+        }
+    };
+    for (const Element& element : type.elements) {
+        // What a union points to need not be complete, yet another name has to be known.
+        if (type.shape != Shape::Choice || !isIndirect(*element.type) ||
+            !element.type->target().hasRecord()) {
+            hold(element.type);
+        }
+    }
+    if (type.shape == Shape::FixedArray ||
+        (type.shape == Shape::Array && !type.element->target().hasRecord())) {
+        hold(type.element);
+    }
+    return held;
+}
+
+// Another module's name for a type is replaced by what it names, so that a header needs no more
+// headers than it has to.
+const Type& inModule(const Type& type, const Module& module) {
+    const Type* named = &type;
+    while (named->module != &module && named->aliasOf != nullptr) {
+        named = named->aliasOf;
+    }
+    return *named;
+}
+
+} // namespace
+
+std::vector<const Type*> pointedTo(const Module& module) {
+    std::vector<const Type*> result;
+    const auto point = [&](const Type& type) {
+        const Type& target = type.target();
+        if (target.hasRecord() &&
+            std::find(result.begin(), result.end(), &target) == result.end()) {
+            result.push_back(&target);
+        }
+    };
+    for (const Type* type : module.types) {
+        if (type->aliasOf != nullptr) {
+            continue;
+        }
+        for (const Element& element : type->elements) {
+            if (type->shape == Shape::Choice && isIndirect(*element.type)) {
+                point(*element.type);
+            }
+        }
+        if (type->shape == Shape::Array) {
+            point(*type->element);
+        }
+    }
+    return result;
+}
+
+std::vector<const Type*> inOrderOfUse(const Module& module) {
+    std::vector<const Type*> order;
+    std::set<const Type*> seen;
+    const std::function<void(const Type&)> visit = [&](const Type& type) {
+        if (type.module != &module || !seen.insert(&type).second) {
+            return;
+        }
+        for (const Type* held : heldByValue(type)) {
+            visit(*held);
+        }
+        order.push_back(&type);
+    };
+    for (const Type* type : module.types) {
+        visit(*type);
+    }
+    return order;
+}
+
+std::vector<const Module*> neededHeaders(const Module& module) {
+    std::vector<const Module*> needed;
+    const auto need = [&](const Module* other) {
+        if (other != nullptr && other != &module &&
+            std::find(needed.begin(), needed.end(), other) == needed.end()) {
+            needed.push_back(other);
+        }
+    };
+    for (const Type* type : module.types) {
+        for (const Type* held : heldByValue(*type)) {
+            // The control class of another name is derived from that of the type.
+            const Type& named = type->aliasOf != nullptr ? *held : inModule(*held, module);
+            const bool foreignScalar = type->aliasOf == nullptr && !named.hasRecord();
+            if (!foreignScalar) {
+                need(named.module);
+            }
+        }
+    }
+    for (const Object* object : module.objects) {
+        need(object->objectClass->module);
+    }
+    for (const ObjectSet* set : module.sets) {
+        need(set->objectClass->module);
+    }
+    std::sort(needed.begin(), needed.end(),
+              [](const Module* a, const Module* b) { return a->node.stem < b->node.stem; });
+    return needed;
+}
+
+// A pointer names the record itself: a name for it may have to wait until the record is complete.
+std::string Emitter::pointerType(const Type& type, const Module& module) const {
+    const Type& target = type.target();
+    return (target.hasRecord() ? recordName(target) : memberType(type, module)) + "*";
+}
+
+std::string Emitter::memberType(const Type& type, const Module& module) const {
+    const Type& named = inModule(type, module);
+    // A scalar's or string's foreign name says no more than its value type.
+    if (named.module != &module && !named.builtin && !named.hasRecord()) {
+        return scalarName(named.shape);
+    }
+    return valueName(named);
+}
+
+std::string Emitter::exported(const std::string& keyword) const {
+    return output_.exportMacro.empty() ? keyword : keyword + " " + output_.exportMacro;
+}
+
+std::string Emitter::engine(const std::string& name) const {
+    return output_.nameSpace == "asn1data" ? name : "asn1data::" + name;
+}
+
+std::string descriptorName(const Type& type) {
+    return (type.builtin ? "builtin::" : "types::") + type.name;
+}
+
+} // namespace asn1gen

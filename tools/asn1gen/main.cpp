@@ -1,0 +1,119 @@
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "compiler.h"
+
+namespace {
+
+const char* const help =
+    "usage: asn1gen --namespace NAME --header-dir DIR --include-prefix PATH --source-dir DIR\n"
+    "               [--export-macro NAME] [--catalogue] MODULE.asn1...\n"
+    "\n"
+    "Compiles ASN.1 modules (X.680, X.681, X.682) that import from each other. For each module M\n"
+    "it writes M.h with the records, control classes and functions of its types, M.cpp with their\n"
+    "descriptions, and M_types.h, which M.cpp needs. A file that would not change is left alone.\n"
+    "\n"
+    "  --namespace NAME       namespace of what is generated\n"
+    "  --header-dir DIR       where the headers go\n"
+    "  --include-prefix PATH  how they are included: <PATH/M.h>\n"
+    "  --source-dir DIR       where the sources go\n"
+    "  --export-macro NAME    marks what a shared library exports\n"
+    "  --catalogue            also write catalogue.cpp, which finds every description by name\n"
+    "  --help                 print this and exit\n"
+    "\n"
+    "Exit status: 0, or 1 after messages of the form FILE:LINE:COLUMN: error: SENTENCE.\n";
+
+bool readFile(const std::string& name, std::string& text) {
+    std::ifstream in(name, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    text = content.str();
+    return in.good() || (in.eof() && !in.bad());
+}
+
+// An unchanged file keeps its time, so that nothing that includes it is built again.
+bool writeFile(const std::string& name, const std::string& text) {
+    std::string present;
+    if (std::filesystem::exists(name) && readFile(name, present) && present == text) {
+        return true;
+    }
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(name).parent_path(), error);
+    std::ofstream out(name, std::ios::binary | std::ios::trunc);
+    out << text;
+    out.close();
+    return out.good();
+}
+
+int usageError(const std::string& sentence) {
+    std::cerr << "asn1gen: " << sentence << "; see asn1gen --help\n";
+    return 1;
+}
+
+int run(const std::vector<std::string>& arguments) {
+    asn1gen::Options options;
+    std::vector<asn1gen::SourceFile> files;
+    const std::pair<const char*, std::string*> values[] = {
+        {"--namespace", &options.output.nameSpace},
+        {"--header-dir", &options.headerDirectory},
+        {"--include-prefix", &options.output.includePrefix},
+        {"--source-dir", &options.sourceDirectory},
+        {"--export-macro", &options.output.exportMacro}};
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "--help") {
+            std::cout << help;
+            return 0;
+        }
+        if (argument == "--catalogue") {
+            options.catalogue = true;
+            continue;
+        }
+        if (argument.rfind("--", 0) != 0) {
+            asn1gen::SourceFile file{argument, ""};
+            if (!readFile(argument, file.text)) {
+                std::cerr << "asn1gen: cannot read " << argument << "\n";
+                return 1;
+            }
+            files.push_back(std::move(file));
+            continue;
+        }
+        std::string* value = nullptr;
+        for (const auto& [name, target] : values) {
+            value = argument == name ? target : value;
+        }
+        if (value == nullptr) {
+            return usageError("there is no option " + argument);
+        }
+        if (++i == arguments.size()) {
+            return usageError(argument + " needs a value");
+        }
+        *value = arguments[i];
+    }
+    if (files.empty() || options.output.nameSpace.empty() || options.headerDirectory.empty() ||
+        options.output.includePrefix.empty() || options.sourceDirectory.empty()) {
+        return usageError("an option or the modules are missing");
+    }
+    asn1gen::Diagnostics diagnostics;
+    const std::map<std::string, std::string> generated =
+        asn1gen::compile(files, options, diagnostics);
+    if (diagnostics.failed()) {
+        diagnostics.print(std::cerr);
+        return 1;
+    }
+    for (const auto& [name, text] : generated) {
+        if (!writeFile(name, text)) {
+            std::cerr << "asn1gen: cannot write " << name << "\n";
+            return 1;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return run(std::vector<std::string>(argv + 1, argv + argc));
+}

@@ -1,0 +1,203 @@
+#ifndef BREVANTIS_ASN1GEN_MODEL_H
+#define BREVANTIS_ASN1GEN_MODEL_H
+
+#include <bitset>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ast.h"
+
+/// @file
+/// What the emitters work from: every type with its storage, tags and rows settled.
+
+namespace asn1gen {
+
+/// Mirrors asn1data::Shape, in its order.
+enum class Shape {
+    Boolean,
+    Integer,
+    Unsigned,
+    Unsigned16,
+    Enumerated,
+    BigInteger,
+    BigUnsigned,
+    Null,
+    ObjectIdentifier,
+    OctetString,
+    FixedOctetString,
+    BitString,
+    FixedBitString,
+    Text,
+    Text16,
+    Text32,
+    OpenType,
+    Sequence,
+    Set,
+    Choice,
+    List,
+    Array,
+    FixedArray
+};
+
+enum class Tagging { None, Implicit, Explicit };
+enum class Presence { Mandatory, Optional, Default };
+
+enum : unsigned { Constructed = 0x20000000u };
+
+struct Range {
+    long long lower;
+    long long upper;
+};
+
+using Octets = std::bitset<256>;
+
+struct Module;
+struct Type;
+struct ObjectSet;
+
+struct Element {
+    std::string name;   ///< in the notation
+    std::string member; ///< in C++
+    std::string line;   ///< its line of the notation
+    std::string comment;
+    Location at;
+    Type* type = nullptr;
+    std::optional<TagNode> tagNode;
+    unsigned tag = 0;
+    Tagging tagging = Tagging::None;
+    Presence presence = Presence::Mandatory;
+    unsigned presenceBit = 0;
+    const TypeNode* node = nullptr;
+    bool constraintPending = false; ///< `node` bears a constraint that the type does not have
+    std::vector<Range> constraint;
+    std::string parameter;
+    std::optional<ValueNode> defaultValue;
+    long long defaultNumber = 0;
+    std::optional<std::string> defaultText;
+    bool ambiguous = false; ///< it may begin as another element does
+    bool hasSlot = false;   ///< an OCTET STRING with the slot of its typed value behind it
+};
+
+/// How a table constraint finds its identifier and its value.
+struct Table {
+    const ObjectSet* set = nullptr;
+    std::size_t identifier = 0; ///< indices of elements
+    std::size_t value = 0;
+    enum Kind { OpenType, OpenTypes, OctetString } kind = OpenType;
+};
+
+struct Type {
+    std::string name; ///< in C++ without prefix; of the `builtin` constant for a built-in type
+    bool builtin = false;
+    Module* module = nullptr;
+    Location at;
+    std::string notation;
+    std::string comment;
+    std::string standard;
+
+    Shape shape = Shape::Null;
+    unsigned universalTag = 0; ///< of the notation's type, 0 for CHOICE and open type
+    bool setOf = false;
+    bool stepsOverEndOfContents = false;
+    bool copyable = true;
+    bool ambiguous = false;
+    unsigned capacity = 0;
+    std::optional<TagNode> tagNode;
+    Type* aliasOf = nullptr; ///< catalogue type that this is another name of
+    Type* element = nullptr;
+    std::vector<Element> elements;
+    std::string extensionMember;
+    std::vector<NamedNumber> names;
+    const TypeNode* node = nullptr;
+    std::vector<Range> constraint;
+    std::optional<Table> table;
+    bool generalizedTime = false;
+
+    // Settled by the checker.
+    bool finished = false;
+    unsigned tag = 0;
+    unsigned outerTag = 0;
+    bool holdsMemory = false;
+    bool closesRecursion = false;
+    Octets identifiers;
+
+    /// The type that the name stands for in the end.
+    const Type& target() const { return aliasOf != nullptr ? aliasOf->target() : *this; }
+    bool isConstructed() const {
+        return shape == Shape::Sequence || shape == Shape::Set || shape == Shape::Choice ||
+               isRepeated();
+    }
+    bool isRepeated() const {
+        return shape == Shape::List || shape == Shape::Array || shape == Shape::FixedArray;
+    }
+    /// Whether there is a struct of the type's own, rather than a name for another.
+    bool hasRecord() const {
+        return !builtin && aliasOf == nullptr &&
+               (isConstructed() || shape == Shape::FixedOctetString ||
+                shape == Shape::FixedBitString || shape == Shape::Null);
+    }
+    bool hasPresence() const;
+};
+
+struct Identifier {
+    std::string name;
+    std::string notation; ///< right-hand side
+    std::string comment;
+    Location at;
+    std::vector<unsigned> arcs;
+    std::string copyOf; ///< C++ name when it is a plain reference to another
+};
+
+struct ObjectClass {
+    std::string name; ///< in C++
+    std::string typeField;
+    bool typeOptional = false;
+    const Assignment* node = nullptr;
+    Module* module = nullptr;
+    bool hasOptionalFields() const;
+};
+
+struct Object {
+    std::string name; ///< in C++
+    std::string comment;
+    Location at;
+    const ObjectClass* objectClass = nullptr;
+    Module* module = nullptr;
+    std::vector<unsigned> arcs;
+    Type* type = nullptr;
+    std::unique_ptr<TypeNode> typeNode;
+};
+
+struct ObjectSet {
+    std::string name; ///< in C++
+    std::string comment;
+    const ObjectClass* objectClass = nullptr;
+    Module* module = nullptr;
+    std::vector<const Object*> objects;
+};
+
+struct Module {
+    ModuleNode node;
+    std::vector<Type*> types; ///< in order of need
+    std::vector<Identifier> identifiers;
+    std::vector<const ObjectClass*> classes;
+    std::vector<const Object*> objects;
+    std::vector<const ObjectSet*> sets;
+};
+
+struct Model {
+    std::vector<std::unique_ptr<Module>> modules;
+    std::deque<Type> types;
+    std::deque<ObjectClass> classes;
+    std::deque<Object> objects;
+    std::deque<ObjectSet> sets;
+    std::map<std::string, Type*> builtins;
+};
+
+} // namespace asn1gen
+
+#endif

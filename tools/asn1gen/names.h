@@ -1,0 +1,28 @@
+#ifndef BREVANTIS_ASN1GEN_NAMES_H
+#define BREVANTIS_ASN1GEN_NAMES_H
+
+#include <string>
+
+/// @file
+/// From names of the notation to names in C++.
+
+namespace asn1gen {
+
+/// Hyphens become underscores.
+std::string cppName(const std::string& name);
+
+/// The same for a member, clear of keywords.
+std::string memberName(const std::string& name);
+
+/// Name of a type that an element describes in place.
+std::string inlineTypeName(const std::string& parent, const std::string& element);
+
+/// Name of the type that all plain lists of one element type share.
+std::string sharedListName(const std::string& element, bool set);
+
+/// Name of a value type that an object describes in place.
+std::string objectTypeName(const std::string& object, const std::string& field);
+
+} // namespace asn1gen
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef BREVANTIS_ASN1GEN_NOTATION_H
+#define BREVANTIS_ASN1GEN_NOTATION_H
+
+#include <string>
+
+#include "ast.h"
+
+/// @file
+/// From the parsed notation back to text, evenly laid out.
+
+namespace asn1gen {
+
+/// @return the type as the right-hand side of an assignment, lines parted by '\n'
+std::string printType(const TypeNode& type);
+
+/// @return an element without its comma, as it stands in a SEQUENCE; several lines when its type is
+///         described in place
+std::string printComponent(const ComponentNode& component);
+
+std::string printValue(const ValueNode& value);
+
+} // namespace asn1gen
+
+#endif
