@@ -1,0 +1,71 @@
+# shellcheck shell=bash
+# Sourced by the scripts beside it: finds the tree, installs what is missing, configures and builds.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+jobs=${BREVANTIS_JOBS:-2}
+ca_bundle=/etc/ssl/certs/ca-certificates.crt
+
+say() { printf '== %s\n' "$*"; }
+fail() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+# What a package is needed for is what shows whether it is missing: a compiler or a CMake from
+# elsewhere serves as well as the distribution's.
+is_provided() {
+    case $1 in
+        g++) command -v c++ || command -v g++ ;;
+        cmake) command -v cmake ;;
+        ninja-build) command -v ninja ;;
+        binutils) command -v nm ;;
+        openssl) command -v openssl ;;
+        ca-certificates) test -s "$ca_bundle" ;;
+        libgtest-dev) compgen -G '/usr/lib/*/cmake/GTest/GTestConfig.cmake' ||
+            compgen -G '/usr/local/lib/cmake/GTest/GTestConfig.cmake' ;;
+        *) false ;;
+    esac >/dev/null
+}
+
+# Installs the packages of the arguments that are missing. With nothing missing it needs neither
+# network nor privileges.
+install_missing() {
+    local package missing=() as_root=()
+    for package in "$@"; do
+        is_provided "$package" || missing+=("$package")
+    done
+    if ((${#missing[@]} == 0)); then
+        return
+    fi
+    command -v apt-get >/dev/null || fail "please install: ${missing[*]}"
+    if ((EUID != 0)); then
+        command -v sudo >/dev/null || fail "please install as root: ${missing[*]}"
+        as_root=(sudo)
+    fi
+    say "installing ${missing[*]}"
+    "${as_root[@]}" apt-get -q update
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get -q install -y --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET CMAKE_ARGUMENT... -- TARGET...
+build() {
+    local preset=$1 arguments=()
+    shift
+    while (($# > 0)) && [[ $1 != -- ]]; do
+        arguments+=("$1")
+        shift
+    done
+    shift
+    say "building ${*:-everything} (preset $preset)"
+    (
+        cd "$root" || exit
+        cmake --preset "$preset" "${arguments[@]}" >"$root/build/$preset.configure.log" 2>&1 || {
+            cat "$root/build/$preset.configure.log" >&2
+            exit 1
+        }
+        cmake --build --preset "$preset" -j "$jobs" ${1:+--target "$@"}
+    )
+}
+
+mkdir -p "$root/build"
