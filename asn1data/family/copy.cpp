@@ -1,4 +1,5 @@
 #include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/asn1data/object.h>
 #include <brevantis/asn1/runtime/open_type.h>
 #include <brevantis/asn1/runtime/value_copy.h>
 
@@ -80,23 +81,13 @@ void copyPrimitive(ASN1CTXT* ctxt, const TypeDescription& type, const void* sour
     }
 }
 
-void copySlot(ASN1CTXT* ctxt, const ObjectDescription* object, const Asn1TObject& source,
-              Asn1TObject& target) {
+/// An unknown identifier has no typed form.
+void copyTyped(ASN1CTXT* ctxt, const ObjectDescription* object, const Asn1TObject& source,
+               Asn1TObject& target) {
     target.decoded = nullptr;
-    if (object == nullptr || source.decoded == nullptr) {
-        return;
+    if (object != nullptr) {
+        copySlot(ctxt, *object->type, source, target);
     }
-    const Nesting nesting(ctxt, true);
-    if (nesting.tooDeep()) {
-        fail(ctxt, ASN1S_NO_MEMORY);
-        return;
-    }
-    target.decoded = newRecord(ctxt, *object->type);
-    if (target.decoded == nullptr) {
-        fail(ctxt, ASN1S_NO_MEMORY);
-        return;
-    }
-    copy(ctxt, *object->type, source.decoded, target.decoded);
 }
 
 /// The typed form of an open value, whose raw octets have been copied already.
@@ -109,13 +100,13 @@ void copyOpenValue(ASN1CTXT* ctxt, const TableConstraint& table, const void* sou
         const auto* from = at<Asn1RTDList>(source, table.valueOffset).head;
         auto* to = at<Asn1RTDList>(target, table.valueOffset).head;
         for (; from != nullptr && to != nullptr; from = from->next, to = to->next) {
-            copySlot(ctxt, object, *static_cast<const Asn1TObject*>(from->data),
-                     *static_cast<Asn1TObject*>(to->data));
+            copyTyped(ctxt, object, *static_cast<const Asn1TObject*>(from->data),
+                      *static_cast<Asn1TObject*>(to->data));
         }
         return;
     }
     auto& slot = at<Asn1TObject>(target, table.slotOffset);
-    copySlot(ctxt, object, at<Asn1TObject>(source, table.slotOffset), slot);
+    copyTyped(ctxt, object, at<Asn1TObject>(source, table.slotOffset), slot);
     if (table.value == OpenValue::OctetString) {
         const auto& octets = at<ASN1TDynOctStr>(target, table.valueOffset);
         slot.numocts = octets.numocts;

@@ -1,4 +1,5 @@
 #include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/asn1data/object.h>
 #include <brevantis/asn1/runtime/big_integer.h>
 #include <brevantis/asn1/runtime/bit_string.h>
 #include <brevantis/asn1/runtime/character_string.h>
@@ -18,7 +19,7 @@ namespace {
 /// The typed form of an open value, where an object set resolves it.
 struct Resolved {
     const TypeDescription* type = nullptr; ///< null: raw octets go out
-    const Asn1TObject* slot = nullptr;     ///< null in front of a list, whose members are the slots
+    Asn1TObject* slot = nullptr;           ///< null in front of a list, whose members are the slots
 
     bool isTyped() const { return type != nullptr && slot != nullptr && slot->decoded != nullptr; }
 };
@@ -29,11 +30,7 @@ int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN
 /// The typed form goes out in place of the raw octets. The value keeps those as it has them: they
 /// may lie on another heap than the context's, and so must not be replaced by octets of this one.
 int encodeTyped(ASN1CTXT* ctxt, const Resolved& resolved) {
-    const Nesting nesting(ctxt, true);
-    if (nesting.tooDeep()) {
-        return ASN1S_NO_MEMORY;
-    }
-    return encode(ctxt, *resolved.type, resolved.slot->decoded, ASN1TagExplicit);
+    return encodeSlot(ctxt, *resolved.type, *resolved.slot);
 }
 
 /// Contents octets of a primitive type.
@@ -205,8 +202,8 @@ public:
 
     /// @return false when the member could not be encoded; total() then tells the status
     bool add(void* member) {
-        const Resolved resolved{
-            openType_, openType_ != nullptr ? static_cast<const Asn1TObject*>(member) : nullptr};
+        const Resolved resolved{openType_,
+                                openType_ != nullptr ? static_cast<Asn1TObject*>(member) : nullptr};
         const int count = encodeResolved(ctxt_, type_, member, ASN1TagExplicit, resolved);
         if (count < 0) {
             total_ = count;

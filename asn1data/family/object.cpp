@@ -3,6 +3,8 @@
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/status.h>
 
+#include "value_access.h"
+
 namespace asn1data {
 
 DescribedControl::DescribedControl(ASN1MessageBufferIF& buffer, void* value,
@@ -32,15 +34,21 @@ union RoomHeader {
 
 int encodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
     if (slot.decoded == nullptr && type.shape != Shape::Null) {
-        return rtErrSetData(&ctxt->errInfo, ASN1S_INVALID_PARAMETER, nullptr, 0);
+        return fail(ctxt, ASN1S_INVALID_PARAMETER);
     }
-    return encode(ctxt, type, slot.decoded, ASN1TagExplicit);
+    const Nesting nesting(ctxt, true);
+    return nesting.tooDeep() ? fail(ctxt, ASN1S_NO_MEMORY)
+                             : encode(ctxt, type, slot.decoded, ASN1TagExplicit);
 }
 
 int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
-    slot.decoded = newRecord(ctxt, type);
+    slot.decoded = nullptr;
+    const Nesting nesting(ctxt, true);
+    if (!nesting.tooDeep()) {
+        slot.decoded = newRecord(ctxt, type);
+    }
     if (slot.decoded == nullptr) {
-        return rtErrSetData(&ctxt->errInfo, ASN1S_NO_MEMORY, nullptr, 0);
+        return fail(ctxt, ASN1S_NO_MEMORY);
     }
     return decode(ctxt, type, slot.decoded, ASN1TagExplicit, 0);
 }
@@ -51,9 +59,10 @@ void copySlot(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1TObject& so
     if (source.decoded == nullptr) {
         return;
     }
-    void* const record = newRecord(ctxt, type);
+    const Nesting nesting(ctxt, true);
+    void* const record = nesting.tooDeep() ? nullptr : newRecord(ctxt, type);
     if (record == nullptr) {
-        rtErrSetData(&ctxt->errInfo, ASN1S_NO_MEMORY, nullptr, 0);
+        fail(ctxt, ASN1S_NO_MEMORY);
         return;
     }
     copy(ctxt, type, source.decoded, record);
@@ -61,10 +70,11 @@ void copySlot(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1TObject& so
 }
 
 void releaseSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
-    if (slot.decoded != nullptr) {
+    const Nesting nesting(ctxt, true);
+    if (slot.decoded != nullptr && !nesting.tooDeep()) {
         release(ctxt, type, slot.decoded);
-        slot.decoded = nullptr;
     }
+    slot.decoded = nullptr;
 }
 
 void* controlRoom(ASN1MessageBufferIF& buffer, std::size_t size) noexcept {

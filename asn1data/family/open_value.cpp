@@ -1,4 +1,5 @@
 #include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/asn1data/object.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "value_access.h"
@@ -9,17 +10,13 @@ namespace {
 
 /// Encodes a slot's typed value in front of the buffer's octets, takes the octets over into a block
 /// of their own and leaves the buffer as it was.
-int encodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+int storeEncoded(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
     if (slot.decoded == nullptr) {
         return ASN1S_SUCCESS;
     }
-    const Nesting nesting(ctxt, true);
-    if (nesting.tooDeep()) {
-        return fail(ctxt, ASN1S_NO_MEMORY);
-    }
-    const int count = encode(ctxt, type, slot.decoded, ASN1TagExplicit);
+    const int count = encodeSlot(ctxt, type, slot);
     if (count < 0) {
-        return fail(ctxt, count);
+        return count;
     }
     const auto size = static_cast<unsigned>(count);
     auto* block = static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, count));
@@ -32,25 +29,14 @@ int encodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
     return block != nullptr ? ASN1S_SUCCESS : fail(ctxt, ASN1S_NO_MEMORY);
 }
 
-int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+/// Turns the context to a slot's raw octets and decodes them.
+int decodeRaw(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
     slot.decoded = nullptr;
     if (slot.numocts == 0) {
         return fail(ctxt, ASN1S_END_OF_BUFFER);
     }
-    const Nesting nesting(ctxt, true);
-    if (nesting.tooDeep()) {
-        return fail(ctxt, ASN1S_NO_MEMORY);
-    }
-    int status = xd_setp(ctxt, slot.data, static_cast<int>(slot.numocts), nullptr, nullptr);
-    if (status != ASN1S_SUCCESS) {
-        return fail(ctxt, status);
-    }
-    slot.decoded = newRecord(ctxt, type);
-    if (slot.decoded == nullptr) {
-        return fail(ctxt, ASN1S_NO_MEMORY);
-    }
-    status = decode(ctxt, type, slot.decoded, ASN1TagExplicit, 0);
-    return status == ASN1S_SUCCESS ? status : fail(ctxt, status);
+    const int status = xd_setp(ctxt, slot.data, static_cast<int>(slot.numocts), nullptr, nullptr);
+    return status == ASN1S_SUCCESS ? decodeSlot(ctxt, type, slot) : fail(ctxt, status);
 }
 
 /// Runs an operation on every slot of a list, from head to tail, until it fails.
@@ -97,17 +83,17 @@ int encodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     }
     switch (table.value) {
     case OpenValue::OpenType:
-        return encodeSlot(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset));
+        return storeEncoded(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset));
     case OpenValue::OpenTypes:
         return forEachSlot(at<Asn1RTDList>(value, table.valueOffset), [&](Asn1TObject& slot) {
-            return encodeSlot(ctxt, *object->type, slot);
+            return storeEncoded(ctxt, *object->type, slot);
         });
     case OpenValue::OctetString: {
         auto& slot = at<Asn1TObject>(value, table.slotOffset);
         if (slot.decoded == nullptr) {
             return ASN1S_SUCCESS;
         }
-        const int status = encodeSlot(ctxt, *object->type, slot);
+        const int status = storeEncoded(ctxt, *object->type, slot);
         if (status == ASN1S_SUCCESS) {
             at<ASN1TDynOctStr>(value, table.valueOffset) = {slot.numocts, slot.data};
         }
@@ -135,11 +121,10 @@ int decodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
         return ASN1S_SUCCESS;
     }
     if (table.value == OpenValue::OpenTypes) {
-        return forEachSlot(at<Asn1RTDList>(value, table.valueOffset), [&](Asn1TObject& slot) {
-            return decodeSlot(ctxt, *object->type, slot);
-        });
+        return forEachSlot(at<Asn1RTDList>(value, table.valueOffset),
+                           [&](Asn1TObject& slot) { return decodeRaw(ctxt, *object->type, slot); });
     }
-    return decodeSlot(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset));
+    return decodeRaw(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset));
 }
 
 } // namespace asn1data::family

@@ -1,6 +1,7 @@
 #include <type_traits>
 
 #include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/asn1data/object.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
 #include <brevantis/asn1/runtime/open_type.h>
 
@@ -58,10 +59,9 @@ void releasePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value) 
     }
 }
 
-void releaseSlot(ASN1CTXT* ctxt, const ObjectDescription* object, Asn1TObject& slot) {
-    const Nesting nesting(ctxt, true);
-    if (slot.decoded != nullptr && object != nullptr && !nesting.tooDeep()) {
-        release(ctxt, *object->type, slot.decoded);
+void releaseTyped(ASN1CTXT* ctxt, const ObjectDescription* object, Asn1TObject& slot) {
+    if (object != nullptr) {
+        releaseSlot(ctxt, *object->type, slot);
     }
     slot.decoded = nullptr;
 }
@@ -75,12 +75,12 @@ void releaseOpenValue(ASN1CTXT* ctxt, const TableConstraint& table, void* record
     if (table.value == OpenValue::OpenTypes) {
         for (Asn1RTDListNode* node = at<Asn1RTDList>(record, table.valueOffset).head;
              node != nullptr; node = node->next) {
-            releaseSlot(ctxt, object, *static_cast<Asn1TObject*>(node->data));
+            releaseTyped(ctxt, object, *static_cast<Asn1TObject*>(node->data));
         }
         return;
     }
     auto& slot = at<Asn1TObject>(record, table.slotOffset);
-    releaseSlot(ctxt, object, slot);
+    releaseTyped(ctxt, object, slot);
     if (table.value == OpenValue::OctetString) {
         // The slot shares the octets of the OCTET STRING beside it.
         slot.data = nullptr;

@@ -51,7 +51,8 @@ void survivesCopying(const char* hex) {
         Control assigned(other);
         assigned = control;
         EXPECT_EQ(encoded(assigned), hex);
-        assigned = assigned;
+        Control& itself = assigned;
+        assigned = itself;
         Control same(other);
         assigned = same;
         EXPECT_EQ(encoded(assigned), hex);

@@ -65,6 +65,31 @@ unsigned shallowest(const TypeDescription& type, unsigned limit) {
     return depth;
 }
 
+bool overlap(const IdentifierSet& a, const IdentifierSet& b) {
+    return ((a.bits[0] & b.bits[0]) | (a.bits[1] & b.bits[1]) | (a.bits[2] & b.bits[2]) |
+            (a.bits[3] & b.bits[3])) != 0;
+}
+
+/// Whether an element would be read as one in front of it that is absent: only their order tells
+/// such elements apart.
+bool isTakenForAnother(const TypeDescription& type, unsigned index, const void* record) {
+    const ElementDescription& element = type.elements[index];
+    for (unsigned i = index; element.tagging == Tagging::None && i-- > 0;) {
+        const ElementDescription& before = type.elements[i];
+        if (before.presence == Presence::Mandatory) {
+            return false;
+        }
+        const bool absent =
+            before.presence == Presence::Optional &&
+            (at<unsigned>(record, type.presenceOffset) >> before.presenceBit & 1u) == 0;
+        if (absent && before.tagging == Tagging::None &&
+            overlap(before.type->identifiers, element.type->identifiers)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 unsigned bits(const void* record, const TypeDescription& type) {
     return type.presenceOffset == NoOffset ? 0 : at<unsigned>(record, type.presenceOffset);
 }
@@ -296,7 +321,7 @@ void ValueBuilder::fillRecord(const TypeDescription& type, void* record) {
         const ElementDescription& element = type.elements[i];
         if (element.presence == Presence::Optional) {
             const bool tooDeep = depth_ > DeepEnough && shallowest(*element.type, DeepEnough) > 1;
-            if (tooDeep || chance(40)) {
+            if (tooDeep || isTakenForAnother(type, i, record) || chance(40)) {
                 continue;
             }
             at<unsigned>(record, type.presenceOffset) |= 1u << element.presenceBit;
@@ -365,6 +390,15 @@ void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
                 shallowest(*type.elements[selector].type, DeepEnough)) {
                 selector = i;
             }
+        }
+    }
+    // The first of two alternatives that begin alike is the one that is read back.
+    for (unsigned i = 0; i < selector; ++i) {
+        if (type.elements[i].tagging == Tagging::None &&
+            type.elements[selector].tagging == Tagging::None &&
+            overlap(type.elements[i].type->identifiers,
+                    type.elements[selector].type->identifiers)) {
+            selector = i;
         }
     }
     const ElementDescription& alternative = type.elements[selector];

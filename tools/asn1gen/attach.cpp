@@ -77,7 +77,7 @@ void Parser::attachRemarksAndComments() {
         std::string text;
         for (auto found = ownLines.find(line - 1); found != ownLines.end();
              found = ownLines.find(--line - 1)) {
-            text = found->second->text + (text.empty() ? "" : " ") + text;
+            text.insert(0, found->second->text + (text.empty() ? "" : " "));
         }
         return text;
     };

@@ -134,11 +134,9 @@ void Checker::finishTags(Type& type) {
     const bool implicitMode =
         node.mode == TagNode::Implicit ||
         (node.mode == TagNode::ModuleDefault && type.module->node.implicitTags);
-    if (implicitMode && type.outerTag != 0) {
-        type.outerTag = tagValue(node) | Constructed;
-    } else if (implicitMode && type.tag != 0) {
+    if (implicitMode && type.outerTag == 0 && type.tag != 0) {
         type.tag = tagValue(node) | (type.tag & Constructed);
-    } else if (type.outerTag != 0) {
+    } else if (!implicitMode && type.outerTag != 0) {
         diagnostics_.error(node.at, "a second EXPLICIT tag on one type is not supported");
     } else {
         type.outerTag = tagValue(node) | Constructed;

@@ -2,7 +2,8 @@
 
 #include "emitter.h"
 
-// The source that finds every description by name.
+// The source that finds every description by name. Modules outside the library's own namespace get
+// functions of their own, which whoever wants them declares.
 
 namespace asn1gen {
 
@@ -38,14 +39,14 @@ std::string Emitter::catalogue() {
     out.line();
     out.line("namespace {");
     out.line();
-    out.line("constexpr const TypeDescription* sortedTypes[] = {");
+    out.line("constexpr const asn1data::TypeDescription* sortedTypes[] = {");
     for (const std::string& name : types) {
         out.line("    &types::" + name + ",");
     }
     out.line("};");
     if (!sets.empty()) {
         out.line();
-        out.line("constexpr const ObjectSetDescription* sortedSets[] = {");
+        out.line("constexpr const asn1data::ObjectSetDescription* sortedSets[] = {");
         for (const std::string& name : sets) {
             out.line("    &sets::" + name + ",");
         }
@@ -54,13 +55,14 @@ std::string Emitter::catalogue() {
     out.line();
     out.line("} // namespace");
     out.line();
-    out.line("TypeRange allTypes() noexcept {");
+    out.line("asn1data::TypeRange allTypes() noexcept {");
     out.line("    return {sortedTypes, " + std::to_string(types.size()) + "};");
     out.line("}");
     out.line();
-    out.line("const TypeDescription* findType(const char* name) noexcept {");
-    out.line("    const TypeRange all = allTypes();");
-    out.line("    const auto isBefore = [](const TypeDescription* type, const char* wanted) {");
+    out.line("const asn1data::TypeDescription* findType(const char* name) noexcept {");
+    out.line("    const asn1data::TypeRange all = allTypes();");
+    out.line("    const auto isBefore = [](const asn1data::TypeDescription* type, const char* "
+             "wanted) {");
     out.line("        return std::strcmp(type->name, wanted) < 0;");
     out.line("    };");
     out.line("    const auto* found = std::lower_bound(all.begin(), all.end(), name, isBefore);");
@@ -68,7 +70,7 @@ std::string Emitter::catalogue() {
              "nullptr;");
     out.line("}");
     out.line();
-    out.line("ObjectSetRange allObjectSets() noexcept {");
+    out.line("asn1data::ObjectSetRange allObjectSets() noexcept {");
     out.line("    return {" + std::string(sets.empty() ? "nullptr" : "sortedSets") + ", " +
              std::to_string(sets.size()) + "};");
     out.line("}");

@@ -189,13 +189,13 @@ void Emitter::namedNumbers(Writer& out, const Type& type) {
 void Emitter::sequenceMembers(Writer& out, const Type& type) {
     if (type.hasPresence()) {
         out.line("    /// Which of the optional elements are there.");
-        out.line("    struct {");
+        out.line("    struct Presence {");
         for (const Element& element : type.elements) {
             if (element.presence == Presence::Optional) {
                 out.line("        unsigned " + cppName(element.name) + "Present : 1;");
             }
         }
-        out.line("    } m{};");
+        out.line("    } m = Presence();");
     }
     for (const Element& element : type.elements) {
         if (element.type->shape == Shape::Null) {

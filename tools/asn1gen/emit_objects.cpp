@@ -61,6 +61,7 @@ std::vector<Operation> operations(const ObjectClass& objectClass) {
 // Unnamed where a body has no use for an argument.
 std::vector<std::string> unnamed(const std::vector<std::string>& arguments) {
     std::vector<std::string> result;
+    result.reserve(arguments.size());
     for (const std::string& argument : arguments) {
         result.push_back(argument.substr(0, argument.rfind(' ')));
     }
@@ -99,13 +100,13 @@ void Emitter::objectClass(Writer& out, const ObjectClass& objectClass) {
     out.line();
     if (objectClass.hasOptionalFields()) {
         out.line("    /// Which of the optional fields are set.");
-        out.line("    struct {");
+        out.line("    struct Presence {");
         for (const ClassFieldNode& field : node.fields) {
             if (field.optional) {
                 out.line("        unsigned " + cppName(field.name) + "Present : 1;");
             }
         }
-        out.line("    } m{};");
+        out.line("    } m = Presence();");
     }
     for (const ClassFieldNode& field : node.fields) {
         if (!field.isType && field.name != "id") {

@@ -6,19 +6,19 @@
 namespace asn1gen {
 namespace {
 
-// Those that a name of the notation can be: lower-case, and `null`, which reads as one.
+// Those that a name of the notation can be: lower-case, `null`, which reads as one, and `m`, the
+// presence bits of a record.
 const char* const reserved[] = {
-    "alignas",  "alignof",  "and",       "asm",       "auto",     "bitand",    "bitor",
-    "bool",     "break",    "case",      "catch",     "char",     "class",     "compl",
-    "concept",  "const",    "constexpr", "continue",  "decltype", "default",   "delete",
-    "do",       "double",   "else",      "enum",      "explicit", "export",    "extern",
-    "false",    "float",    "for",       "friend",    "goto",     "if",        "inline",
-    "int",      "long",     "mutable",   "namespace", "new",      "noexcept",  "not",
-    "null",     "nullptr",  "operator",  "or",        "private",  "protected", "public",
-    "register", "requires", "return",    "short",     "signed",   "sizeof",    "static",
-    "struct",   "switch",   "template",  "this",      "throw",    "true",      "try",
-    "typedef",  "typeid",   "typename",  "union",     "unsigned", "using",     "virtual",
-    "void",     "volatile", "while",     "xor"};
+    "alignas",   "alignof",  "and",      "asm",      "auto",     "bitand",   "bitor",   "bool",
+    "break",     "case",     "catch",    "char",     "class",    "compl",    "concept", "const",
+    "constexpr", "continue", "decltype", "default",  "delete",   "do",       "double",  "else",
+    "enum",      "explicit", "export",   "extern",   "false",    "float",    "for",     "friend",
+    "goto",      "if",       "inline",   "int",      "long",     "m",        "mutable", "namespace",
+    "new",       "noexcept", "not",      "null",     "nullptr",  "operator", "or",      "private",
+    "protected", "public",   "register", "requires", "return",   "short",    "signed",  "sizeof",
+    "static",    "struct",   "switch",   "template", "this",     "throw",    "true",    "try",
+    "typedef",   "typeid",   "typename", "union",    "unsigned", "using",    "virtual", "void",
+    "volatile",  "while",    "xor"};
 
 } // namespace
 

@@ -11,7 +11,7 @@ namespace asn1gen {
 /// Hyphens become underscores.
 std::string cppName(const std::string& name);
 
-/// The same for a member, clear of keywords.
+/// The same for a member or a value, clear of keywords.
 std::string memberName(const std::string& name);
 
 /// Name of a type that an element describes in place.

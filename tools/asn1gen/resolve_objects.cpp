@@ -83,13 +83,13 @@ void Resolver::resolveValue(Module& module, Assignment& assignment) {
         return;
     }
     Identifier identifier;
-    identifier.name = cppName(assignment.name);
+    identifier.name = memberName(assignment.name);
     identifier.notation = printValue(value);
     identifier.comment = assignment.comment;
     identifier.at = assignment.at;
     identifier.arcs = arcs(module, value);
     if (value.kind == ValueNode::Reference) {
-        identifier.copyOf = cppName(value.reference);
+        identifier.copyOf = memberName(value.reference);
     }
     module.identifiers.push_back(std::move(identifier));
 }
@@ -186,16 +186,25 @@ void Resolver::resolveObject(Module& module, Assignment& assignment, Object& obj
         return;
     }
     object.typeNode = std::move(fields.type);
+    expandTemplates(module, object.typeNode);
     const TypeNode& node = *object.typeNode;
     Place place{&module, objectTypeName(object.name, symbol->objectClass->typeField),
                 module.node.standard, &assignment.remarks};
+    if (const Remark* standard = hasRemark(place, "standard")) {
+        place.standard = standard->value;
+    }
     // Texts and NULL need no type of their own; any other value in place has a record, a limit or
     // a storage that a control class has to know.
     const bool plain = (node.kind == TypeNode::CharacterString || node.kind == TypeNode::Null) &&
                        standsInPlace(node, place) && !node.tag && node.sizes.empty();
     bool taken = false;
-    object.type =
-        node.kind == TypeNode::Reference || plain ? use(node, place, taken) : hoist(node, place);
+    if (node.kind == TypeNode::Reference || plain) {
+        object.type = use(node, place, taken);
+    } else {
+        takeRemark(place, "standard"); // no other object has a type of its own to say it of
+        object.type = hoist(node, place);
+        object.type->comment = assignment.comment; // the object tells what its value is for
+    }
 }
 
 void Resolver::resolveSet(Module& module, Assignment& assignment, ObjectSet& set) {

@@ -33,6 +33,13 @@ void Resolver::fill(Type& type, const TypeNode& node, const Place& place) {
     type.standard = place.standard;
     type.tagNode = node.tag;
     type.names = node.names;
+    for (const NamedNumber& named : node.names) {
+        for (const NamedNumber& other : node.names) {
+            if (&other < &named && (other.name == named.name || other.number == named.number)) {
+                diagnostics_.error(named.at, "'" + named.name + "' repeats '" + other.name + "'");
+            }
+        }
+    }
     type.copyable = takeRemark(place, "no-copy") == nullptr;
     type.ambiguous = node.kind == TypeNode::Choice && takeRemark(place, "ambiguous") != nullptr;
     if (node.containing != nullptr) {

@@ -44,9 +44,42 @@ const BuiltinRow builtinRows[] = {
     {"open typed", "typedOpenType", Shape::OpenType, 0},
 };
 
-const char* const remarkKeys[] = {"value",   "storage",  "capacity",        "end-of-contents",
-                                  "no-copy", "name",     "keep-extensions", "standard",
-                                  "shared",  "ambiguous"};
+const char* const remarkKeys[] = {"value",   "storage",   "capacity",        "end-of-contents",
+                                  "no-copy", "name",      "keep-extensions", "standard",
+                                  "shared",  "ambiguous", "template"};
+
+std::unique_ptr<TypeNode> clone(const std::unique_ptr<TypeNode>& node) {
+    if (node == nullptr) {
+        return nullptr;
+    }
+    auto copy = std::make_unique<TypeNode>();
+    copy->kind = node->kind;
+    copy->at = node->at;
+    copy->tag = node->tag;
+    copy->reference = node->reference;
+    copy->className = node->className;
+    copy->fieldName = node->fieldName;
+    copy->names = node->names;
+    for (const ComponentNode& component : node->components) {
+        ComponentNode& line = copy->components.emplace_back();
+        line.name = component.name;
+        line.at = component.at;
+        line.lastLine = component.lastLine;
+        line.type = clone(component.type);
+        line.optional = component.optional;
+        line.defaultValue = component.defaultValue;
+        line.extensionMarker = component.extensionMarker;
+        line.remarks = component.remarks;
+        line.comment = component.comment;
+    }
+    copy->element = clone(node->element);
+    copy->sizes = node->sizes;
+    copy->values = node->values;
+    copy->constraintAt = node->constraintAt;
+    copy->table = node->table;
+    copy->containing = clone(node->containing);
+    return copy;
+}
 
 } // namespace
 
@@ -60,6 +93,13 @@ void Resolver::run() {
     }
     for (auto& module : model_.modules) {
         checkImports(*module);
+    }
+    for (auto& module : model_.modules) {
+        for (Assignment& assignment : module->node.assignments) {
+            if (assignment.kind == Assignment::Type) {
+                expandTemplates(*module, assignment.type);
+            }
+        }
     }
     for (auto& module : model_.modules) {
         for (Assignment& assignment : module->node.assignments) {
@@ -162,9 +202,16 @@ void Resolver::declareAssignment(Module& module, Assignment& assignment) {
     }
     symbol.assignment = &assignment;
     symbol.module = &module;
-    const std::string name = cppName(assignment.name);
+    const std::string name = memberName(assignment.name);
     switch (assignment.kind) {
     case Assignment::Type: {
+        for (Remark* remark : assignment.remarks) {
+            if (remark->key == "template") {
+                remark->taken = true;
+                symbol.isTemplate = true;
+                return; // nothing is emitted under its own name
+            }
+        }
         const bool null = assignment.type->kind == TypeNode::Null;
         symbol.type = &newType(module, null ? name + "_" : name, assignment.at);
         symbol.type->comment = assignment.comment;
@@ -240,6 +287,57 @@ void Resolver::checkImports(const Module& module) {
                                               import.name + "'");
         }
     }
+}
+
+const Resolver::Symbol* Resolver::findTemplate(const Module& module, const std::string& name) {
+    const auto in = [this, &name](const Module& where) -> const Symbol* {
+        const auto& names = symbols_[&where];
+        const auto found = names.find(name);
+        return found != names.end() ? &found->second : nullptr;
+    };
+    const Symbol* symbol = in(module);
+    for (const ImportNode& import : module.node.imports) {
+        for (const auto& other : model_.modules) {
+            if (symbol == nullptr && import.name == name && other->node.name == import.module) {
+                symbol = in(*other);
+            }
+        }
+    }
+    return symbol != nullptr && symbol->isTemplate ? symbol : nullptr;
+}
+
+// A template's right-hand side takes the place of its name, as if it had been written there: so
+// the usual rules name what is hoisted, and each place gets a type of its own.
+void Resolver::expandTemplates(const Module& module, std::unique_ptr<TypeNode>& node) {
+    if (node == nullptr) {
+        return;
+    }
+    if (node->kind == TypeNode::Reference) {
+        if (const Symbol* symbol = findTemplate(module, node->reference)) {
+            if (!evaluating_.insert(symbol->assignment).second) {
+                diagnostics_.error(node->at, "template '" + node->reference + "' holds itself");
+                return;
+            }
+            expandTemplates(*symbol->module, symbol->assignment->type);
+            evaluating_.erase(symbol->assignment);
+            std::unique_ptr<TypeNode> copy = clone(symbol->assignment->type);
+            const bool constrained = !node->sizes.empty() || !node->values.empty();
+            if (constrained || (node->tag && copy->tag)) {
+                diagnostics_.error(node->at, "a constraint or a second tag on a template is not "
+                                             "supported");
+            }
+            copy->at = node->at;
+            if (node->tag) {
+                copy->tag = node->tag;
+            }
+            node = std::move(copy);
+        }
+        return;
+    }
+    for (ComponentNode& component : node->components) {
+        expandTemplates(module, component.type);
+    }
+    expandTemplates(module, node->element);
 }
 
 const Resolver::Symbol* Resolver::find(const Module& module, const std::string& name,

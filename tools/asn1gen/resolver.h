@@ -2,6 +2,7 @@
 #define BREVANTIS_ASN1GEN_RESOLVER_H
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -29,6 +30,7 @@ private:
         ObjectClass* objectClass = nullptr;
         Object* object = nullptr;
         ObjectSet* set = nullptr;
+        bool isTemplate = false; ///< stands for its right-hand side, wherever it is named
     };
     /// Where a type stands: what names, documents and instructs it.
     struct Place {
@@ -42,6 +44,8 @@ private:
     void declare(Module& module);
     void declareAssignment(Module& module, Assignment& assignment);
     void checkImports(const Module& module);
+    void expandTemplates(const Module& module, std::unique_ptr<TypeNode>& node);
+    const Symbol* findTemplate(const Module& module, const std::string& name);
     const Symbol* find(const Module& module, const std::string& name, const Location& at,
                        const char* what);
     void checkRemarks(const Module& module);
