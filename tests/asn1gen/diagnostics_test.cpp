@@ -84,6 +84,10 @@ const Case cases[] = {
       "21:33: error: the list has a constraint, a tag or an element of its own, so it cannot be "
       "shared.",
       "24:7: error: '_SeqOfK' is held otherwise at remarks.asn1:23."}},
+    {{"templates.asn1"},
+     {"4:26: error: template 'Endless' holds itself.", "4:26: error: 'Endless' is not a type.",
+      "8:11: error: a constraint or a second tag on a template is not supported.",
+      "9:7: error: a constraint or a second tag on a template is not supported."}},
     {{"values.asn1"},
      {"3:27: error: the default of a BOOLEAN is TRUE or FALSE.",
       "4:27: error: the default of an INTEGER is a number.",

@@ -37,6 +37,10 @@ std::string Emitter::catalogue() {
     out.line();
     out.line("namespace " + output_.nameSpace + " {");
     out.line();
+    out.line("asn1data::TypeRange allTypes() noexcept;");
+    out.line("const asn1data::TypeDescription* findType(const char* name) noexcept;");
+    out.line("asn1data::ObjectSetRange allObjectSets() noexcept;");
+    out.line();
     out.line("namespace {");
     out.line();
     out.line("constexpr const asn1data::TypeDescription* sortedTypes[] = {");

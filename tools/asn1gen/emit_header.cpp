@@ -104,6 +104,12 @@ std::string Emitter::header(const Module& module) {
     out.line("/// @file");
     out.comment(module.node.comment.empty() ? "Module " + module.node.name + "."
                                             : module.node.comment);
+    if (!module.types.empty()) {
+        out.line("///");
+        out.comment(std::string("Tags in the notation below are ") +
+                    (module.node.implicitTags ? "IMPLICIT" : "EXPLICIT") +
+                    " where they do not say it.");
+    }
     out.line();
     out.line("namespace " + output_.nameSpace + " {");
     forwardDeclarations(out, module);
