@@ -1,6 +1,5 @@
-#include <initializer_list>
-
 #include <brevantis/asn1/asn1data/describe.h>
+#include <brevantis/asn1/asn1data/generated.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
 
 // The types that the notation brings along, described like every other one.
@@ -8,19 +7,6 @@
 namespace asn1data::builtin {
 
 namespace {
-
-constexpr IdentifierSet identifierSet(std::initializer_list<unsigned> octets) {
-    IdentifierSet set{};
-    for (unsigned octet : octets) {
-        set.bits[octet >> 6] |= 1ULL << (octet & 63);
-    }
-    return set;
-}
-
-/// An open type begins with anything but end-of-contents (X.690, 8.1.5).
-constexpr IdentifierSet anyIdentifier() {
-    return IdentifierSet{{~1ULL, ~0ULL, ~0ULL, ~0ULL}};
-}
 
 constexpr TypeDescription describe(const char* name, Shape shape, ASN1TAG tag, unsigned valueSize,
                                    IdentifierSet identifiers, bool holdsMemory) {
@@ -39,15 +25,16 @@ constexpr TypeDescription describe(const char* name, Shape shape, ASN1TAG tag, u
 }
 
 /// Scalars are primitive alone (X.690, 8.2 to 8.4, 8.8, 8.19).
-constexpr TypeDescription scalar(const char* name, Shape shape, unsigned number,
+constexpr TypeDescription scalar(const char* name, Shape shape, unsigned char number,
                                  unsigned valueSize) {
-    return describe(name, shape, number, valueSize, identifierSet({number}), false);
+    return describe(name, shape, number, valueSize, beginsWith({number}), false);
 }
 
 /// Strings come primitive or constructed (X.690, 8.6.4, 8.7.3, 8.23).
-constexpr TypeDescription string(const char* name, Shape shape, unsigned number,
+constexpr TypeDescription string(const char* name, Shape shape, unsigned char number,
                                  unsigned valueSize) {
-    return describe(name, shape, number, valueSize, identifierSet({number, number | 0x20u}), true);
+    return describe(name, shape, number, valueSize,
+                    beginsWith({number, static_cast<unsigned char>(number | 0x20u)}), true);
 }
 
 } // namespace
@@ -92,8 +79,8 @@ constexpr TypeDescription bmpString =
     string("BMPString", Shape::Text16, 30, sizeof(Asn116BitCharString));
 
 constexpr TypeDescription openType =
-    describe("open type", Shape::OpenType, 0, sizeof(ASN1TOpenType), anyIdentifier(), true);
+    describe("open type", Shape::OpenType, 0, sizeof(ASN1TOpenType), beginsWithAny(), true);
 constexpr TypeDescription typedOpenType =
-    describe("open type", Shape::OpenType, 0, sizeof(Asn1TObject), anyIdentifier(), true);
+    describe("open type", Shape::OpenType, 0, sizeof(Asn1TObject), beginsWithAny(), true);
 
 } // namespace asn1data::builtin

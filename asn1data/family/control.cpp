@@ -16,6 +16,11 @@ int decodeFrom(ASN1CType& control, ASN1MessageBufferIF& buffer, const TypeDescri
     control.setMsgBuf(buffer);
     // A message that cannot be bound is met by the decoder itself, with the status that fits.
     buffer.init();
+    // Whoever releases the value through the control's context must know as well that strings may
+    // lie in the message.
+    if (control.getCtxtPtr() != nullptr && (buffer.getCtxtPtr()->flags & ASN1F_NO_COPY) != 0) {
+        rtCtxtSetFlag(control.getCtxtPtr(), ASN1F_NO_COPY);
+    }
     return decode(buffer.getCtxtPtr(), type, value, ASN1TagExplicit, 0);
 }
 

@@ -142,7 +142,7 @@ int decodeTagged(ASN1CTXT* ctxt, const TypeDescription& container,
 int decodeElement(ASN1CTXT* ctxt, const TypeDescription& container,
                   const ElementDescription& element, void* value) {
     int status = ASN1S_SUCCESS;
-    if (element.tagging == Tagging::None) {
+    if (element.tagging == Tagging::Untagged) {
         status = decode(ctxt, *element.type, value, ASN1TagExplicit, 0);
     } else {
         int length = 0;
@@ -163,7 +163,7 @@ int decodeElement(ASN1CTXT* ctxt, const TypeDescription& container,
 /// Whether the octet at the position can begin the element. A context tag counts in either form.
 bool beginsHere(const ASN1CTXT* ctxt, const ElementDescription& element) {
     const unsigned char octet = ctxt->buffer.data[ctxt->buffer.byteIndex];
-    return element.tagging == Tagging::None
+    return element.tagging == Tagging::Untagged
                ? element.type->identifiers.contains(octet)
                : (octet & FormMask) == (identifierOctet(element.tag) & FormMask);
 }
@@ -192,10 +192,23 @@ void setDefault(const ElementDescription& element, void* value) {
     }
 }
 
+/// An open value left from an earlier decoding would be taken for one of the new identifier's type
+/// if the decoding fails between the two.
+void forgetOpenValue(const TableConstraint& table, void* record) {
+    if (table.value == OpenValue::OpenTypes) {
+        rtDListInit(&at<Asn1RTDList>(record, table.valueOffset));
+    } else {
+        at<Asn1TObject>(record, table.slotOffset) = Asn1TObject{};
+    }
+}
+
 /// Clears the presence bits and puts the DEFAULTs in place.
 void prepareRecord(const TypeDescription& type, void* record) {
     if (type.presenceOffset != NoOffset) {
         setPresenceBits(record, type.presenceOffset, 0);
+    }
+    if (type.table != nullptr) {
+        forgetOpenValue(*type.table, record);
     }
     if (type.mandatoryCount == type.elementCount) {
         return;
@@ -238,7 +251,7 @@ int decodeSequence(ASN1CTXT* ctxt, const TypeDescription& type, void* record, in
         }
         const ElementDescription& element = type.elements[place++];
         const bool mandatory = element.presence == Presence::Mandatory;
-        if (!mandatory || element.tagging != Tagging::None) {
+        if (!mandatory || element.tagging != Tagging::Untagged) {
             if (!beginsHere(ctxt, element)) {
                 if (mandatory) {
                     return fail(ctxt, ASN1S_TAG_NOT_FOUND);
@@ -271,8 +284,8 @@ int decodeSet(ASN1CTXT* ctxt, const TypeDescription& type, void* record, int len
         }
         unsigned i = 0;
         while (i < type.elementCount &&
-               tag != (type.elements[i].tagging == Tagging::None ? type.elements[i].type->tag
-                                                                 : type.elements[i].tag)) {
+               tag != (type.elements[i].tagging == Tagging::Untagged ? type.elements[i].type->tag
+                                                                     : type.elements[i].tag)) {
             ++i;
         }
         if (i == type.elementCount) {
@@ -317,10 +330,10 @@ int decodeChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
         const ElementDescription& alternative = type.elements[i];
         // An alternative that is itself a CHOICE or an open type has no tag to compare; it reads
         // its own from the start.
-        const bool untagged = alternative.tagging == Tagging::None &&
+        const bool untagged = alternative.tagging == Tagging::Untagged &&
                               (alternative.type->tag == 0 || alternative.type->outerTag != 0);
         const ASN1TAG expected =
-            alternative.tagging == Tagging::None ? alternative.type->tag : alternative.tag;
+            alternative.tagging == Tagging::Untagged ? alternative.type->tag : alternative.tag;
         if (untagged ? !alternative.type->identifiers.contains(octet) : tag != expected) {
             continue;
         }
@@ -392,9 +405,10 @@ int decodePlaces(ASN1CTXT* ctxt, const TypeDescription& type, void* value, int l
         if (count >= capacity) {
             return fail(ctxt, ASN1S_EXTRA_ELEMENT);
         }
-        const int status =
-            decode(ctxt, *type.element, places + std::size_t{count} * type.element->valueSize,
-                   ASN1TagExplicit, 0);
+        void* place = places + std::size_t{count} * type.element->valueSize;
+        // One at a time: elements that turn out to be none must not cost the memory of all.
+        std::memset(place, 0, type.element->valueSize);
+        const int status = decode(ctxt, *type.element, place, ASN1TagExplicit, 0);
         if (status != ASN1S_SUCCESS) {
             return status;
         }
@@ -416,7 +430,7 @@ int decodeArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value, int le
     if (size > 0x7FFFFFCFu) {
         return fail(ctxt, ASN1S_NO_MEMORY);
     }
-    void* places = rtMemHeapAllocZ(&ctxt->memHeap, static_cast<int>(size));
+    void* places = rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(size));
     if (places == nullptr) {
         return fail(ctxt, ASN1S_NO_MEMORY);
     }

@@ -109,7 +109,7 @@ int encodeElement(ASN1CTXT* ctxt, const ElementDescription& element, void* value
     if (status != ASN1S_SUCCESS) {
         return status;
     }
-    if (element.tagging == Tagging::None) {
+    if (element.tagging == Tagging::Untagged) {
         return encodeResolved(ctxt, *element.type, value, ASN1TagExplicit, resolved);
     }
     const ASN1TagType inner =

@@ -1,5 +1,6 @@
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/object.h>
+#include <brevantis/asn1/runtime/der_order.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "value_access.h"
@@ -8,25 +9,32 @@ namespace asn1data::family {
 
 namespace {
 
-/// Encodes a slot's typed value in front of the buffer's octets, takes the octets over into a block
-/// of their own and leaves the buffer as it was.
+/// Encodes a slot's typed value and makes a block of the result. It works on a buffer of its own,
+/// since the context's may be a message that is being read.
 int storeEncoded(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
     if (slot.decoded == nullptr) {
         return ASN1S_SUCCESS;
     }
-    const int count = encodeSlot(ctxt, type, slot);
-    if (count < 0) {
-        return count;
+    ASN1CTXT saved;
+    rtCopyContext(&saved, ctxt);
+    int status = xe_setp(ctxt, nullptr, 0);
+    if (status != ASN1S_SUCCESS) {
+        return fail(ctxt, status);
     }
-    const auto size = static_cast<unsigned>(count);
-    auto* block = static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, count));
-    if (block != nullptr) {
-        std::memcpy(block, ctxt->buffer.data + ctxt->buffer.byteIndex, size);
-        slot.data = block;
-        slot.numocts = size;
+    status = encodeSlot(ctxt, type, slot);
+    if (status >= 0) {
+        const auto size = static_cast<unsigned>(status);
+        auto* block = static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, status));
+        if (block != nullptr) {
+            std::memcpy(block, xe_getp(ctxt), size);
+            slot.data = block;
+            slot.numocts = size;
+        }
+        status = block != nullptr ? ASN1S_SUCCESS : fail(ctxt, ASN1S_NO_MEMORY);
     }
-    ctxt->buffer.byteIndex += size;
-    return block != nullptr ? ASN1S_SUCCESS : fail(ctxt, ASN1S_NO_MEMORY);
+    xe_free(ctxt);
+    rtCopyContext(ctxt, &saved);
+    return status;
 }
 
 /// Turns the context to a slot's raw octets and decodes them.

@@ -135,6 +135,7 @@ void rtCtxtSetMsgMemHeap(ASN1CTXT* target, ASN1CTXT* source) noexcept {
 }
 
 ASN1Context::ASN1Context() : refCount(0) {
+    rtSListInitEx(nullptr, &heapsLeft);
     if (int status = rtInitContext(this, nullptr); status != ASN1S_SUCCESS) {
         throw ASN1MessageBuffer::RTLError(status);
     }
@@ -142,6 +143,34 @@ ASN1Context::ASN1Context() : refCount(0) {
 
 ASN1Context::~ASN1Context() {
     rtFreeContext(this);
+    for (Asn1RTSListNode* node = heapsLeft.head; node != nullptr; node = node->next) {
+        rtMemHeapRelease(&node->data);
+    }
+    rtSListFree(&heapsLeft);
+}
+
+void ASN1Context::joinMemHeap(ASN1CTXT* source) noexcept {
+    if (source == nullptr || memHeap == source->memHeap) {
+        return;
+    }
+    const auto* heap = static_cast<const ASN1MemHeap*>(memHeap);
+    // The message heap keeps the first heap of all in any case.
+    if (refCount > 1 && heap != nullptr && heap->blockList != nullptr && memHeap != msgMemHeap) {
+        keepHeap();
+    }
+    rtCtxtSetMemHeap(this, source);
+}
+
+/// Takes one reference to the present heap, however often it is left. Without memory for the note
+/// the reference stays all the same: better a heap that is never freed than values without one.
+void ASN1Context::keepHeap() noexcept {
+    for (const Asn1RTSListNode* node = heapsLeft.head; node != nullptr; node = node->next) {
+        if (node->data == memHeap) {
+            return;
+        }
+    }
+    rtMemHeapAddRef(&memHeap);
+    rtSListAppend(&heapsLeft, memHeap);
 }
 
 void ASN1Context::_ref() noexcept {

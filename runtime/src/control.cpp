@@ -30,5 +30,7 @@ int ASN1CType::DecodeFrom(ASN1MessageBufferIF& /*buffer*/) {
 
 void ASN1CType::setMsgBuf(ASN1MessageBufferIF& buffer) {
     msgBuf = &buffer;
-    rtCtxtSetMemHeap(context.get(), buffer.getCtxtPtr());
+    if (context) {
+        context->joinMemHeap(buffer.getCtxtPtr());
+    }
 }

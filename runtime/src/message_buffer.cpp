@@ -157,7 +157,9 @@ bool ASN1BERDecodeBuffer::isA(Type type) {
 }
 
 int ASN1BERDecodeBuffer::setBuffer(const unsigned char* msg, int size, unsigned char keepIfSame) {
-    if (keepIfSame != 0 && setupDone && msg == msgPtr && size == msgSize) {
+    // After a failure inside an open value the context still stands on octets of that value.
+    if (keepIfSame != 0 && setupDone && msg == msgPtr && size == msgSize &&
+        getCtxtPtr()->buffer.data == msg) {
         return ASN1S_SUCCESS;
     }
     msgPtr = msg;

@@ -40,7 +40,10 @@ int makeRoom(ASN1CTXT* ctxt, std::uint32_t count) noexcept {
     if (buffer.dynamic == 0) {
         return ASN1S_BUFFER_OVERFLOW;
     }
-    const std::uint32_t growth = std::max(count, growthStep);
+    // By half of what there is once that is more: with equal steps alone, each of which copies
+    // everything, a message would take time in the square of its size.
+    const std::uint32_t room = largestBlock - std::min(largestBlock, buffer.size);
+    const std::uint32_t growth = std::max({count, growthStep, std::min(buffer.size / 2, room)});
     if (buffer.size > largestBlock || growth > largestBlock - buffer.size) {
         return ASN1S_NO_MEMORY;
     }

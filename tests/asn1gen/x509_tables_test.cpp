@@ -188,7 +188,7 @@ TEST(X509Tables, EveryRow) {
             EXPECT_STREQ(element.type->name, row.elements[i].type);
             EXPECT_EQ(element.tag, row.elements[i].tag);
             EXPECT_EQ(presenceOf(element), row.elements[i].presence);
-            const Tagging tagging = element.tag == 0             ? Tagging::None
+            const Tagging tagging = element.tag == 0             ? Tagging::Untagged
                                     : element.tag >> 29 == 0b101 ? Tagging::Explicit
                                                                  : Tagging::Implicit;
             EXPECT_EQ(element.tagging, tagging) << element.name;

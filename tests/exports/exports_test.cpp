@@ -54,53 +54,85 @@ TEST_F(Exports, Runtime) {
     }
 }
 
-void expectFamily(const std::string& name, const std::string& value, const std::string& members,
-                  void (*expect)(const std::string&)) {
+/// What the library exports for a type, told by a line of the data file.
+Symbols familyOf(const std::string& name, const std::string& value, const std::string& members) {
     std::set<std::string> extra;
     std::istringstream words(members);
     for (std::string word; words >> word;) {
         extra.insert(word);
     }
+    const auto has = [&](const char* member) { return extra.count(member) != 0; };
     const std::string record = "asn1data::ASN1T_" + name;
     const std::string control = "asn1data::ASN1C_" + name;
+    const std::string constructor = control + "::ASN1C_" + name;
+    const bool empty = value == "none";
     const std::string type = value.empty() ? record : value;
+    Symbols symbols;
     const auto function = [&](const char* prefix, const std::string& arguments) {
-        expect(std::string("asn1data::") + prefix + name + "(ASN1CTXT*, " + type + "*" + arguments +
-               ")");
+        symbols.insert(std::string("asn1data::") + prefix + name + "(ASN1CTXT*" +
+                       (empty ? "" : ", " + type + "*") + arguments + ")");
     };
     function("asn1E_", ", ASN1TagType");
     function("asn1D_", ", ASN1TagType, int");
-    function("asn1Copy_", ", " + type + "*");
-    if (extra.count("release") != 0) {
+    symbols.insert(control + "::EncodeTo(ASN1MessageBufferIF&)");
+    symbols.insert(control + "::DecodeFrom(ASN1MessageBufferIF&)");
+    symbols.insert("vtable for " + control);
+    if (empty) {
+        symbols.insert(constructor + "()");
+        symbols.insert(constructor + "(ASN1MessageBufferIF&)");
+        symbols.insert(constructor + "(" + control + "&)");
+        return symbols;
+    }
+    symbols.insert(constructor + "(" + type + "&)");
+    symbols.insert(constructor + "(ASN1MessageBufferIF&, " + type + "&)");
+    if (!has("uncopied")) {
+        function("asn1Copy_", ", " + type + "*");
+        symbols.insert(constructor + "(" + control + "&)");
+        symbols.insert(control + "::getCopy(" + type + "*)");
+        symbols.insert(control + "::newCopy()");
+    }
+    if (has("release")) {
         function("asn1Free_", "");
     }
-    if (extra.count("table") != 0) {
+    if (has("table")) {
         function("asn1ETC_", "");
         function("asn1DTC_", "");
     }
-    const std::string constructor = control + "::ASN1C_" + name;
-    expect(constructor + "(" + type + "&)");
-    expect(constructor + "(ASN1MessageBufferIF&, " + type + "&)");
-    expect(constructor + "(" + control + "&)");
-    expect(control + "::EncodeTo(ASN1MessageBufferIF&)");
-    expect(control + "::DecodeFrom(ASN1MessageBufferIF&)");
-    expect(control + "::getCopy(" + type + "*)");
-    expect(control + "::newCopy()");
-    expect("vtable for " + control);
-    if (extra.count("assign") != 0) {
-        expect(control + "::operator=(" + control + "&)");
+    if (has("assign")) {
+        symbols.insert(control + "::operator=(" + control + "&)");
     }
-    if (extra.count("record") != 0) {
-        expect(record + "::ASN1T_" + name + "(" + control + "&)");
-        expect(record + "::~ASN1T_" + name + "()");
+    if (has("record")) {
+        symbols.insert(record + "::~ASN1T_" + name + "()");
+        if (!has("uncopied")) {
+            symbols.insert(record + "::ASN1T_" + name + "(" + control + "&)");
+        }
     }
+    return symbols;
 }
 
 TEST_F(Exports, Types) {
-    for (const std::string& line : tests::readDataFile("exported_types.txt")) {
+    const auto lines = tests::readDataFile("exported_types.txt");
+    EXPECT_EQ(lines.size(), 539u);
+    Symbols listed;
+    for (const std::string& line : lines) {
         const auto columns = tests::splitColumns(line);
         ASSERT_EQ(columns.size(), 3u) << line;
-        expectFamily(columns[0], columns[1], columns[2], expect);
+        for (const std::string& symbol : familyOf(columns[0], columns[1], columns[2])) {
+            expect(symbol);
+            listed.insert(symbol);
+        }
+    }
+    // A function of a type that should not have it is as wrong as one that lacks.
+    for (const std::string& symbol : symbols()) {
+        for (const char* prefix :
+             {"asn1E_", "asn1D_", "asn1Copy_", "asn1Free_", "asn1ETC_", "asn1DTC_"}) {
+            if (symbol.rfind(std::string("asn1data::") + prefix, 0) == 0) {
+                EXPECT_EQ(listed.count(symbol), 1u) << "not listed: " << symbol;
+            }
+        }
+        if (symbol.find("::getCopy(") != std::string::npos) {
+            EXPECT_EQ(listed.count(symbol), 1u) << "not listed: " << symbol;
+        }
     }
 }
 

@@ -358,13 +358,13 @@ TEST(TagLength, ADynamicBufferKeepsEverythingAsItGrows) {
             const unsigned sizeBefore = writer->buffer.size;
             const unsigned room = writer->buffer.byteIndex;
             ASSERT_EQ(xe_memcpy(writer, piece.data(), count), static_cast<int>(count));
-            const unsigned growth = room < count ? std::max(count, step) : 0;
+            const unsigned growth = room < count ? std::max({count, step, sizeBefore / 2}) : 0;
             ASSERT_EQ(writer->buffer.size, sizeBefore + growth);
             growths += growth != 0 ? 1 : 0;
             expected.insert(expected.end(), piece.rbegin(), piece.rend());
         }
     }
-    EXPECT_GT(growths, 10U);
+    EXPECT_GT(growths, 5U);
     const unsigned char* first = xe_getp(writer);
     ASSERT_EQ(writer->buffer.size - 1 - writer->buffer.byteIndex, expected.size());
     EXPECT_TRUE(std::equal(expected.rbegin(), expected.rend(), first));

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/list.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
@@ -74,7 +75,7 @@ bool overlap(const IdentifierSet& a, const IdentifierSet& b) {
 /// such elements apart.
 bool isTakenForAnother(const TypeDescription& type, unsigned index, const void* record) {
     const ElementDescription& element = type.elements[index];
-    for (unsigned i = index; element.tagging == Tagging::None && i-- > 0;) {
+    for (unsigned i = index; element.tagging == Tagging::Untagged && i-- > 0;) {
         const ElementDescription& before = type.elements[i];
         if (before.presence == Presence::Mandatory) {
             return false;
@@ -82,7 +83,7 @@ bool isTakenForAnother(const TypeDescription& type, unsigned index, const void* 
         const bool absent =
             before.presence == Presence::Optional &&
             (at<unsigned>(record, type.presenceOffset) >> before.presenceBit & 1u) == 0;
-        if (absent && before.tagging == Tagging::None &&
+        if (absent && before.tagging == Tagging::Untagged &&
             overlap(before.type->identifiers, element.type->identifiers)) {
             return true;
         }
@@ -353,13 +354,16 @@ void ValueBuilder::resolve(const TypeDescription& type, void* record) {
     if (table.objects->count == 0 || chance(20)) {
         return;
     }
-    const ObjectDescription& object = table.objects->objects[below(table.objects->count)];
+    const ObjectDescription* picked = &table.objects->objects[below(table.objects->count)];
+    ASN1TObjId wanted;
+    wanted.numids = picked->arcCount;
+    std::copy_n(picked->arcs, picked->arcCount, wanted.subid);
+    // Of objects with the same identifier the first is the one that is found.
+    const ObjectDescription& object = *family::findObject(*table.objects, wanted);
     if (object.type != nullptr && depth_ > DeepEnough && shallowest(*object.type, DeepEnough) > 3) {
         return;
     }
-    auto& id = at<ASN1TObjId>(record, table.identifierOffset);
-    id.numids = object.arcCount;
-    std::copy_n(object.arcs, object.arcCount, id.subid);
+    at<ASN1TObjId>(record, table.identifierOffset) = wanted;
     if (object.type == nullptr || !present) {
         return;
     }
@@ -394,8 +398,8 @@ void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
     }
     // The first of two alternatives that begin alike is the one that is read back.
     for (unsigned i = 0; i < selector; ++i) {
-        if (type.elements[i].tagging == Tagging::None &&
-            type.elements[selector].tagging == Tagging::None &&
+        if (type.elements[i].tagging == Tagging::Untagged &&
+            type.elements[selector].tagging == Tagging::Untagged &&
             overlap(type.elements[i].type->identifiers,
                     type.elements[selector].type->identifiers)) {
             selector = i;
@@ -459,15 +463,7 @@ bool equalSlots(const ObjectDescription* object, const Asn1TObject& a, const Asn
 }
 
 const ObjectDescription* objectOf(const TableConstraint& table, const void* record) {
-    const auto& id = at<ASN1TObjId>(record, table.identifierOffset);
-    for (unsigned i = 0; i < table.objects->count; ++i) {
-        const ObjectDescription& object = table.objects->objects[i];
-        if (object.arcCount == id.numids &&
-            std::equal(object.arcs, object.arcs + object.arcCount, id.subid)) {
-            return &object;
-        }
-    }
-    return nullptr;
+    return family::findObject(*table.objects, at<ASN1TObjId>(record, table.identifierOffset));
 }
 
 /// Members of a SET OF open values, which come in any order.

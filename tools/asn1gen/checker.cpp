@@ -428,7 +428,7 @@ Octets Checker::beginsWith(const Type& type, bool wholeTag) const {
 }
 
 Octets Checker::beginsWith(const Element& element, bool wholeTag) const {
-    if (element.tagging == Tagging::None) {
+    if (element.tagging == Tagging::Untagged) {
         return beginsWith(*element.type, wholeTag);
     }
     if (!wholeTag) {

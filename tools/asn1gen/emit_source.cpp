@@ -318,7 +318,7 @@ void Emitter::elementTable(Writer& out, const Type& type) {
     }
     out.line("constexpr " + data + "ElementDescription " + type.name + "_elements[] = {");
     for (const Element& element : type.elements) {
-        static const char* const taggings[] = {"None", "Implicit", "Explicit"};
+        static const char* const taggings[] = {"Untagged", "Implicit", "Explicit"};
         static const char* const presences[] = {"Mandatory", "Optional", "Default"};
         const bool null = element.type->shape == Shape::Null;
         const std::string offset = choice ? "offsetof(" + record + ", u)"

@@ -43,7 +43,7 @@ enum class Shape {
     FixedArray
 };
 
-enum class Tagging { None, Implicit, Explicit };
+enum class Tagging { Untagged, Implicit, Explicit };
 enum class Presence { Mandatory, Optional, Default };
 
 enum : unsigned { Constructed = 0x20000000u };
@@ -68,7 +68,7 @@ struct Element {
     Type* type = nullptr;
     std::optional<TagNode> tagNode;
     unsigned tag = 0;
-    Tagging tagging = Tagging::None;
+    Tagging tagging = Tagging::Untagged;
     Presence presence = Presence::Mandatory;
     unsigned presenceBit = 0;
     const TypeNode* node = nullptr;

@@ -45,7 +45,7 @@ enum class Shape : unsigned char {
 
 /// How an element's tag stands to the tag of its type.
 enum class Tagging : unsigned char {
-    None,     ///< the element has no tag of its own
+    Untagged, ///< the element has no tag of its own
     Implicit, ///< its tag takes the place of the type's outermost one
     Explicit  ///< its tag stands around the type's
 };

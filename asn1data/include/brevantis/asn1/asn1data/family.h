@@ -46,7 +46,7 @@ BREVANTIS_ASN1_API void release(ASN1CTXT* ctxt, const TypeDescription& type, voi
 /// Encodes the typed open value of a record, if its identifier is known, and makes the result its
 /// raw octets: a block of their own on the context's heap. Encoding a whole value needs no such
 /// step; this is for who wants the octets.
-/// @param ctxt bound for encoding; its position is left as found
+/// @param ctxt gives the heap; what its buffer is bound to stays as it is
 /// @return 0, or a negative status
 BREVANTIS_ASN1_API int encodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value);
 
@@ -80,6 +80,27 @@ struct HasOwnerContext<Record, decltype(static_cast<void>(&Record::ownerContext)
     static constexpr bool value = true;
 };
 
+/// Gives back what a record holds on a context that it was copied on to, before it takes a value
+/// from elsewhere.
+template <class Record>
+void disown(Record& record, const TypeDescription& type) {
+    if constexpr (HasOwnerContext<Record>::value) {
+        if (record.ownerContext) {
+            release(record.ownerContext.get(), type, &record);
+            record.ownerContext.reset();
+        }
+    }
+}
+
+/// Body of every `DecodeFrom` of a type with a record. A record that was a copy gives that up: what
+/// is decoded lives on the buffer's heap.
+template <class Record>
+int decodeFrom(ASN1CType& control, ASN1MessageBufferIF& buffer, const TypeDescription& type,
+               Record* value) {
+    disown(*value, type);
+    return decodeFrom(control, buffer, type, static_cast<void*>(value));
+}
+
 /// Body of every `getCopy`. A copy into a record of the caller's takes a reference to the control's
 /// context, which keeps its memory. A copy without a target lies on that context's heap and takes
 /// none: it lives exactly as long as the heap, and a reference would keep the heap for ever.
@@ -96,11 +117,10 @@ Record* getCopy(ASN1CType& control, const TypeDescription& type, Record* own, Re
         }
         return target;
     }
+    disown(*target, type);
     copy(ctxt, type, own, target);
     if constexpr (HasOwnerContext<Record>::value) {
-        if (!target->ownerContext) {
-            target->ownerContext = control.getContext();
-        }
+        target->ownerContext = control.getContext();
     }
     return target;
 }
@@ -112,12 +132,10 @@ Record* newCopy(ASN1CType& control, const TypeDescription& type, Record* own) {
 }
 
 /// Body of every record's destructor: a value that a control class copied into the record goes back
-/// to the context that it came from.
+/// to the context that it came from. All that such a record points to must have come from there.
 template <class Record>
 void destroy(Record& record, const TypeDescription& type) {
-    if (record.ownerContext) {
-        release(record.ownerContext.get(), type, &record);
-    }
+    disown(record, type);
 }
 
 } // namespace asn1data::family

@@ -110,8 +110,15 @@ public:
     unsigned int getRefCount() const noexcept;
     void PrintErrorInfo() noexcept; ///< rtErrPrint on the error record
 
+    /// Allocates from the heap of @p source from now on. A heap that is left with blocks on it
+    /// stays as long as this object does if others hold the object: their values may lie there.
+    void joinMemHeap(ASN1CTXT* source) noexcept;
+
 private:
+    void keepHeap() noexcept;
+
     unsigned int refCount;
+    Asn1RTSList heapsLeft;
 };
 
 /// Counted reference to an ASN1Context; empty when default-made.

@@ -1,0 +1,154 @@
+#include <memory>
+#include <vector>
+
+#include <brevantis/asn1/asn1data/extensions.h>
+#include <brevantis/asn1/asn1data/x509.h>
+#include <brevantis/asn1/runtime.h>
+#include <gtest/gtest.h>
+
+#include "support/counting_allocator.h"
+#include "support/hex.h"
+
+// Who owns what, where records, controls, buffers and contexts are used over and over. Most of
+// these fail by a sanitizer's report alone.
+
+namespace {
+
+using namespace asn1data;
+using tests::fromHex;
+using tests::Octets;
+
+const Octets keyUsageExtension = fromHex("30 0B 06 03 55 1D 0F 04 04 03 02 05 A0");
+const Octets name = fromHex("30 0F 31 0D 30 0B 06 03 55 04 03 0C 04 61 62 63 64");
+
+ASN1BERDecodeBuffer reader(const Octets& octets) {
+    return ASN1BERDecodeBuffer(octets.data(), static_cast<int>(octets.size()));
+}
+
+TEST(Lifetime, FailedDecodingIntoAUsedRecordForgetsItsOpenValue) {
+    // The second message names another extension and ends there.
+    const Octets cut = fromHex("30 05 06 03 55 1D 11");
+    ASN1BERDecodeBuffer buffer = reader(keyUsageExtension);
+    ASN1T_Extension value;
+    ASN1C_Extension control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    ASSERT_EQ(buffer.setBuffer(cut.data(), static_cast<int>(cut.size()), 0), 0);
+    ASSERT_EQ(control.Decode(), ASN1S_MISSING_ELEMENT);
+    EXPECT_EQ(value.extnValueTyped.decoded, nullptr);
+    asn1Free_Extension(buffer.getCtxtPtr(), &value);
+}
+
+TEST(Lifetime, DecodingAgainAfterAFailedOpenValueReadsTheMessage) {
+    const Octets wrong = fromHex("30 0B 06 03 55 1D 0F 04 04 04 02 05 A0");
+    ASN1BERDecodeBuffer buffer = reader(wrong);
+    ASN1T_Extension value;
+    ASN1C_Extension control(buffer, value);
+    ASSERT_EQ(control.Decode(), ASN1S_TAG_NOT_FOUND);
+    asn1Free_Extension(buffer.getCtxtPtr(), &value);
+    rtErrReset(&buffer.getCtxtPtr()->errInfo);
+    EXPECT_EQ(control.Decode(), ASN1S_TAG_NOT_FOUND);
+    asn1Free_Extension(buffer.getCtxtPtr(), &value);
+}
+
+TEST(Lifetime, StoringAnOpenValueLeavesTheMessageAlone) {
+    const Octets message = keyUsageExtension;
+    ASN1BERDecodeBuffer buffer = reader(message);
+    ASN1T_Extension value;
+    ASN1C_Extension control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    const unsigned position = buffer.getCtxtPtr()->buffer.byteIndex;
+    EXPECT_EQ(asn1ETC_Extension(buffer.getCtxtPtr(), &value), 0);
+    EXPECT_EQ(message, keyUsageExtension);
+    EXPECT_EQ(buffer.getCtxtPtr()->buffer.data, message.data());
+    EXPECT_EQ(buffer.getCtxtPtr()->buffer.byteIndex, position);
+    EXPECT_EQ(tests::toHex(value.extnValue.data, value.extnValue.numocts), "03 02 05 A0");
+}
+
+TEST(Lifetime, CopiesOutliveTheBuffersThatTheirControlWasTurnedTo) {
+    ASN1BERDecodeBuffer buffer = reader(name);
+    ASN1T_Name value;
+    ASN1C_Name control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    std::vector<std::unique_ptr<ASN1T_Name>> copies;
+    for (int i = 0; i < 3; ++i) {
+        ASN1BEREncodeBuffer output;
+        ASSERT_EQ(control.EncodeTo(output), static_cast<int>(name.size()));
+        copies.emplace_back(control.newCopy());
+    }
+    for (const auto& copy : copies) {
+        ASN1BEREncodeBuffer output;
+        EXPECT_EQ(ASN1C_Name(output, *copy).Encode(), static_cast<int>(name.size()));
+    }
+}
+
+TEST(Lifetime, ValuesOfABufferOutliveTheBuffersThatAnotherControlWasTurnedTo) {
+    ASN1BERDecodeBuffer buffer = reader(name);
+    ASN1T_Name first;
+    ASN1T_Name second;
+    ASN1C_Name control(buffer, first);
+    ASSERT_EQ(control.Decode(), 0);
+    {
+        ASN1BEREncodeBuffer output;
+        ASSERT_GT(control.EncodeTo(output), 0);
+    }
+    ASSERT_EQ(buffer.setBuffer(name.data(), static_cast<int>(name.size()), 0), 0);
+    ASSERT_EQ(ASN1C_Name(buffer, second).Decode(), 0);
+    {
+        ASN1BEREncodeBuffer output;
+        ASSERT_GT(control.EncodeTo(output), 0);
+    }
+    ASN1BEREncodeBuffer output;
+    EXPECT_EQ(ASN1C_Name(output, second).Encode(), static_cast<int>(name.size()));
+}
+
+TEST(Lifetime, TurningAControlBetweenBuffersKeepsNothingForEver) {
+    tests::CountingAllocator allocator;
+    ASN1BERDecodeBuffer buffer = reader(name);
+    ASN1T_Name value;
+    ASN1C_Name control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    const long before = tests::CountingAllocator::live();
+    for (int i = 0; i < 100; ++i) {
+        ASN1BEREncodeBuffer output;
+        ASSERT_GT(control.EncodeTo(output), 0);
+    }
+    // The last buffer's heap is the control's now.
+    EXPECT_LE(tests::CountingAllocator::live(), before + 1);
+}
+
+TEST(Lifetime, ACopyIsReplacedByACopyFromElsewhere) {
+    ASN1T_Name copy;
+    for (int i = 0; i < 2; ++i) {
+        ASN1BERDecodeBuffer buffer = reader(name);
+        ASN1T_Name value;
+        ASN1C_Name control(buffer, value);
+        ASSERT_EQ(control.Decode(), 0);
+        EXPECT_EQ(control.getCopy(&copy), &copy);
+    }
+    ASN1BEREncodeBuffer output;
+    EXPECT_EQ(ASN1C_Name(output, copy).Encode(), static_cast<int>(name.size()));
+}
+
+TEST(Lifetime, DecodingIntoACopyMakesItTheBuffers) {
+    ASN1BERDecodeBuffer buffer = reader(name);
+    ASN1T_Name value;
+    ASN1C_Name control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    ASN1T_Name copy(control);
+    {
+        ASN1BERDecodeBuffer other = reader(name);
+        ASSERT_EQ(ASN1C_Name(other, copy).Decode(), 0);
+    }
+    EXPECT_FALSE(copy.ownerContext);
+}
+
+TEST(Lifetime, WhatPointsIntoTheMessageIsNotFreedThroughAControlsContext) {
+    ASN1BERDecodeBuffer buffer = reader(keyUsageExtension);
+    rtCtxtSetFlag(buffer.getCtxtPtr(), ASN1F_NO_COPY);
+    ASN1T_Extension value;
+    ASN1C_Extension control(value);
+    ASSERT_EQ(control.DecodeFrom(buffer), 0);
+    asn1Free_Extension(control.getCtxtPtr(), &value);
+}
+
+} // namespace

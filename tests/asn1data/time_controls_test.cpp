@@ -1,0 +1,88 @@
+#include <string>
+
+#include <brevantis/asn1/asn1data/extensions.h>
+#include <brevantis/asn1/asn1data/ocsp.h>
+#include <brevantis/asn1/runtime.h>
+#include <gtest/gtest.h>
+
+#include "support/hex.h"
+
+// Types that are a GeneralizedTime have a control class that reads and sets the fields of the time.
+
+namespace {
+
+using namespace asn1data;
+using tests::fromHex;
+using tests::Octets;
+
+template <class Type>
+class TimeControls : public testing::Test {};
+
+struct Invalidity {
+    using Value = ASN1T_InvalidityDate;
+    using Control = ASN1C_InvalidityDate;
+};
+struct Cutoff {
+    using Value = ASN1T_ArchiveCutoff;
+    using Control = ASN1C_ArchiveCutoff;
+};
+using Types = testing::Types<Invalidity, Cutoff>;
+TYPED_TEST_SUITE(TimeControls, Types);
+
+/// A GeneralizedTime element of the given text.
+Octets encoded(const std::string& text) {
+    Octets octets{0x18, static_cast<unsigned char>(text.size())};
+    octets.insert(octets.end(), text.begin(), text.end());
+    return octets;
+}
+
+TYPED_TEST(TimeControls, FieldsOfADecodedTime) {
+    const Octets first = encoded("20240229235958.5+0530");
+    ASN1BERDecodeBuffer buffer(first.data(), static_cast<int>(first.size()));
+    typename TypeParam::Value value = nullptr;
+    typename TypeParam::Control control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    EXPECT_EQ(control.getYear(), 2024);
+    EXPECT_EQ(control.getMonth(), 2);
+    EXPECT_EQ(control.getDay(), 29);
+    EXPECT_EQ(control.getHour(), 23);
+    EXPECT_EQ(control.getMinute(), 59);
+    EXPECT_EQ(control.getSecond(), 58);
+    EXPECT_EQ(control.getDiff(), 5 * 60 + 30);
+
+    // A second message through the same object is not read with the fields of the first.
+    const Octets second = encoded("19991231000000Z");
+    ASSERT_EQ(buffer.setBuffer(second.data(), static_cast<int>(second.size()), 0), 0);
+    ASSERT_EQ(control.Decode(), 0);
+    EXPECT_EQ(control.getYear(), 1999);
+    EXPECT_EQ(control.getDiff(), 0);
+}
+
+TYPED_TEST(TimeControls, SetFieldsAreEncoded) {
+    ASN1BEREncodeBuffer buffer;
+    typename TypeParam::Value value = nullptr;
+    typename TypeParam::Control control(buffer, value);
+    EXPECT_EQ(control.setUTC(1), 0);
+    EXPECT_EQ(control.setYear(2031), 0);
+    EXPECT_EQ(control.setMonth(12), 0);
+    EXPECT_EQ(control.setDay(24), 0);
+    EXPECT_EQ(control.setHour(18), 0);
+    EXPECT_EQ(control.setMinute(30), 0);
+    EXPECT_EQ(control.setSecond(5), 0);
+    const int size = control.Encode();
+    const Octets expected = encoded("20311224183005Z");
+    ASSERT_EQ(size, static_cast<int>(expected.size()));
+    EXPECT_EQ(tests::toHex(buffer.getMsgPtr(), expected.size()), tests::toHex(expected));
+}
+
+TYPED_TEST(TimeControls, TextThatIsNoTimeIsCarriedButNotRead) {
+    const Octets message = encoded("tomorrow");
+    ASN1BERDecodeBuffer buffer(message.data(), static_cast<int>(message.size()));
+    typename TypeParam::Value value = nullptr;
+    typename TypeParam::Control control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    EXPECT_STREQ(value, "tomorrow");
+    EXPECT_LT(control.getYear(), 0);
+}
+
+} // namespace
