@@ -20,6 +20,7 @@ is_provided() {
         ninja-build) command -v ninja ;;
         binutils) command -v nm ;;
         openssl) command -v openssl ;;
+        libssl-dev) test -e /usr/include/openssl/x509.h ;;
         ca-certificates) test -s "$ca_bundle" ;;
         libgtest-dev) compgen -G '/usr/lib/*/cmake/GTest/GTestConfig.cmake' ||
             compgen -G '/usr/local/lib/cmake/GTest/GTestConfig.cmake' ;;
