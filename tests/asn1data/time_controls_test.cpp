@@ -1,3 +1,4 @@
+#include <iterator>
 #include <string>
 
 #include <brevantis/asn1/asn1data/extensions.h>
@@ -31,8 +32,9 @@ TYPED_TEST_SUITE(TimeControls, Types);
 
 /// A GeneralizedTime element of the given text.
 Octets encoded(const std::string& text) {
-    Octets octets{0x18, static_cast<unsigned char>(text.size())};
-    octets.insert(octets.end(), text.begin(), text.end());
+    Octets octets(text.begin(), text.end());
+    const unsigned char header[] = {0x18, static_cast<unsigned char>(text.size())};
+    octets.insert(octets.begin(), std::begin(header), std::end(header));
     return octets;
 }
 
