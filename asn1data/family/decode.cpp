@@ -150,9 +150,7 @@ int decodeElement(ASN1CTXT* ctxt, const TypeDescription& container,
         if (status != ASN1S_SUCCESS) {
             return fail(ctxt, status);
         }
-        status = decodeTagged(
-            ctxt, container, element, value,
-            element.tagging == Tagging::Explicit ? ASN1TagExplicit : ASN1TagImplicit, length);
+        status = decodeTagged(ctxt, container, element, value, innerTagging(element), length);
     }
     if (status != ASN1S_SUCCESS) {
         return fail(ctxt, status);
@@ -293,10 +291,7 @@ int decodeSet(ASN1CTXT* ctxt, const TypeDescription& type, void* record, int len
         }
         const ElementDescription& element = type.elements[i];
         void* value = address(record, element.offset);
-        status =
-            decodeTagged(ctxt, type, element, value,
-                         element.tagging == Tagging::Explicit ? ASN1TagExplicit : ASN1TagImplicit,
-                         elementLength);
+        status = decodeTagged(ctxt, type, element, value, innerTagging(element), elementLength);
         if (status != ASN1S_SUCCESS) {
             return fail(ctxt, status);
         }
@@ -350,10 +345,8 @@ int decodeChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
             ctxt->buffer.byteIndex = start;
             status = decode(ctxt, *alternative.type, value, ASN1TagExplicit, 0);
         } else {
-            status = decodeTagged(ctxt, type, alternative, value,
-                                  alternative.tagging == Tagging::Explicit ? ASN1TagExplicit
-                                                                           : ASN1TagImplicit,
-                                  length);
+            status =
+                decodeTagged(ctxt, type, alternative, value, innerTagging(alternative), length);
         }
         if (status != ASN1S_SUCCESS) {
             return fail(ctxt, status);

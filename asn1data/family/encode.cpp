@@ -112,8 +112,7 @@ int encodeElement(ASN1CTXT* ctxt, const ElementDescription& element, void* value
     if (element.tagging == Tagging::Untagged) {
         return encodeResolved(ctxt, *element.type, value, ASN1TagExplicit, resolved);
     }
-    const ASN1TagType inner =
-        element.tagging == Tagging::Explicit ? ASN1TagExplicit : ASN1TagImplicit;
+    const ASN1TagType inner = innerTagging(element);
     return xe_tag_len(ctxt, element.tag,
                       encodeResolved(ctxt, *element.type, value, inner, resolved));
 }

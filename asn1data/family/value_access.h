@@ -49,6 +49,11 @@ inline bool isPresent(const TypeDescription& type, const ElementDescription& ele
            ((presenceBits(record, type.presenceOffset) >> element.presenceBit) & 1u) != 0;
 }
 
+/// What is left of a type's own tag inside an element's: all of it under an EXPLICIT one.
+inline ASN1TagType innerTagging(const ElementDescription& element) {
+    return element.tagging == Tagging::Explicit ? ASN1TagExplicit : ASN1TagImplicit;
+}
+
 /// The alternative that a CHOICE record selects, null when the selector names none.
 inline const ElementDescription* selectedAlternative(const TypeDescription& type,
                                                      const void* record) {
