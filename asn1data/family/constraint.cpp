@@ -6,8 +6,6 @@ namespace asn1data::family {
 
 namespace {
 
-enum : ASN1TAG { Utf8StringTag = 12 };
-
 /// The number that a constraint of the type is about.
 long long measured(const TypeDescription& type, const void* value) {
     switch (type.shape) {
@@ -53,7 +51,11 @@ int checkRanges(ASN1CTXT* ctxt, const TypeDescription& type, const void* value,
     if (type.shape == Shape::Text && at<const char*>(value, 0) == nullptr) {
         return fail(ctxt, ASN1S_BAD_VALUE);
     }
-    const long long number = measured(type, value);
+    return checkNumber(ctxt, type, measured(type, value), constraint, parameter);
+}
+
+int checkNumber(ASN1CTXT* ctxt, const TypeDescription& type, long long number,
+                const Constraint& constraint, const char* parameter) {
     for (unsigned i = 0; i < constraint.count; ++i) {
         if (number >= constraint.ranges[i].lower && number <= constraint.ranges[i].upper) {
             return ASN1S_SUCCESS;

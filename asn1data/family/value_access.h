@@ -113,6 +113,12 @@ private:
     ASN1CTXT* ctxt_;
 };
 
+/// Tests the number that a constraint of the type is about against permitted ranges.
+/// @return 0; ASN1S_INVALID_ENUM for an ENUMERATED and ASN1S_CONSTRAINT_VIOLATION for anything else
+///         outside them
+int checkNumber(ASN1CTXT* ctxt, const TypeDescription& type, long long number,
+                const Constraint& constraint, const char* parameter);
+
 /// Tests a value against permitted ranges, of which there is at least one.
 int checkRanges(ASN1CTXT* ctxt, const TypeDescription& type, const void* value,
                 const Constraint& constraint, const char* parameter);
@@ -133,6 +139,10 @@ constexpr unsigned char identifierOctet(ASN1TAG tag) {
 
 /// The form bit of an identifier octet does not count where a tag is matched.
 enum : unsigned { FormMask = 0xDF };
+
+/// Universal tag of UTF8String, the one type of 8-bit characters that is bounded in characters
+/// rather than octets.
+enum : ASN1TAG { Utf8StringTag = 12 };
 
 } // namespace asn1data::family
 

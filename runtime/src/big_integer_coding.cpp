@@ -4,6 +4,7 @@
 #include <brevantis/asn1/runtime/big_integer.h>
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/heap.h>
+#include <brevantis/asn1/runtime/measure.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "big_integer_digits.h"
@@ -172,10 +173,9 @@ bool isZeroDigit(const char* text) noexcept {
     return text[0] == '0' && text[1] == '\0';
 }
 
-} // namespace
-
-int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length) noexcept {
-    *text = nullptr;
+/// Reads the header, where there is one, and moves behind the contents.
+int readContents(ASN1CTXT* ctxt, ASN1TagType tagging, int length, const unsigned char** octets,
+                 int* count) noexcept {
     if (tagging == ASN1TagExplicit) {
         if (const int status = readExplicitHeader(ctxt, integerTag, &length)) {
             return status;
@@ -184,15 +184,37 @@ int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length
     if (!fits(ctxt, length)) { // an indefinite length, which X.690 8.1.3.2 forbids here, included
         return ASN1S_END_OF_BUFFER;
     }
-    const unsigned char* octets = ctxt->buffer.data + ctxt->buffer.byteIndex;
+    *octets = ctxt->buffer.data + ctxt->buffer.byteIndex;
+    *count = length;
     ctxt->buffer.byteIndex += static_cast<unsigned int>(length);
+    return ASN1S_SUCCESS;
+}
+
+/// Octets of "0x", two digits an octet, one more digit at most, and the terminator.
+long long textSize(int octets) noexcept {
+    return octets * 2LL + 4;
+}
+
+int withoutLeadingZeros(const unsigned char** octets, int count) noexcept {
+    while (count != 0 && **octets == 0) {
+        ++*octets;
+        --count;
+    }
+    return count;
+}
+
+} // namespace
+
+int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length) noexcept {
+    *text = nullptr;
+    const unsigned char* octets = nullptr;
+    if (const int status = readContents(ctxt, tagging, length, &octets, &length)) {
+        return status;
+    }
     // X.690 8.3.2 allows one zero octet at most; software that pads numbers to a width sends more.
     const bool leadingZero = length != 0 && *octets == 0;
-    while (length != 0 && *octets == 0) {
-        ++octets;
-        --length;
-    }
-    const long long room = length * 2LL + 4;
+    length = withoutLeadingZeros(&octets, length);
+    const long long room = textSize(length);
     char* next = room > INT_MAX
                      ? nullptr
                      : static_cast<char*>(rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(room)));
@@ -211,6 +233,18 @@ int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length
     }
     *next = '\0';
     return ASN1S_SUCCESS;
+}
+
+int xd_measureBigInt(ASN1CTXT* ctxt, ASN1Extent* extent, ASN1TagType tagging, int length) noexcept {
+    *extent = {nullptr, 0};
+    const unsigned char* octets = nullptr;
+    if (const int status = readContents(ctxt, tagging, length, &octets, &length)) {
+        return status;
+    }
+    *extent = {octets, static_cast<unsigned int>(length)};
+    // Text that no block can hold does not decode, so it does not measure either.
+    const int digits = withoutLeadingZeros(&octets, length);
+    return textSize(digits) > INT_MAX ? ASN1S_NO_MEMORY : ASN1S_SUCCESS;
 }
 
 int xe_bigint(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging) noexcept {

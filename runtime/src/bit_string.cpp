@@ -28,7 +28,7 @@ int countBits(unsigned int octets, unsigned int unused, unsigned int* numbits) n
 }
 
 /// Contents of the primitive form (X.690 8.6.2): a count of unused bits, then the bits.
-int readPrimitive(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, int length,
+int readPrimitive(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacity, int length,
                   unsigned int* numbits) noexcept {
     if (length < 0) {
         return ASN1S_INVALID_LENGTH;
@@ -52,7 +52,7 @@ int readPrimitive(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, 
     if (count > capacity) {
         return ASN1S_STRING_OVERFLOW;
     }
-    if (const int status = xd_memcpy(ctxt, target, length - 1)) {
+    if (const int status = target.take(ctxt, length - 1)) {
         return status;
     }
     return countBits(count, unused, numbits);
@@ -60,14 +60,15 @@ int readPrimitive(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, 
 
 /// Contents of the constructed form (X.690 8.6.4). Only the count of unused bits of the last
 /// segment is taken out; which one that is shows when the data fill the capacity, or at the end.
-int readSegments(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, int length,
+int readSegments(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacity, int length,
                  unsigned int* numbits) noexcept {
     const unsigned int start = ctxt->buffer.byteIndex;
     const ASN1ElementScope scope{ctxt->buffer.data + start, length};
     unsigned int total = 0;
     unsigned int lastStart = 0;
     unsigned int unused = 0;
-    bool unusedTaken = true; // nothing to take while there is no segment
+    unsigned int firstOctet = 0; // of the last segment that has octets
+    bool unusedTaken = true;     // nothing to take while there is no segment
     bool unusedInWalk = false;
     while (!rtScopeEnded(ctxt, scope)) {
         int segmentLength = 0;
@@ -90,9 +91,11 @@ int readSegments(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, i
             return record(ctxt, ASN1S_STRING_OVERFLOW);
         }
         if (count != 0) {
-            if (const int status = xd_memcpy(ctxt, target + total, segmentLength)) {
+            const unsigned int segment = ctxt->buffer.byteIndex;
+            if (const int status = target.behind(total).take(ctxt, segmentLength)) {
                 return record(ctxt, status);
             }
+            firstOctet = ctxt->buffer.data[segment];
         }
         unusedTaken = unusedInWalk;
         lastStart = total;
@@ -102,9 +105,11 @@ int readSegments(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, i
         if (total == lastStart) { // X.690 8.6.2.2: the last segment has to bring the count
             return record(ctxt, ASN1S_INVALID_LENGTH);
         }
-        unused = target[lastStart];
+        unused = firstOctet;
         --total;
-        std::memmove(target + lastStart, target + lastStart + 1, total - lastStart);
+        if (unsigned char* last = target.behind(lastStart).block()) {
+            std::memmove(last, last + 1, total - lastStart);
+        }
     }
     if (unused > 7) { // X.690 8.6.2.2
         return ASN1S_BAD_VALUE;
@@ -124,7 +129,7 @@ int readSegments(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, i
     return ASN1S_SUCCESS;
 }
 
-int readBits(ASN1CTXT* ctxt, unsigned char* target, unsigned int capacity, int length,
+int readBits(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacity, int length,
              unsigned int* numbits) noexcept {
     return (ctxt->flags & ASN1F_CONSTRUCTED) == 0
                ? readPrimitive(ctxt, target, capacity, length, numbits)
@@ -168,12 +173,25 @@ int readEmpty(ASN1CTXT* ctxt, int dataLength) noexcept {
 int copyToHeap(ASN1CTXT* ctxt, const StringContents& contents, const unsigned char** data,
                unsigned int* numbits) noexcept {
     const int capacity = contents.dataLength - 1;
-    unsigned char* block = allocateOctets(ctxt, capacity);
-    if (block == nullptr) {
+    OctetTarget target;
+    if (!target.reserve(ctxt, capacity)) {
         return record(ctxt, ASN1S_NO_MEMORY);
     }
-    *data = block;
-    return readBits(ctxt, block, static_cast<unsigned int>(capacity), contents.length, numbits);
+    *data = target.block();
+    return readBits(ctxt, target, static_cast<unsigned int>(capacity), contents.length, numbits);
+}
+
+/// A value of at most *numbits bits.
+int readFixed(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int* numbits, ASN1TagType tagging,
+              int length) noexcept {
+    // No bits stands for no limit: the subtraction wraps to the largest capacity there is.
+    const unsigned int capacity = ((*numbits - 1) >> 3) + 1;
+    if (tagging == ASN1TagExplicit) {
+        if (const int status = readExplicitHeader(ctxt, bitStringTag, &length)) {
+            return status;
+        }
+    }
+    return readBits(ctxt, target, capacity, length, numbits);
 }
 
 } // namespace
@@ -220,14 +238,41 @@ int xd_bitstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numbits,
     return status == ASN1S_SUCCESS ? closeString(ctxt, contents) : status;
 }
 
+int xd_measureBits(ASN1CTXT* ctxt, ASN1Extent* extent, ASN1TagType tagging, int length) noexcept {
+    *extent = {nullptr, 0};
+    StringContents contents;
+    if (const int status =
+            openString(ctxt, bitStringTag, bitStringTag, tagging, length, &contents)) {
+        return status;
+    }
+    const int status = contents.dataLength < 2
+                           ? readEmpty(ctxt, contents.dataLength)
+                           : readBits(ctxt, OctetTarget::measuring(nullptr),
+                                      static_cast<unsigned int>(contents.dataLength - 1),
+                                      contents.length, &extent->count);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    extent->data = extent->count != 0 && !contents.constructed ? contents.start + 1 : nullptr;
+    return closeString(ctxt, contents);
+}
+
 int xd_bitstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* numbits, ASN1TagType tagging,
                 int length) noexcept {
-    // No bits stands for no limit: the subtraction wraps to the largest capacity there is.
-    const unsigned int capacity = ((*numbits - 1) >> 3) + 1;
-    if (tagging == ASN1TagExplicit) {
-        if (const int status = readExplicitHeader(ctxt, bitStringTag, &length)) {
-            return status;
-        }
+    return readFixed(ctxt, OctetTarget(buffer), numbits, tagging, length);
+}
+
+int xd_measureFixedBits(ASN1CTXT* ctxt, ASN1Extent* extent, unsigned int capacity,
+                        ASN1TagType tagging, int length) noexcept {
+    *extent = {nullptr, 0};
+    const bool segmented = tagging == ASN1TagImplicit && (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
+    unsigned int count = capacity;
+    if (const int status =
+            readFixed(ctxt, OctetTarget::measuring(nullptr), &count, tagging, length)) {
+        return status;
     }
-    return readBits(ctxt, buffer, capacity, length, numbits);
+    const unsigned int octets = count / 8 + (count % 8 != 0 ? 1 : 0);
+    extent->data = segmented ? nullptr : ctxt->buffer.data + ctxt->buffer.byteIndex - octets;
+    extent->count = count;
+    return ASN1S_SUCCESS;
 }

@@ -55,30 +55,42 @@ int writeWide(ASN1CTXT* ctxt, const Value* value, ASN1TagType tagging, ASN1TAG t
     return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, tag, total) : total;
 }
 
+/// Text of wide characters in the octets of the message.
+/// @param octets receives their count
+int readWideOctets(ASN1CTXT* ctxt, OctetTarget* target, ASN1TagType tagging, ASN1TAG tag,
+                   int length, StringContents* contents, unsigned int* octets) noexcept {
+    *octets = 0;
+    if (const int status =
+            openString(ctxt, identifierOctetOf(tag), segmentTag, tagging, length, contents)) {
+        return status;
+    }
+    if (contents->length < 0) {
+        return record(ctxt, ASN1S_INVALID_LENGTH);
+    }
+    if (contents->length == 0 && !contents->closesItself) {
+        return ASN1S_SUCCESS;
+    }
+    if (!target->reserve(ctxt, contents->dataLength)) {
+        return record(ctxt, ASN1S_NO_MEMORY);
+    }
+    return readOctets(ctxt, *target, static_cast<unsigned int>(contents->dataLength),
+                      contents->length, octets);
+}
+
 template <class Value>
 int readWide(ASN1CTXT* ctxt, Value* value, ASN1TagType tagging, ASN1TAG tag, int length) noexcept {
     using Character = CharacterOf<Value>;
     value->nchars = 0;
     value->data = nullptr;
+    OctetTarget target;
     StringContents contents;
-    if (const int status =
-            openString(ctxt, identifierOctetOf(tag), segmentTag, tagging, length, &contents)) {
-        return status;
-    }
-    if (contents.length < 0) {
-        return record(ctxt, ASN1S_INVALID_LENGTH);
-    }
-    if (contents.length == 0 && !contents.closesItself) {
-        return ASN1S_SUCCESS;
-    }
-    unsigned char* block = allocateOctets(ctxt, contents.dataLength);
-    if (block == nullptr) {
-        return record(ctxt, ASN1S_NO_MEMORY);
-    }
     unsigned int count = 0;
-    if (const int status = readOctets(ctxt, block, static_cast<unsigned int>(contents.dataLength),
-                                      contents.length, &count)) {
+    if (const int status = readWideOctets(ctxt, &target, tagging, tag, length, &contents, &count)) {
         return status;
+    }
+    unsigned char* block = target.block();
+    if (block == nullptr) {
+        return ASN1S_SUCCESS;
     }
     // In place: a character takes the room of the octets that it is made of.
     auto* characters = static_cast<Character*>(static_cast<void*>(block));
@@ -93,6 +105,28 @@ int readWide(ASN1CTXT* ctxt, Value* value, ASN1TagType tagging, ASN1TAG tag, int
     value->nchars = nchars;
     value->data = characters;
     return closeString(ctxt, contents);
+}
+
+/// Text of 8-bit characters, with a terminator where it is kept.
+int readText(ASN1CTXT* ctxt, OctetTarget* target, ASN1TagType tagging, ASN1TAG tag, int length,
+             StringContents* contents, unsigned int* count) noexcept {
+    *count = 0;
+    if (const int status =
+            openString(ctxt, identifierOctetOf(tag), segmentTag, tagging, length, contents)) {
+        return status;
+    }
+    const unsigned int room =
+        contents->dataLength > 0 ? static_cast<unsigned int>(contents->dataLength) : 0;
+    if (!target->reserve(ctxt, room + 1LL)) {
+        return record(ctxt, ASN1S_NO_MEMORY);
+    }
+    const int status =
+        room != 0 ? readOctets(ctxt, *target, room, contents->length, count) : ASN1S_SUCCESS;
+    if (target->block() != nullptr) {
+        target->block()[*count] = 0;
+    }
+    const int closed = closeString(ctxt, *contents);
+    return closed != ASN1S_SUCCESS ? closed : status;
 }
 
 } // namespace
@@ -111,25 +145,39 @@ int xe_charstr(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging, ASN1TAG ta
 }
 
 int xd_charstr(ASN1CTXT* ctxt, char** text, ASN1TagType tagging, ASN1TAG tag, int length) noexcept {
-    *text = nullptr;
+    OctetTarget target;
     StringContents contents;
+    unsigned int count = 0;
+    const int status = readText(ctxt, &target, tagging, tag, length, &contents, &count);
+    *text = static_cast<char*>(static_cast<void*>(target.block()));
+    return status;
+}
+
+int xd_measureText(ASN1CTXT* ctxt, ASN1Extent* extent, const ASN1OctetSink* sink,
+                   ASN1TagType tagging, ASN1TAG tag, int length) noexcept {
+    *extent = {nullptr, 0};
+    OctetTarget target = OctetTarget::measuring(sink);
+    StringContents contents;
+    const int status = readText(ctxt, &target, tagging, tag, length, &contents, &extent->count);
+    if (status == ASN1S_SUCCESS) {
+        extent->data = contents.inOnePiece();
+    }
+    return status;
+}
+
+int xd_measureWideText(ASN1CTXT* ctxt, ASN1Extent* extent, unsigned int width, ASN1TagType tagging,
+                       ASN1TAG tag, int length) noexcept {
+    *extent = {nullptr, 0};
+    OctetTarget target = OctetTarget::measuring(nullptr);
+    StringContents contents;
+    unsigned int octets = 0;
     if (const int status =
-            openString(ctxt, identifierOctetOf(tag), segmentTag, tagging, length, &contents)) {
+            readWideOctets(ctxt, &target, tagging, tag, length, &contents, &octets)) {
         return status;
     }
-    const unsigned int room =
-        contents.dataLength > 0 ? static_cast<unsigned int>(contents.dataLength) : 0;
-    unsigned char* block = allocateOctets(ctxt, room + 1LL);
-    if (block == nullptr) {
-        return record(ctxt, ASN1S_NO_MEMORY);
-    }
-    unsigned int count = 0;
-    const int status =
-        room != 0 ? readOctets(ctxt, block, room, contents.length, &count) : ASN1S_SUCCESS;
-    block[count] = 0;
-    *text = static_cast<char*>(static_cast<void*>(block));
-    const int closed = closeString(ctxt, contents);
-    return closed != ASN1S_SUCCESS ? closed : status;
+    extent->data = contents.inOnePiece();
+    extent->count = octets / width;
+    return closeString(ctxt, contents);
 }
 
 int xe_16BitCharStr(ASN1CTXT* ctxt, Asn116BitCharString* value, ASN1TagType tagging,

@@ -11,125 +11,13 @@
 
 namespace {
 
-constexpr unsigned char octetStringTag = 4;
-
-} // namespace
-
-namespace runtime_detail {
-
-int openString(ASN1CTXT* ctxt, unsigned char identifierOctet, ASN1TAG segmentTag,
-               ASN1TagType tagging, int length, StringContents* contents) noexcept {
-    if (tagging == ASN1TagExplicit) {
-        if (const int status = xd_match1(ctxt, identifierOctet, &length)) {
-            return record(ctxt, status);
-        }
-    }
-    // The flag speaks of the tag read last, and measuring the segments reads further ones.
-    contents->constructed = (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
-    contents->closesItself = contents->constructed && length == ASN1IndefiniteLength;
-    contents->length = length;
-    contents->dataLength = length;
-    if (length == ASN1IndefiniteLength) {
-        // X.690 8.1.3.6; producers that stream (CMS content, mostly) write this form.
-        if (const int status = xd_consStrIndefLenAndSize(ctxt, segmentTag, &contents->dataLength,
-                                                         &contents->length)) {
-            return record(ctxt, status);
-        }
-    }
-    return ASN1S_SUCCESS;
-}
-
-int closeString(ASN1CTXT* ctxt, const StringContents& contents) noexcept {
-    if (!contents.closesItself) {
-        return ASN1S_SUCCESS;
-    }
-    if (!rtEndOfContentsAhead(ctxt)) { // X.690 8.1.5
-        return record(ctxt, ASN1S_INVALID_LENGTH);
-    }
-    ctxt->buffer.byteIndex += 2;
-    return ASN1S_SUCCESS;
-}
-
-int readOctets(ASN1CTXT* ctxt, unsigned char* target, unsigned int room, int length,
-               unsigned int* count) noexcept {
-    *count = 0;
-    if ((ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
-        if (static_cast<unsigned int>(length) > room) {
-            return record(ctxt, ASN1S_STRING_OVERFLOW);
-        }
-        if (length == 0) {
-            return ASN1S_SUCCESS;
-        }
-        if (const int status = xd_memcpy(ctxt, target, length)) {
-            return record(ctxt, status);
-        }
-        *count = static_cast<unsigned int>(length);
-        return ASN1S_SUCCESS;
-    }
-    // X.690 8.7.3: the segments are OCTET STRINGs. The standard lets them be constructed in turn;
-    // here each has to be primitive, which also bounds the recursion.
-    const unsigned int whole = static_cast<unsigned int>(length);
-    const unsigned int start = ctxt->buffer.byteIndex;
-    while (ctxt->buffer.byteIndex - start < whole && remaining(ctxt) != 0) {
-        unsigned int segment = std::min(whole, room - *count);
-        if (const int status = xd_octstr_s(ctxt, target + *count, &segment, ASN1TagExplicit,
-                                           static_cast<int>(segment))) {
-            return status;
-        }
-        *count += segment;
-    }
-    return ctxt->buffer.byteIndex - start == whole ? ASN1S_SUCCESS
-                                                   : record(ctxt, ASN1S_INVALID_LENGTH);
-}
-
-} // namespace runtime_detail
-
 using namespace runtime_detail;
 
-int xe_octstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numocts,
-              ASN1TagType tagging) noexcept {
-    const int count = data != nullptr ? xe_memcpy(ctxt, data, numocts) : 0;
-    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, octetStringTag, count) : count;
-}
+constexpr unsigned char octetStringTag = 4;
 
-int xd_octstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numocts,
-              ASN1TagType tagging, int length) noexcept {
-    *data = nullptr;
-    *numocts = 0;
-    StringContents contents;
-    if (const int status =
-            openString(ctxt, octetStringTag, octetStringTag, tagging, length, &contents)) {
-        return status;
-    }
-    if (contents.length < 0) {
-        return record(ctxt, ASN1S_INVALID_LENGTH);
-    }
-    if (!contents.constructed && (ctxt->flags & ASN1F_NO_COPY) != 0) {
-        const unsigned char* octets = ctxt->buffer.data + ctxt->buffer.byteIndex;
-        if (const int status = skipContents(ctxt, contents.length)) {
-            return record(ctxt, status);
-        }
-        *data = octets;
-        *numocts = static_cast<unsigned int>(contents.length);
-    } else {
-        unsigned char* block = allocateOctets(ctxt, contents.dataLength);
-        if (block == nullptr) {
-            return record(ctxt, ASN1S_NO_MEMORY);
-        }
-        *data = block;
-        unsigned int count = 0;
-        if (const int status =
-                readOctets(ctxt, block, static_cast<unsigned int>(contents.dataLength),
-                           contents.length, &count)) {
-            return status;
-        }
-        *numocts = count;
-    }
-    return closeString(ctxt, contents);
-}
-
-int xd_octstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* size, ASN1TagType tagging,
-                int length) noexcept {
+/// A value of at most *size octets, whose form is primitive where it has a header of its own.
+int readFixed(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int* size, ASN1TagType tagging,
+              int length) noexcept {
     if (tagging == ASN1TagExplicit) {
         int ownLength = 0;
         const int status = readExplicitHeader(ctxt, octetStringTag, &ownLength);
@@ -148,9 +36,165 @@ int xd_octstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* size, ASN1T
         return record(ctxt, ASN1S_STRING_OVERFLOW);
     }
     unsigned int count = 0;
-    if (const int status = readOctets(ctxt, buffer, *size, length, &count)) {
+    if (const int status = readOctets(ctxt, target, *size, length, &count)) {
         return status;
     }
     *size = count;
+    return ASN1S_SUCCESS;
+}
+
+/// The header of a value of any size.
+int openOctets(ASN1CTXT* ctxt, ASN1TagType tagging, int length, StringContents* contents) noexcept {
+    if (const int status =
+            openString(ctxt, octetStringTag, octetStringTag, tagging, length, contents)) {
+        return status;
+    }
+    return contents->length < 0 ? record(ctxt, ASN1S_INVALID_LENGTH) : ASN1S_SUCCESS;
+}
+
+} // namespace
+
+namespace runtime_detail {
+
+int openString(ASN1CTXT* ctxt, unsigned char identifierOctet, ASN1TAG segmentTag,
+               ASN1TagType tagging, int length, StringContents* contents) noexcept {
+    if (tagging == ASN1TagExplicit) {
+        if (const int status = xd_match1(ctxt, identifierOctet, &length)) {
+            record(ctxt, status);
+            return status;
+        }
+    }
+    // The flag speaks of the tag read last, and measuring the segments reads further ones.
+    contents->constructed = (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
+    contents->closesItself = contents->constructed && length == ASN1IndefiniteLength;
+    contents->length = length;
+    contents->dataLength = length;
+    contents->start = ctxt->buffer.data + ctxt->buffer.byteIndex;
+    if (length == ASN1IndefiniteLength) {
+        // X.690 8.1.3.6; producers that stream (CMS content, mostly) write this form.
+        if (const int status = xd_consStrIndefLenAndSize(ctxt, segmentTag, &contents->dataLength,
+                                                         &contents->length)) {
+            record(ctxt, status);
+            return status;
+        }
+    }
+    return ASN1S_SUCCESS;
+}
+
+int closeString(ASN1CTXT* ctxt, const StringContents& contents) noexcept {
+    if (!contents.closesItself) {
+        return ASN1S_SUCCESS;
+    }
+    if (!rtEndOfContentsAhead(ctxt)) { // X.690 8.1.5
+        return record(ctxt, ASN1S_INVALID_LENGTH);
+    }
+    ctxt->buffer.byteIndex += 2;
+    return ASN1S_SUCCESS;
+}
+
+int readOctets(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int room, int length,
+               unsigned int* count) noexcept {
+    *count = 0;
+    if ((ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
+        if (static_cast<unsigned int>(length) > room) {
+            return record(ctxt, ASN1S_STRING_OVERFLOW);
+        }
+        if (length == 0) {
+            return ASN1S_SUCCESS;
+        }
+        if (const int status = target.take(ctxt, length)) {
+            return record(ctxt, status);
+        }
+        *count = static_cast<unsigned int>(length);
+        return ASN1S_SUCCESS;
+    }
+    // X.690 8.7.3: the segments are OCTET STRINGs. The standard lets them be constructed in turn;
+    // here each has to be primitive, which also bounds the recursion.
+    const unsigned int whole = static_cast<unsigned int>(length);
+    const unsigned int start = ctxt->buffer.byteIndex;
+    while (ctxt->buffer.byteIndex - start < whole && remaining(ctxt) != 0) {
+        unsigned int segment = std::min(whole, room - *count);
+        if (const int status = readFixed(ctxt, target.behind(*count), &segment, ASN1TagExplicit,
+                                         static_cast<int>(segment))) {
+            return status;
+        }
+        *count += segment;
+    }
+    return ctxt->buffer.byteIndex - start == whole ? ASN1S_SUCCESS
+                                                   : record(ctxt, ASN1S_INVALID_LENGTH);
+}
+
+} // namespace runtime_detail
+
+int xe_octstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numocts,
+              ASN1TagType tagging) noexcept {
+    const int count = data != nullptr ? xe_memcpy(ctxt, data, numocts) : 0;
+    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, octetStringTag, count) : count;
+}
+
+int xd_octstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numocts,
+              ASN1TagType tagging, int length) noexcept {
+    *data = nullptr;
+    *numocts = 0;
+    StringContents contents;
+    if (const int status = openOctets(ctxt, tagging, length, &contents)) {
+        return status;
+    }
+    if (!contents.constructed && (ctxt->flags & ASN1F_NO_COPY) != 0) {
+        const unsigned char* octets = ctxt->buffer.data + ctxt->buffer.byteIndex;
+        if (const int status = skipContents(ctxt, contents.length)) {
+            return record(ctxt, status);
+        }
+        *data = octets;
+        *numocts = static_cast<unsigned int>(contents.length);
+    } else {
+        OctetTarget target;
+        if (!target.reserve(ctxt, contents.dataLength)) {
+            return record(ctxt, ASN1S_NO_MEMORY);
+        }
+        *data = target.block();
+        unsigned int count = 0;
+        if (const int status =
+                readOctets(ctxt, target, static_cast<unsigned int>(contents.dataLength),
+                           contents.length, &count)) {
+            return status;
+        }
+        *numocts = count;
+    }
+    return closeString(ctxt, contents);
+}
+
+int xd_octstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* size, ASN1TagType tagging,
+                int length) noexcept {
+    return readFixed(ctxt, OctetTarget(buffer), size, tagging, length);
+}
+
+int xd_measureOctets(ASN1CTXT* ctxt, ASN1Extent* extent, const ASN1OctetSink* sink,
+                     ASN1TagType tagging, int length) noexcept {
+    *extent = {nullptr, 0};
+    StringContents contents;
+    if (const int status = openOctets(ctxt, tagging, length, &contents)) {
+        return status;
+    }
+    if (const int status = readOctets(ctxt, OctetTarget::measuring(sink),
+                                      static_cast<unsigned int>(contents.dataLength),
+                                      contents.length, &extent->count)) {
+        return status;
+    }
+    extent->data = contents.inOnePiece();
+    return closeString(ctxt, contents);
+}
+
+int xd_measureFixedOctets(ASN1CTXT* ctxt, ASN1Extent* extent, unsigned int capacity,
+                          ASN1TagType tagging, int length) noexcept {
+    *extent = {nullptr, 0};
+    const bool segmented = tagging == ASN1TagImplicit && (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
+    unsigned int count = capacity;
+    if (const int status =
+            readFixed(ctxt, OctetTarget::measuring(nullptr), &count, tagging, length)) {
+        return status;
+    }
+    extent->data = segmented ? nullptr : ctxt->buffer.data + ctxt->buffer.byteIndex - count;
+    extent->count = count;
     return ASN1S_SUCCESS;
 }

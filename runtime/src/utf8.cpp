@@ -124,6 +124,23 @@ int rtUTF8Len(const char* text) noexcept {
     return count <= INT_MAX ? static_cast<int>(count) : static_cast<int>(ASN1S_BUFFER_OVERFLOW);
 }
 
+void rtUTF8CountPiece(ASN1UTF8Count* count, const unsigned char* octets,
+                      std::size_t size) noexcept {
+    for (std::size_t i = 0; i < size && !count->ended; ++i) {
+        if (octets[i] == 0) {
+            count->ended = true;
+        } else if (count->missing != 0) {
+            --count->missing;
+        } else if (const unsigned int length = sequenceLength(octets[i])) {
+            ++count->characters;
+            count->missing = length - 1;
+        } else {
+            count->characters = ASN1S_INVALID_UTF8;
+            count->ended = true;
+        }
+    }
+}
+
 std::size_t rtUTF8LenBytes(const char* text) noexcept {
     return text != nullptr ? std::strlen(text) : 0;
 }

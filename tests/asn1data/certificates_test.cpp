@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "support/ca_bundle.h"
+#include "support/data_file.h"
 
 namespace {
 
@@ -217,51 +218,13 @@ TEST(Name, IsEncodedAgainAfterItsEncodeBufferWent) {
 }
 
 TEST(Certificate, EveryFailureIsTold) {
-    // SEQUENCE { SEQUENCE { [0] 2, 1, alg, name, validity, name, key }, alg, bits }, in the
-    // smallest form that decodes.
-    const std::string algorithm = "30 05 06 03 2A 03 04";
-    const std::string time = "17 0D 32 35 30 31 30 31 30 30 30 30 30 30 5A";
-    const std::string validity = "30 1E" + time + time;
-    const std::string key = "30 0B" + algorithm + "03 02 00 FF";
-    const auto wrap = [](const std::string& contents, const char* identifier = "30") {
-        const Octets octets = tests::fromHex(contents);
-        return identifier + toHex({static_cast<unsigned char>(octets.size())}) + contents;
-    };
-    const auto certificate = [&](const std::string& version, const std::string& rest) {
-        return wrap(wrap(version + "02 01 01" + algorithm + "30 00" + rest) + algorithm +
-                    "03 02 00 01");
-    };
-    const std::string rest = validity + "30 00" + key;
-    const struct {
-        const char* what;
-        std::string message;
-        int status;
-    } rows[] = {
-        {"whole", certificate("A0 03 02 01 02", rest), 0},
-        {"no version", certificate("", rest), 0},
-        {"version of 32 bits", certificate("A0 07 02 05 00 FF FF FF FF", rest), 0},
-        {"version beyond 32 bits", certificate("A0 07 02 05 01 00 00 00 00", rest), -33},
-        {"no serial number", wrap(wrap(algorithm + "30 00" + rest) + algorithm + "03 02 00 01"),
-         -3},
-        {"ends after the issuer", certificate("", ""), -8},
-        {"time of another type", certificate("", "30 04 0C 00" + time.substr(0, 5)), -11},
-        {"no key", certificate("", validity + "30 00"), -8},
-        {"empty extensions", certificate("", rest + "A3 02 30 00"), -23},
-        {"element behind the extensions",
-         certificate("", rest + "A3 0B 30 09 30 07 06 01 2A 04 02 05 00 05 00"), -10},
-        {"no signature", wrap(wrap("02 01 01" + algorithm + "30 00" + rest) + algorithm), -8},
-        {"unused bits above 7",
-         wrap(wrap("02 01 01" + algorithm + "30 00" + rest) + algorithm + "03 02 08 01"), -18},
-        {"no octets of an identifier",
-         wrap(wrap("02 01 01 30 02 06 00 30 00" + rest) + algorithm + "03 02 00 01"), -5},
-    };
-    for (const auto& row : rows) {
-        const Octets message = tests::fromHex(row.message);
+    tests::forEachRow("certificates.txt", "messages", [&](const tests::DataRow& row) {
+        const Octets message = tests::fromHex(row["message"]);
         ASN1BERDecodeBuffer buffer(message.data(), static_cast<int>(message.size()));
         ASN1T_Certificate value;
-        EXPECT_EQ(ASN1C_Certificate(buffer, value).Decode(), row.status) << row.what;
-        EXPECT_EQ(buffer.getCtxtPtr()->errInfo.status, row.status) << row.what;
-    }
+        EXPECT_EQ(ASN1C_Certificate(buffer, value).Decode(), row.number("status"));
+        EXPECT_EQ(buffer.getCtxtPtr()->errInfo.status, row.number("status"));
+    });
 }
 
 } // namespace

@@ -54,57 +54,32 @@ TEST_F(Exports, Runtime) {
     }
 }
 
-/// What the library exports for a type, told by a line of the data file.
+std::string replaceAll(std::string text, const std::string& what, const std::string& by) {
+    for (std::size_t at = text.find(what); at != std::string::npos;
+         at = text.find(what, at + by.size())) {
+        text.replace(at, what.size(), by);
+    }
+    return text;
+}
+
+/// What the library exports for a type, by the patterns of the data file.
+/// @param value the type of the value: a record of the type's own where it is empty
+/// @param members what the type has beside what all have
 Symbols familyOf(const std::string& name, const std::string& value, const std::string& members) {
-    std::set<std::string> extra;
-    std::istringstream words(members);
-    for (std::string word; words >> word;) {
-        extra.insert(word);
-    }
-    const auto has = [&](const char* member) { return extra.count(member) != 0; };
-    const std::string record = "asn1data::ASN1T_" + name;
-    const std::string control = "asn1data::ASN1C_" + name;
-    const std::string constructor = control + "::ASN1C_" + name;
-    const bool empty = value == "none";
-    const std::string type = value.empty() ? record : value;
+    static const std::vector<tests::DataRow> patterns =
+        tests::dataRows("exported_families.txt", "symbols");
+    const std::string facts = " all " + members + (value == "none" ? " empty" : " valued") +
+                              (members.find("uncopied") == std::string::npos ? " copied " : " ");
+    const std::string type = value.empty() ? "asn1data::ASN1T_" + name : value;
     Symbols symbols;
-    const auto function = [&](const char* prefix, const std::string& arguments) {
-        symbols.insert(std::string("asn1data::") + prefix + name + "(ASN1CTXT*" +
-                       (empty ? "" : ", " + type + "*") + arguments + ")");
-    };
-    function("asn1E_", ", ASN1TagType");
-    function("asn1D_", ", ASN1TagType, int");
-    symbols.insert(control + "::EncodeTo(ASN1MessageBufferIF&)");
-    symbols.insert(control + "::DecodeFrom(ASN1MessageBufferIF&)");
-    symbols.insert("vtable for " + control);
-    if (empty) {
-        symbols.insert(constructor + "()");
-        symbols.insert(constructor + "(ASN1MessageBufferIF&)");
-        symbols.insert(constructor + "(" + control + "&)");
-        return symbols;
-    }
-    symbols.insert(constructor + "(" + type + "&)");
-    symbols.insert(constructor + "(ASN1MessageBufferIF&, " + type + "&)");
-    if (!has("uncopied")) {
-        function("asn1Copy_", ", " + type + "*");
-        symbols.insert(constructor + "(" + control + "&)");
-        symbols.insert(control + "::getCopy(" + type + "*)");
-        symbols.insert(control + "::newCopy()");
-    }
-    if (has("release")) {
-        function("asn1Free_", "");
-    }
-    if (has("table")) {
-        function("asn1ETC_", "");
-        function("asn1DTC_", "");
-    }
-    if (has("assign")) {
-        symbols.insert(control + "::operator=(" + control + "&)");
-    }
-    if (has("record")) {
-        symbols.insert(record + "::~ASN1T_" + name + "()");
-        if (!has("uncopied")) {
-            symbols.insert(record + "::ASN1T_" + name + "(" + control + "&)");
+    for (const tests::DataRow& pattern : patterns) {
+        std::istringstream conditions(pattern["of types that are"]);
+        bool applies = true;
+        for (std::string condition; conditions >> condition;) {
+            applies = applies && facts.find(" " + condition + " ") != std::string::npos;
+        }
+        if (applies) {
+            symbols.insert(replaceAll(replaceAll(pattern["symbol"], "NAME", name), "VALUE", type));
         }
     }
     return symbols;

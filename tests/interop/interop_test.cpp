@@ -8,6 +8,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <random>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -19,8 +20,10 @@
 
 #include "interop/expectations.h"
 #include "support/hex.h"
+#include "support/mutation.h"
 #include "support/value_builder.h"
 #include "support/value_walk.h"
+#include "support/walk_agreement.h"
 
 // Messages that the openssl command made (make_messages.sh): each is decoded, open values and what
 // octet strings hold included, and encoded again. What is DER comes back octet for octet; what is
@@ -345,6 +348,7 @@ TEST_F(Interop, MessagesComeBack) {
                             ", " + exception->reason);
         }
 
+        tests::expectWalkAgrees(*type, message.octets);
         Decoded decoded(*type, message.octets);
         if (exception != nullptr && exception->status != 0) {
             EXPECT_EQ(decoded.status, exception->status);
@@ -362,7 +366,7 @@ TEST_F(Interop, MessagesComeBack) {
         raw += open.raw;
         objects.insert(open.objects.begin(), open.objects.end());
         queue.insert(queue.end(), open.derived.begin(), open.derived.end());
-        for (const Expectation& expectation : expectations) {
+        for (const interop::Expectation& expectation : expectations) {
             if (matches(expectation.messages, message.name)) {
                 needed.insert(&expectation);
                 for (const std::string& object : expectation.objects) {
@@ -375,7 +379,7 @@ TEST_F(Interop, MessagesComeBack) {
     for (const Exception& exception : exceptions) {
         EXPECT_EQ(needed.count(&exception), 1u) << exception.messages;
     }
-    for (const Expectation& expectation : expectations) {
+    for (const interop::Expectation& expectation : expectations) {
         EXPECT_EQ(needed.count(&expectation), 1u) << expectation.messages;
     }
 
@@ -397,6 +401,20 @@ TEST_F(Interop, MessagesComeBack) {
         std::printf("excepted: %s\n", line.c_str());
     }
     EXPECT_EQ(sum.messages, sum.identical + sum.equal + sum.excepted);
+}
+
+TEST_F(Interop, DamagedMessagesAreWalkedAsTheyAreDecoded) {
+    constexpr std::size_t All = 100000;
+    std::mt19937 random(1);
+    tests::WalkAgreement agreement;
+    for (std::size_t i = 0; i < All && !HasFailure(); ++i) {
+        const Message& message = messages[i % messages.size()];
+        Octets damaged = message.octets;
+        for (std::size_t harm = 0; harm <= random() % 3 && !damaged.empty(); ++harm) {
+            tests::damage(damaged, random);
+        }
+        agreement.check(*findType(message.type.c_str()), damaged);
+    }
 }
 
 // The command adds no unsigned attributes of its own; a time-stamp is the one that is in use.

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include <brevantis/asn1/runtime/bit_set.h>
 
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 #include "support/hex.h"
 
 namespace {
@@ -137,55 +140,36 @@ void step(Bits& bits, Model& model, unsigned int limit, std::mt19937& random) {
     const auto inRange = [&](unsigned int i) { return i >= from && i < to; };
     const unsigned int all = std::max(model.length(), reach) + 40;
 
-    switch (below(15)) {
-    case 0:
-        ASSERT_EQ(bits.set(bit), 0);
-        model.put(bit, true);
-        break;
-    case 1:
-        ASSERT_EQ(bits.clear(bit), 0);
-        model.put(bit, false);
-        break;
-    case 2:
-        ASSERT_EQ(bits.invert(bit), 0);
-        model.put(bit, !model.has(bit));
-        break;
-    case 3:
-        ASSERT_EQ(bits.set(from, to), 0);
-        model.each(all, [&](const Model& m, unsigned int i) { return m.has(i) || inRange(i); });
-        break;
-    case 4:
-        ASSERT_EQ(bits.clear(from, to), 0);
-        model.each(all, [&](const Model& m, unsigned int i) { return m.has(i) && !inRange(i); });
-        break;
-    case 5:
-        ASSERT_EQ(bits.invert(from, to), 0);
-        model.each(all, [&](const Model& m, unsigned int i) { return m.has(i) != inRange(i); });
-        break;
-    case 6:
-        ASSERT_EQ(bits.doAnd(other.data(), otherBits), 0);
-        model.each(all, [&](const Model& m, unsigned int i) { return m.has(i) && inOther(i); });
-        break;
-    case 7:
-        ASSERT_EQ(bits.doAndNot(other.data(), otherBits), 0);
-        model.each(all, [&](const Model& m, unsigned int i) { return m.has(i) && !inOther(i); });
-        break;
-    case 8:
-        ASSERT_EQ(bits.doOr(other.data(), otherBits), 0);
-        model.each(all, [&](const Model& m, unsigned int i) {
-            return m.has(i) || (i < taken && inOther(i));
-        });
-        break;
-    case 9:
-        ASSERT_EQ(bits.doXor(other.data(), otherBits), 0);
-        model.each(all, [&](const Model& m, unsigned int i) {
-            return m.has(i) != (i < taken && inOther(i));
-        });
-        break;
-    case 10:
-        ASSERT_EQ(bits.shiftLeft(bit), 0);
-        model.each(all, [&](const Model& m, unsigned int i) { return m.has(i + bit); });
-        break;
+    // What each operation makes of bit i.
+    const struct {
+        std::function<int()> apply;
+        std::function<bool(const Model&, unsigned int)> expected;
+    } operations[] = {
+        {[&] { return bits.set(bit); }, [&](auto& m, auto i) { return m.has(i) || i == bit; }},
+        {[&] { return bits.clear(bit); }, [&](auto& m, auto i) { return m.has(i) && i != bit; }},
+        {[&] { return bits.invert(bit); }, [&](auto& m, auto i) { return m.has(i) != (i == bit); }},
+        {[&] { return bits.set(from, to); },
+         [&](auto& m, auto i) { return m.has(i) || inRange(i); }},
+        {[&] { return bits.clear(from, to); },
+         [&](auto& m, auto i) { return m.has(i) && !inRange(i); }},
+        {[&] { return bits.invert(from, to); },
+         [&](auto& m, auto i) { return m.has(i) != inRange(i); }},
+        {[&] { return bits.doAnd(other.data(), otherBits); },
+         [&](auto& m, auto i) { return m.has(i) && inOther(i); }},
+        {[&] { return bits.doAndNot(other.data(), otherBits); },
+         [&](auto& m, auto i) { return m.has(i) && !inOther(i); }},
+        {[&] { return bits.doOr(other.data(), otherBits); },
+         [&](auto& m, auto i) { return m.has(i) || (i < taken && inOther(i)); }},
+        {[&] { return bits.doXor(other.data(), otherBits); },
+         [&](auto& m, auto i) { return m.has(i) != (i < taken && inOther(i)); }},
+        {[&] { return bits.shiftLeft(bit); }, [&](auto& m, auto i) { return m.has(i + bit); }},
+    };
+    const unsigned int choice = below(15);
+    if (choice < std::size(operations)) {
+        ASSERT_EQ(operations[choice].apply(), 0);
+        model.each(all, operations[choice].expected);
+    }
+    switch (choice) {
     case 11: {
         const unsigned int length = bits.length();
         const unsigned int moved = limit == 0 ? length : length - bit;
@@ -217,11 +201,13 @@ void step(Bits& bits, Model& model, unsigned int limit, std::mt19937& random) {
     case 13:
         ASSERT_EQ(bits.get(bit), model.has(bit) ? 1 : 0);
         break;
-    default:
+    case 14:
         if (below(20) == 0) {
             ASSERT_EQ(bits.clear(), 0);
             model = Model(limit);
         }
+        break;
+    default:
         break;
     }
     ASSERT_EQ(bits.recorded(), 0);
@@ -266,66 +252,49 @@ TEST(BitSet, behavesLikeTheModelInEveryForm) {
     }
 }
 
-TEST(BitSet, singleResults) {
-    using Operation = int (*)(Bits&);
-    struct Row {
-        const char* before;
-        Operation operation;
-        const char* after;
-        unsigned int length;
-    };
-    const Row rows[] = {
-        {"", [](Bits& b) { return b.set(3, 12); }, "1F F0", 12},
-        {"", [](Bits& b) { return b.set(4, 5); }, "08", 5},
-        {"", [](Bits& b) { return b.set(4, 8); }, "0F", 8},
-        {"", [](Bits& b) { return b.set(0, 8); }, "FF", 8},
-        {"ff ff", [](Bits& b) { return b.clear(8, 8); }, "FF FF", 16},
-        {"80", [](Bits& b) { return b.set(0, 0); }, "80", 1},
-        {"a5", [](Bits& b) { return b.invert(0, 8) + b.invert(0, 8); }, "A5", 8},
-        {"01 01", [](Bits& b) { return b.clear(9, 300); }, "01", 8},
-        {"1f f8", [](Bits& b) { return b.shiftLeft(3); }, "FF C0", 10},
-        {"ff", [](Bits& b) { return b.shiftLeft(8); }, "", 0},
-        {"ff", [](Bits& b) { return b.shiftLeft(0xFFFFFFFF); }, "", 0},
-        {"ff", [](Bits& b) { return b.shiftRight(1); }, "7F 80", 9},
-        {"fe", [](Bits& b) { return b.shiftRight(8); }, "", 0},
-        {"ff ff", [](Bits& b) { return b.doXor(*b.pBits, 16); }, "", 0},
-        {"ff 81", [](Bits& b) { return b.doXor(*b.pBits, 8); }, "00 81", 16},
-        {"ff ff", [](Bits& b) { return b.doAndNot(*b.pBits, 16); }, "", 0},
-        {"ff 01", [](Bits& b) { return b.doAnd(nullptr, 0); }, "", 0},
-        {"81", [](Bits& b) { return b.doXor(nullptr, 0) + b.doAndNot(nullptr, 0); }, "81", 8},
-    };
-    for (const Row& row : rows) {
-        GrowableBits holder(row.before);
-        Bits& bits = holder.growable;
-        EXPECT_EQ(row.operation(bits), 0) << row.before;
-        EXPECT_EQ(bits.hex(), row.after) << row.before;
-        EXPECT_EQ(bits.length(), row.length) << row.before;
-        EXPECT_EQ(*bits.pNumBits, row.length) << row.before;
+/// Runs an operation that is told as text: its name and its numbers. The octets of the string
+/// itself are the operand of "... own", none are that of "... null".
+int run(Bits& bits, const std::string& operation) {
+    static unsigned char out[8];
+    std::istringstream words(operation);
+    std::string name;
+    words >> name;
+    std::vector<long long> numbers;
+    const unsigned char* operand =
+        operation.find("own") != std::string::npos ? *bits.pBits : nullptr;
+    for (std::string word; words >> word;) {
+        if (word != "own" && word != "null") {
+            numbers.push_back(std::stoll(word, nullptr, 0));
+        }
     }
+    const auto number = [&](std::size_t i) { return static_cast<unsigned int>(numbers.at(i)); };
+    const bool range = numbers.size() == 2;
+    const std::map<std::string, std::function<int()>> operations = {
+        {"set", [&] { return range ? bits.set(number(0), number(1)) : bits.set(number(0)); }},
+        {"clear", [&] { return range ? bits.clear(number(0), number(1)) : bits.clear(number(0)); }},
+        {"invert",
+         [&] { return range ? bits.invert(number(0), number(1)) : bits.invert(number(0)); }},
+        {"get", [&] { return bits.get(number(0), number(1), out, static_cast<int>(numbers[2])); }},
+        {"getBytes", [&] { return bits.getBytes(out, static_cast<int>(numbers[0])); }},
+        {"shiftLeft", [&] { return bits.shiftLeft(number(0)); }},
+        {"shiftRight", [&] { return bits.shiftRight(number(0)); }},
+        {"and", [&] { return bits.doAnd(operand, number(0)); }},
+        {"or", [&] { return bits.doOr(operand, number(0)); }},
+        {"xor", [&] { return bits.doXor(operand, number(0)); }},
+        {"andNot", [&] { return bits.doAndNot(operand, number(0)); }},
+    };
+    return operations.at(name)();
 }
 
-TEST(BitSet, shiftRightInItsTwoFamilies) {
-    struct Row {
-        const char* before;
-        unsigned int count;
-        const char* after;
-        const char* reason;
-    };
-    // What the octet-wise steps yield; worked out by hand.
-    const Row rows[] = {
-        {"ff", 8, "", "whole octets: the one octet is lost"},
-        {"ff", 0, "", "even by nothing"},
-        {"ff f1", 8, "00 F1", "whole octets: the first is lost"},
-        {"aa fe", 1, "", "15 bits by one: nothing is left"},
-        {"aa fe", 3, "58 C0", "15 bits into the next octet"},
-        {"fe", 1, "", "7 bits within an octet: the bits fall off its top"},
-        {"fe", 2, "80", "7 bits into the next octet: the last of them comes out first"},
-    };
-    for (const Row& row : rows) {
-        GrowableBits holder(row.before);
-        EXPECT_EQ(holder.growable.shiftRight(row.count), 0);
-        EXPECT_EQ(holder.growable.hex(), row.after) << row.reason;
-    }
+TEST(BitSet, singleResults) {
+    tests::forEachRow("bit_set.txt", "results", [&](const tests::DataRow& row) {
+        GrowableBits holder(row["before"]);
+        Bits& bits = holder.growable;
+        EXPECT_EQ(run(bits, row["operation"]), 0);
+        EXPECT_EQ(bits.hex(), row["after"]);
+        EXPECT_EQ(bits.length(), row.number<unsigned>("length"));
+        EXPECT_EQ(*bits.pNumBits, row.number<unsigned>("length"));
+    });
     // No spare octet stands behind these octets: none may be read.
     const std::unique_ptr<unsigned char[]> octets(new unsigned char[1]{0xFE});
     unsigned int count = 7;
@@ -360,45 +329,18 @@ TEST(BitSet, growsInStrides) {
 }
 
 TEST(BitSet, failuresAreRecordedAndChangeNothing) {
-    using Operation = int (*)(Bits&);
-    struct Row {
-        const char* name;
-        Operation operation;
-        int status;
-    };
-    static unsigned char out[8];
-    const Row rows[] = {
-        {"bit at the limit", [](Bits& b) { return b.set(8); }, -5},
-        {"bit above the limit", [](Bits& b) { return b.set(9); }, -29},
-        {"clear above", [](Bits& b) { return b.clear(9); }, -29},
-        {"invert at", [](Bits& b) { return b.invert(8); }, -5},
-        {"invert above", [](Bits& b) { return b.invert(9); }, -29},
-        {"range above", [](Bits& b) { return b.set(0, 9); }, -29},
-        {"range start above", [](Bits& b) { return b.invert(9, 3); }, -29},
-        {"range crossed", [](Bits& b) { return b.clear(4, 3); }, -24},
-        {"get above", [](Bits& b) { return b.get(9, 9, out, 1); }, -29},
-        {"get crossed", [](Bits& b) { return b.get(4, 3, out, 1); }, -24},
-        {"get too small", [](Bits& b) { return b.get(0, 1, out, 0); }, -17},
-        {"get of no size", [](Bits& b) { return b.get(0, 1, out, -1); }, -17},
-        {"bytes too small", [](Bits& b) { return b.getBytes(out, 0); }, -5},
-        {"and null", [](Bits& b) { return b.doAnd(nullptr, 1); }, -30},
-        {"and itself", [](Bits& b) { return b.doAnd(*b.pBits, 1); }, -30},
-        {"or null", [](Bits& b) { return b.doOr(nullptr, 1); }, -30},
-        {"or itself", [](Bits& b) { return b.doOr(*b.pBits, 1); }, -30},
-        {"xor null", [](Bits& b) { return b.doXor(nullptr, 1); }, -30},
-        {"and not null", [](Bits& b) { return b.doAndNot(nullptr, 1); }, -30},
-    };
     ASN1BERDecodeBuffer buffer;
     Bits bits(buffer, 8);
     bits.set(2);
-    for (const Row& row : rows) {
-        EXPECT_EQ(row.operation(bits), row.status) << row.name;
-        EXPECT_EQ(bits.recorded(), row.status) << row.name;
-        EXPECT_EQ(bits.hex(), "20") << row.name;
+    tests::forEachRow("bit_set.txt", "failures", [&](const tests::DataRow& row) {
+        EXPECT_EQ(run(bits, row["operation"]), row.number("status"));
+        EXPECT_EQ(bits.recorded(), row.number("status"));
+        EXPECT_EQ(bits.hex(), "20");
         bits.forget();
-    }
+    });
     Holder holder;
-    EXPECT_EQ(holder.growable.doOr(out, 0), ASN1S_INVALID_PARAMETER);
+    const unsigned char octet = 0xFF;
+    EXPECT_EQ(holder.growable.doOr(&octet, 0), ASN1S_INVALID_PARAMETER);
     EXPECT_EQ(holder.growable.set(0xFFFFFFFF), ASN1S_OUT_OF_BOUNDS);
     EXPECT_EQ(holder.growable.invert(0xFFFFFFFF), ASN1S_OUT_OF_BOUNDS);
     holder.growable.set(0);

@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/coding.h"
 #include "support/counting_allocator.h"
-#include "support/mutation.h"
+#include "support/row_reader.h"
 
 namespace {
 
@@ -15,70 +14,28 @@ constexpr ASN1TAG bmpString = 30;
 constexpr ASN1TAG universalString = 28;
 
 TEST(CharacterString, DecodesEightBits) {
-    struct Row {
-        const char* name;
-        const char* message;
-        ASN1TAG tag;
-        int status;
-        int recorded;
-        unsigned position;
-        const char* text; ///< null: none is given
-    };
-    const Row rows[] = {
-        {"primitive", "0C 02 41 42", utf8String, 0, 0, 4, "AB"},
-        {"empty", "0C 00", utf8String, 0, 0, 2, ""},
-        {"an embedded NUL ends what is seen", "0C 03 41 00 42", utf8String, 0, 0, 5, "A"},
-        {"segments are OCTET STRINGs", "2C 06 04 01 41 04 01 42", utf8String, 0, 0, 8, "AB"},
-        {"indefinite", "2C 80 04 01 41 00 00", utf8String, 0, 0, 7, "A"},
-        {"indefinite, nothing but an empty segment", "2C 80 04 00 00 00", utf8String, -5, -5, 2,
-         ""},
-        {"constructed, empty segment", "2C 02 04 00", utf8String, 0, 0, 4, ""},
-        {"context tag", "81 01 41", 0x80000001u, 0, 0, 3, "A"},
-        {"constructed context tag", "A1 03 04 01 41", 0x80000001u, 0, 0, 5, "A"},
-        {"another tag", "13 01 41", utf8String, -3, -3, 0, nullptr},
-        {"segment of its own tag", "2C 80 0C 01 41 00 00", utf8String, -21, -21, 4, nullptr},
-        {"cut off", "0C 03 41 42", utf8String, -2, -2, 2, ""},
-        {"second segment bad", "2C 06 04 01 41 05 01 42", utf8String, -3, -3, 5, "A"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        Reader reader(row.message);
+    forEachRow("character_string.txt", "eight bits", [&](const DataRow& row) {
+        RowReader reader(row);
         rtCtxtSetFlag(reader, ASN1F_NO_COPY); // does not matter here
         char* text = nullptr;
-        EXPECT_EQ(row.status, xd_charstr(reader, &text, ASN1TagExplicit, row.tag, 0));
-        EXPECT_EQ(row.recorded, reader.recorded());
-        EXPECT_EQ(row.position, reader.position());
-        EXPECT_STREQ(row.text, text);
-    }
+        const int status =
+            xd_charstr(reader, &text, ASN1TagExplicit, row.number<ASN1TAG>("tag"), 0);
+        reader.expect(status);
+        EXPECT_EQ(status, reader.recorded());
+        EXPECT_STREQ(row.text("text"), text);
+    });
 }
 
 TEST(CharacterString, DecodesWideCharacters) {
-    struct Row {
-        const char* name;
-        const char* message;
-        int status;
-        std::vector<unsigned> characters;
-    };
-    const Row rows16[] = {
-        {"two", "1E 04 00 41 20 AC", 0, {0x41, 0x20AC}},
-        {"odd octet", "1E 03 00 41 20", 0, {0x41}},
-        {"empty", "1E 00", 0, {}},
-        {"indefinite, split inside a character",
-         "3E 80 04 01 00 04 03 41 20 AC 00 00",
-         0,
-         {0x41, 0x20AC}},
-        {"another tag", "1C 00", -3, {}},
-        {"cut off", "1E 04 00 41", -2, {}},
-        {"indefinite on a primitive form", "1E 80 00 00", -5, {}},
-    };
-    for (const Row& row : rows16) {
-        SCOPED_TRACE(row.name);
-        Reader reader(row.message);
+    forEachRow("character_string.txt", "sixteen bits", [&](const DataRow& row) {
+        RowReader reader(row);
         Asn116BitCharString value{9, nullptr};
-        EXPECT_EQ(row.status, xd_16BitCharStr(reader, &value, ASN1TagExplicit, bmpString, 0));
-        EXPECT_EQ(row.status, reader.recorded());
-        EXPECT_EQ(row.characters, std::vector<unsigned>(value.data, value.data + value.nchars));
-    }
+        const int status = xd_16BitCharStr(reader, &value, ASN1TagExplicit, bmpString, 0);
+        reader.expect(status);
+        EXPECT_EQ(status, reader.recorded());
+        EXPECT_EQ(row.numbers("characters"),
+                  std::vector<unsigned>(value.data, value.data + value.nchars));
+    });
     Reader reader("1C 0B 00 01 F6 00 FF FF FF FF 01 02 03");
     Asn132BitCharString value{9, nullptr};
     EXPECT_EQ(0, xd_32BitCharStr(reader, &value, ASN1TagExplicit, universalString, 0));
@@ -86,48 +43,6 @@ TEST(CharacterString, DecodesWideCharacters) {
     EXPECT_EQ(0x1F600u, value.data[0]);
     EXPECT_EQ(0xFFFFFFFFu, value.data[1]);
     EXPECT_EQ(-5, xd_32BitCharStr(reader, &value, ASN1TagImplicit, universalString, -4));
-}
-
-TEST(CharacterString, StaysInsideAnyInput) {
-    for (const char* message : {"1E 04 00 41 20 AC", "3E 80 04 01 00 04 03 41 20 AC 00 00",
-                                "3E 08 04 02 00 41 04 02 20 AC"}) {
-        forEachMutation(fromHex(message), [](const Octets& octets) {
-            for (const int flags : {0, ASN1F_INDEF_MESSAGE | ASN1F_LENGTH_UNCHECKED}) {
-                SCOPED_TRACE(toHex(octets));
-                Reader reader(octets);
-                rtCtxtSetFlag(reader, flags);
-                char* text = nullptr;
-                const int status = xd_charstr(reader, &text, ASN1TagExplicit, bmpString, 0);
-                EXPECT_LE(reader.position(), octets.size());
-                EXPECT_TRUE(status == 0 ? text != nullptr : status < 0);
-                EXPECT_LE(text != nullptr ? std::strlen(text) : 0, octets.size());
-
-                Reader again(octets);
-                rtCtxtSetFlag(again, flags);
-                Asn116BitCharString value{9, nullptr};
-                EXPECT_LE(xd_16BitCharStr(again, &value, ASN1TagExplicit, bmpString, 0), 0);
-                EXPECT_LE(again.position(), octets.size());
-                EXPECT_LE(value.nchars, octets.size() / 2);
-            }
-        });
-    }
-}
-
-TEST(CharacterString, ReportsMissingMemory) {
-    CountingAllocator allocator;
-    for (const char* message : {"1E 00", "1E 02 00 41"}) {
-        Reader reader(message);
-        CountingAllocator::failAfter(0);
-        char* text = nullptr;
-        EXPECT_EQ(-12, xd_charstr(reader, &text, ASN1TagExplicit, bmpString, 0));
-        EXPECT_EQ(-12, reader.recorded());
-        CountingAllocator::neverFail();
-    }
-    Reader reader("1E 02 00 41");
-    CountingAllocator::failAfter(0);
-    Asn116BitCharString value;
-    EXPECT_EQ(-12, xd_16BitCharStr(reader, &value, ASN1TagExplicit, bmpString, 0));
-    EXPECT_EQ(-12, reader.recorded());
 }
 
 TEST(CharacterString, Encodes) {

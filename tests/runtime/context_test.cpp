@@ -12,6 +12,7 @@
 
 #include "support/coding.h"
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 
 namespace {
 
@@ -23,46 +24,10 @@ unsigned int references(void* heap) {
 }
 
 TEST(Status, EveryCodeHasItsName) {
-    const struct {
-        int status;
-        const char* name;
-    } rows[] = {
-        {3, "ASN1S_SUCCESS"},
-        {0, "ASN1S_SUCCESS"},
-        {-1, "ASN1S_BUFFER_OVERFLOW"},
-        {-2, "ASN1S_END_OF_BUFFER"},
-        {-3, "ASN1S_TAG_NOT_FOUND"},
-        {-4, "ASN1S_INVALID_OBJID"},
-        {-5, "ASN1S_INVALID_LENGTH"},
-        {-6, "ASN1S_INVALID_ENUM"},
-        {-7, "ASN1S_DUPLICATE_SET_MEMBER"},
-        {-8, "ASN1S_MISSING_ELEMENT"},
-        {-9, "ASN1S_UNKNOWN_SET_MEMBER"},
-        {-10, "ASN1S_EXTRA_ELEMENT"},
-        {-11, "ASN1S_INVALID_CHOICE"},
-        {-12, "ASN1S_NO_MEMORY"},
-        {-13, "unknown status"},
-        {-17, "ASN1S_STRING_OVERFLOW"},
-        {-18, "ASN1S_BAD_VALUE"},
-        {-21, "ASN1S_BAD_TAG"},
-        {-22, "unknown status"},
-        {-23, "ASN1S_CONSTRAINT_VIOLATION"},
-        {-24, "ASN1S_RANGE_ERROR"},
-        {-26, "ASN1S_INVALID_UTF8"},
-        {-27, "ASN1S_CONCURRENT_MODIFICATION"},
-        {-28, "ASN1S_ILLEGAL_STATE"},
-        {-29, "ASN1S_OUT_OF_BOUNDS"},
-        {-30, "ASN1S_INVALID_PARAMETER"},
-        {-31, "ASN1S_INVALID_FORMAT"},
-        {-32, "ASN1S_NOT_INITIALISED"},
-        {-33, "ASN1S_VALUE_TOO_BIG"},
-        {-34, "unknown status"},
-        {-99, "ASN1S_NOT_SUPPORTED"},
-        {-100, "unknown status"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_STREQ(rtStatusName(row.status), row.name) << row.status;
-    }
+
+    tests::forEachRow("context.txt", "status names", [&](const tests::DataRow& row) {
+        EXPECT_EQ(rtStatusName(row.number("status")), row["name"]);
+    });
 }
 
 TEST(Status, TheFirstFailureStays) {

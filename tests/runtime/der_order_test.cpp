@@ -71,17 +71,6 @@ void expectSorted(std::vector<Octets> members) {
     ASSERT_TRUE(written(writer) == concatenated(members));
 }
 
-TEST(DerOrder, NamedSets) {
-    expectSorted({{0x31, 0x02}});
-    expectSorted({{0x31, 0x02, 0x00}, {0x31, 0x02}});
-    expectSorted({{0x31, 0x02}, {0x31, 0x02, 0x00}});
-    expectSorted({{0x80}, {0x7F}, {0xFF}, {0x00}});
-    expectSorted({{2, 1, 5}, {2, 1, 5}, {2, 1, 4}, {2, 1, 5}});
-    Writer writer;
-    SetOf empty(writer);
-    EXPECT_EQ(empty.sort(), 0);
-}
-
 TEST(DerOrder, RandomSets) {
     std::mt19937 random(41);
     for (int round = 0; round < 600; ++round) {

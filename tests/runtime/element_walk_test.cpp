@@ -8,6 +8,7 @@
 #include "support/coding.h"
 #include "support/counting_allocator.h"
 #include "support/heap_copy.h"
+#include "support/row_reader.h"
 
 namespace {
 
@@ -15,6 +16,7 @@ using tests::CountingAllocator;
 using tests::HeapCopy;
 using tests::Octets;
 using tests::Reader;
+using tests::RowReader;
 
 constexpr int indefinite = ASN1IndefiniteLength;
 constexpr unsigned short unchecked = ASN1F_LENGTH_UNCHECKED;
@@ -23,49 +25,14 @@ constexpr unsigned short unchecked = ASN1F_LENGTH_UNCHECKED;
 constexpr unsigned short messageKinds[] = {0, ASN1F_INDEF_MESSAGE};
 
 TEST(ElementWalk, MatchFindsTags) {
-    constexpr int seek = ASN1MatchSeek;
-    constexpr int advance = ASN1MatchAdvance;
-    constexpr int skip = ASN1MatchSkipFirst;
-    const struct {
-        const char* name;
-        const char* hex;
-        ASN1TAG tag;
-        int matchFlags;
-        int status;
-        int length;
-        unsigned position;
-    } rows[] = {
-        {"at the position", "02 01 05", 2, 0, 0, 1, 0},
-        {"behind the header", "02 01 05", 2, advance, 0, 1, 2},
-        {"constructed where primitive is asked", "30 00", 0x10, 0, 0, 0, 0},
-        {"primitive where constructed is asked", "10 00", 0x20000010, 0, 0, 0, 0},
-        {"long form", "BF 81 1F 01 00", 0xA000009F, advance, 0, 1, 4},
-        {"another class", "82 01 05", 2, 0, -3, 77, 0},
-        {"no seek", "05 00 02 01 05", 2, advance, -3, 77, 0},
-        {"seek over a sibling", "04 02 02 01 02 01 05", 2, seek, 0, 1, 4},
-        {"seek enters constructed elements", "30 05 04 00 02 01 05", 2, seek | advance, 0, 1, 6},
-        {"seek behind constructed elements", "30 02 04 00 02 01 05", 2, seek, 0, 1, 4},
-        {"seek to the end", "04 00 30 02 04 00", 2, seek, -3, 77, 0},
-        {"seek meets contents beyond the end", "04 05 00", 2, seek, -3, 77, 0},
-        {"seek meets a bad length", "04 00 04 85", 2, seek, -5, 77, 0},
-        {"skip a primitive element", "02 01 05 02 01 06", 2, skip, 0, 1, 3},
-        {"skip no more than a constructed header", "30 02 02 00", 2, skip, 0, 0, 2},
-        {"skip, then no match", "02 01 05 04 00", 2, skip, -3, 77, 3},
-        {"skip, then seek", "02 01 05 04 00 02 00", 2, skip | seek, 0, 0, 5},
-        {"skip contents beyond the end", "02 05 05", 2, skip, -3, 77, 0},
-        {"skip a bad length", "02 85", 2, skip, -5, 77, 0},
-        {"nothing to skip", "", 2, skip, -3, 77, 0},
-        {"nothing", "", 2, seek, -3, 77, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Reader reader(row.hex);
+    tests::forEachRow("element_walk.txt", "matches", [&](const tests::DataRow& row) {
+        RowReader reader(row);
         int length = 77;
-        EXPECT_EQ(xd_match(reader, row.tag, &length, row.matchFlags), row.status);
-        EXPECT_EQ(length, row.length);
-        EXPECT_EQ(reader.position(), row.position);
-        EXPECT_EQ(reader.recorded(), row.status == ASN1S_INVALID_LENGTH ? row.status : 0);
-    }
+        const int status = xd_match(reader, row.number<ASN1TAG>("tag"), &length, row.number("how"));
+        reader.expect(status);
+        EXPECT_EQ(length, row.number("length"));
+        EXPECT_EQ(reader.recorded(), status == ASN1S_INVALID_LENGTH ? status : 0);
+    });
 }
 
 TEST(ElementWalk, ASkipDoesNotFollowTheRecordOfALongerMessage) {
@@ -77,38 +44,16 @@ TEST(ElementWalk, ASkipDoesNotFollowTheRecordOfALongerMessage) {
 }
 
 TEST(ElementWalk, OneOctetMatch) {
-    const struct {
-        const char* name;
-        const char* hex;
-        unsigned char octet;
-        int status;
-        int recorded;
-        int length;
-        unsigned position;
-    } rows[] = {
-        {"plain", "30 03 02 01 05", 0x30, 0, 0, 3, 2},
-        {"form does not count", "10 00", 0x30, 0, 0, 0, 2},
-        {"form of what is asked neither", "30 80", 0x10, 0, 0, indefinite, 2},
-        {"class counts", "90 00", 0x10, -3, -3, 77, 0},
-        {"nothing", "", 0x30, -3, -3, 77, 0},
-        {"no length", "30", 0x30, -2, 0, 77, 1},
-        {"long length", "30 81 02 05 00", 0x30, 0, 0, 2, 3},
-        {"length too long", "30 81 03 05 00", 0x30, -5, -5, 77, 3},
-        {"length cut off", "30 82 00", 0x30, -2, -2, 77, 3},
-        {"indefinite primitive", "04 80", 4, -5, -5, 77, 2},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Reader reader(row.hex);
+    tests::forEachRow("element_walk.txt", "matches of one octet", [&](const tests::DataRow& row) {
+        RowReader reader(row);
         int length = 77;
-        EXPECT_EQ(xd_match1(reader, row.octet, &length), row.status);
-        EXPECT_EQ(reader.recorded(), row.recorded);
-        EXPECT_EQ(length, row.length);
-        EXPECT_EQ(reader.position(), row.position);
-        if (row.status == 0) {
-            EXPECT_EQ(reader->flags, row.hex[0] == '3' ? ASN1F_CONSTRUCTED : 0);
+        const bool found =
+            reader.expect(xd_match1(reader, row.number<unsigned char>("octet"), &length));
+        EXPECT_EQ(length, row.number("length"));
+        if (found) {
+            EXPECT_EQ(reader->flags, row["message"][0] == '3' ? ASN1F_CONSTRUCTED : 0);
         }
-    }
+    });
     Reader reader("04 80");
     EXPECT_EQ(xd_match1(reader, 4, nullptr), 0) << "without a length to report it is not judged";
 }
@@ -133,99 +78,29 @@ TEST(ElementWalk, Tag1AndLenTakesAnyTag) {
 }
 
 TEST(ElementWalk, StepsOverElements) {
-    const struct {
-        const char* name;
-        const char* hex;
-        int (*walk)(ASN1CTXT*);
-        unsigned short flags;
-        int status;
-        unsigned position;
-    } rows[] = {
-        {"primitive", "04 02 30 80 FF", xd_NextElement, 0, 0, 4},
-        {"constructed, whole", "30 02 30 80 FF", xd_NextElement, 0, 0, 4},
-        {"indefinite", "30 80 04 01 AA 30 80 00 00 00 00 FF", xd_NextElement, 0, 0, 11},
-        {"zeros inside contents", "30 80 04 02 00 00 00 00 FF", xd_NextElement, 0, 0, 8},
-        {"short length beyond the end", "04 03 AA AA", xd_NextElement, 0, -2, 2},
-        {"the same, indefinite message", "04 03 AA AA", xd_NextElement, ASN1F_INDEF_MESSAGE, -2, 2},
-        {"long length, unchecked", "04 81 03 AA", xd_NextElement, ASN1F_LENGTH_UNCHECKED, -2, 3},
-        {"negative, unchecked", "04 84 FF FF FF F0", xd_NextElement, ASN1F_LENGTH_UNCHECKED, -2, 6},
-        {"not closed", "30 80 04 00", xd_NextElement, 0, -2, 4},
-        {"nothing", "", xd_NextElement, 0, -2, 0},
-        {"closes the level it is in", "04 01 AA 00 00 FF", xd_MovePastEOC, 0, 0, 5},
-        {"at once", "00 00 00 00", xd_MovePastEOC, 0, 0, 2},
-        {"closes inner levels first", "30 80 A0 80 00 00 00 00 00 00", xd_MovePastEOC, 0, 0, 10},
-        {"empty elements do not close", "30 00 04 00 20 00 00 00", xd_MovePastEOC, 0, 0, 8},
-        {"tag 0 with contents does not close", "00 01 00 00 00", xd_MovePastEOC, 0, 0, 5},
-        {"contents beyond the end", "04 7F 00 00", xd_MovePastEOC, 0, -2, 2},
-        {"negative, unchecked", "04 84 FF FF FF F0", xd_MovePastEOC, ASN1F_LENGTH_UNCHECKED, -2, 6},
-        {"indefinite primitive", "04 80 00 00", xd_MovePastEOC, 0, -5, 2},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Reader reader(row.hex);
-        reader->flags = row.flags;
-        EXPECT_EQ(row.walk(reader), row.status);
-        EXPECT_EQ(reader.position(), row.position);
+    tests::forEachRow("element_walk.txt", "steps", [&](const tests::DataRow& row) {
+        RowReader reader(row);
+        reader.expect(row["walk"] == "next element" ? xd_NextElement(reader)
+                                                    : xd_MovePastEOC(reader));
         EXPECT_EQ(reader.recorded(), 0);
-    }
+    });
 }
 
 TEST(ElementWalk, CountsElements) {
-    const struct {
-        const char* name;
-        const char* hex;
-        int length;
-        int status;
-        int count;
-        unsigned position;
-    } rows[] = {
-        {"none", "FF", 0, 0, 0, 0},
-        {"none, indefinite", "00 00 FF", indefinite, 0, 0, 0},
-        {"three", "02 01 05 30 02 05 00 05 00", 9, 0, 3, 0},
-        {"as far as the length goes", "05 00 05 00 05 00", 4, 0, 2, 0},
-        {"the length ends inside an element", "05 00 02 01 05", 3, 0, 2, 0},
-        {"indefinite among them", "30 80 05 00 00 00 05 00 00 00", indefinite, 0, 2, 0},
-        {"the buffer ends first", "05 00 05 00", 1000, 0, 2, 0},
-        {"the buffer ends first, indefinite", "05 00 05 00 05", indefinite, 0, 2, 0},
-        {"a failing element", "05 00 04 85", 4, -5, 1, 4},
-        {"an element beyond the end", "05 00 04 05 00", 1000, -2, 1, 4},
-        {"negative length", "05 00", -1, 0, 0, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Reader reader(row.hex);
+    tests::forEachRow("element_walk.txt", "counts", [&](const tests::DataRow& row) {
+        RowReader reader(row);
         int count = 77;
-        EXPECT_EQ(xd_count(reader, row.length, &count), row.status);
-        EXPECT_EQ(count, row.count);
-        EXPECT_EQ(reader.position(), row.position);
-    }
+        reader.expect(xd_count(reader, row.number("length"), &count));
+        EXPECT_EQ(count, row.number("count"));
+    });
 }
 
 TEST(ElementWalk, MeasuresIndefiniteMessages) {
-    const struct {
-        const char* name;
-        const char* hex;
-        int result;
-    } rows[] = {
-        {"closed", "30 80 05 00 00 00", 6},
-        {"octets behind", "30 80 05 00 00 00 FF FF", 6},
-        {"nested", "30 80 30 80 00 00 04 02 00 00 00 00", 12},
-        {"empty, too short to look at", "30 80 00 00", 0},
-        {"empty, with an octet behind", "30 80 00 00 FF", 4},
-        {"definite", "30 03 02 01 05", -5},
-        {"definite beyond the end", "30 7F 02 01 05", -5},
-        {"indefinite primitive", "04 80 00 00 00", -5},
-        {"not closed", "30 80 05 00 00", -2},
-        {"inner level not closed", "30 80 30 80 00 00", -2},
-        {"contents beyond the end", "30 80 04 7F 00 00", -2},
-        {"cut off in the first tag", "3F 80 80 80 80", -2},
-        {"bad element", "30 80 1F 82 80 80 80 00", -21},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const HeapCopy message(row.hex);
-        EXPECT_EQ(xd_indeflen_ex(message.data(), message.length()), row.result);
-    }
+
+    tests::forEachRow("element_walk.txt", "indefinite messages", [&](const tests::DataRow& row) {
+        const HeapCopy message(row["message"]);
+        EXPECT_EQ(xd_indeflen_ex(message.data(), message.length()), row.number("result"));
+    });
     EXPECT_EQ(xd_indeflen_ex(nullptr, -1), 0);
 }
 
@@ -239,42 +114,23 @@ TEST(ElementWalk, MeasuringKeepsNoMemory) {
 }
 
 TEST(ElementWalk, MeasuresSegmentedStrings) {
-    const struct {
-        const char* name;
-        const char* hex;
-        ASN1TAG segmentTag;
-        int status;
-        int dataLen;
-        int contentLen;
-    } rows[] = {
-        {"no segments", "00 00", 4, 0, 0, 0},
-        {"two segments", "04 02 AA BB 04 01 CC 00 00 FF", 4, 0, 3, 7},
-        {"an empty segment", "04 00 04 81 01 CC 00 00", 4, 0, 1, 6},
-        {"bit string", "03 02 00 AA 00 00", 3, 0, 2, 4},
-        {"wrong segment tag", "04 02 AA BB 00 00", 3, -21, 77, 77},
-        {"constructed segment", "24 03 04 01 AA 00 00", 4, -21, 77, 77},
-        {"indefinite segment", "24 80 00 00 00 00", 4, -21, 77, 77},
-        {"tag 0 with contents counts as data", "00 01 AA 00 00", 4, 0, 1, 3},
-        {"not closed", "04 01 AA", 4, -2, 77, 77},
-        {"segment beyond the end", "04 05 AA 00 00", 4, -2, 77, 77},
-        {"bad length", "04 85", 4, -5, 77, 77},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Reader reader(std::string("EE ") + row.hex);
+
+    tests::forEachRow("element_walk.txt", "segmented strings", [&](const tests::DataRow& row) {
+        Reader reader(std::string("EE ") + row["message"]);
         reader->buffer.byteIndex = 1;
         reader->flags = ASN1F_CONSTRUCTED;
         int dataLen = 77;
         int contentLen = 77;
-        EXPECT_EQ(xd_consStrIndefLenAndSize(reader, row.segmentTag, &dataLen, &contentLen),
-                  row.status);
-        EXPECT_EQ(dataLen, row.dataLen);
-        EXPECT_EQ(contentLen, row.contentLen);
-        if (row.status == 0) {
+        EXPECT_EQ(xd_consStrIndefLenAndSize(reader, row.number<ASN1TAG>("segmentTag"), &dataLen,
+                                            &contentLen),
+                  row.number("status"));
+        EXPECT_EQ(dataLen, row.number("dataLen"));
+        EXPECT_EQ(contentLen, row.number("contentLen"));
+        if (row.number("status") == 0) {
             EXPECT_EQ(reader.position(), 1U);
             EXPECT_EQ(reader->flags, ASN1F_CONSTRUCTED);
         }
-    }
+    });
 }
 
 TEST(ElementWalk, CopiesWithinTheBuffer) {

@@ -10,11 +10,11 @@
 #include <brevantis/asn1/runtime/single_list.h>
 
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 
 namespace {
 
 using tests::CountingAllocator;
-
 class Heap {
 public:
     Heap() { EXPECT_EQ(rtMemHeapCreate(&heap_, nullptr), 0); }
@@ -43,34 +43,22 @@ private:
 using Sizes = std::vector<unsigned long>;
 
 TEST(Heap, SizeLimits) {
-    const struct {
-        const char* name;
-        int size;
-        bool reachesAllocator;
-    } rows[] = {
-        {"nothing", 0, true},
-        {"the largest size", 0x7FFFFFCF, true},
-        {"the header would leave 31 bits", 0x7FFFFFD0, false},
-        {"the largest number", INT_MAX, false},
-        {"negative, header included", -1, false},
-        {"negative", -49, false},
-        {"the lowest number", INT_MIN, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+
+    tests::forEachRow("heap.txt", "sizes", [&](const tests::DataRow& row) {
         CountingAllocator allocator;
         Heap heap;
         char* block = heap.allocate(8);
         const long before = CountingAllocator::calls();
         CountingAllocator::failAfter(0);
-        EXPECT_EQ(rtMemHeapAlloc(heap.ref(), row.size), nullptr);
-        EXPECT_EQ(rtMemHeapAllocZ(heap.ref(), row.size), nullptr);
-        EXPECT_EQ(CountingAllocator::calls() - before, row.reachesAllocator ? 2 : 0);
-        if (row.size != 0) {
-            EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, row.size), nullptr);
+        EXPECT_EQ(rtMemHeapAlloc(heap.ref(), row.number("size")), nullptr);
+        EXPECT_EQ(rtMemHeapAllocZ(heap.ref(), row.number("size")), nullptr);
+        EXPECT_EQ(CountingAllocator::calls() - before,
+                  row.number<bool>("reachesAllocator") ? 2 : 0);
+        if (row.number("size") != 0) {
+            EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, row.number("size")), nullptr);
         }
         EXPECT_EQ(heap.sizes(), Sizes{8});
-    }
+    });
 }
 
 TEST(Heap, BlocksOfNoOctetsAreDistinct) {

@@ -7,6 +7,7 @@
 
 #include "support/coding.h"
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 #include "support/hex.h"
 
 namespace {
@@ -27,37 +28,16 @@ public:
 };
 
 TEST(MemoryBuffer, GrowsInWholeSegments) {
-    const struct {
-        const char* name;
-        unsigned int used;
-        int count;
-        unsigned int segment;
-        int status;
-        unsigned int size;
-    } rows[] = {
-        {"nothing asked for", 10, 0, 0, 0, 0},
-        {"rounded up", 10, 1, 8, 0, 16},
-        {"a whole segment", 0, 8, 8, 0, 8},
-        {"one more than a segment", 0, 9, 8, 0, 16},
-        {"segments of one octet", 0, 5, 1, 0, 5},
-        {"a segment of no octets", 0, 1, 0, ASN1S_INVALID_PARAMETER, 0},
-        {"a negative count", 0, -1, 8, ASN1S_INVALID_PARAMETER, 0},
-        {"the lowest count", 10, INT_MIN, 8, ASN1S_INVALID_PARAMETER, 0},
-        {"a sum beyond 32 bits", 0xFFFFFFFFu, 1, 8, ASN1S_NO_MEMORY, 0},
-        {"a sum beyond 31 bits", 1, INT_MAX, 8, ASN1S_NO_MEMORY, 0},
-        {"rounding beyond 32 bits", 1, 1, 0xFFFFFFFFu, ASN1S_NO_MEMORY, 0},
-        {"more than the heap gives", 0, 0x7FFFFFD0, 1, ASN1S_NO_MEMORY, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+
+    tests::forEachRow("memory_buffer.txt", "growths", [&](const tests::DataRow& row) {
         Context ctxt;
-        MemoryBuffer buffer(ctxt, row.segment);
-        buffer.usedLength = row.used;
-        EXPECT_EQ(rtMemBufPreAllocate(&buffer, row.count), row.status);
-        EXPECT_EQ(buffer.bufferSize, row.size);
-        EXPECT_EQ(buffer.usedLength, row.used);
-        EXPECT_EQ(buffer.buffer != nullptr, row.size != 0);
-    }
+        MemoryBuffer buffer(ctxt, row.number<unsigned int>("segment"));
+        buffer.usedLength = row.number<unsigned int>("used");
+        EXPECT_EQ(rtMemBufPreAllocate(&buffer, row.number("count")), row.number("status"));
+        EXPECT_EQ(buffer.bufferSize, row.number<unsigned int>("size"));
+        EXPECT_EQ(buffer.usedLength, row.number<unsigned int>("used"));
+        EXPECT_EQ(buffer.buffer != nullptr, row.number<unsigned int>("size") != 0);
+    });
 }
 
 TEST(MemoryBuffer, CollectsOctets) {

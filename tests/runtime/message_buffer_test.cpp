@@ -10,6 +10,7 @@
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 #include "support/hex.h"
 
 namespace {
@@ -109,29 +110,17 @@ TEST(EncodeBuffer, CopiesTheUnusedLastOctetToo) {
 }
 
 TEST(EncodeBuffer, KeepsToABlockOfTheCallers) {
-    const struct {
-        const char* name;
-        int size;
-        int made; ///< status of setBuffer
-        int result;
-    } rows[] = {
-        {"room to spare", 8, 0, 4},
-        {"the message and the unused octet", 5, 0, 4},
-        {"one octet short", 4, 0, ASN1S_BUFFER_OVERFLOW},
-        {"the unused octet alone", 1, 0, ASN1S_BUFFER_OVERFLOW},
-        {"no octet", 0, ASN1S_BUFFER_OVERFLOW, ASN1S_BUFFER_OVERFLOW},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Octets block(static_cast<std::size_t>(row.size) + 1);
+
+    tests::forEachRow("message_buffer.txt", "blocks", [&](const tests::DataRow& row) {
+        Octets block(static_cast<std::size_t>(row.number("size")) + 1);
         block.pop_back();
         ASN1BEREncodeBuffer buffer;
-        EXPECT_EQ(buffer.setBuffer(block.data(), row.size), row.made);
+        EXPECT_EQ(buffer.setBuffer(block.data(), row.number("size")), row.number("made"));
         Repeated object(buffer, 2, 0xAB);
-        EXPECT_EQ(object.Encode(), row.result);
-        EXPECT_EQ(thrownStatus([&] { ASN1BEREncodeBuffer made(block.data(), row.size); }),
-                  row.made);
-    }
+        EXPECT_EQ(object.Encode(), row.number("result"));
+        EXPECT_EQ(thrownStatus([&] { ASN1BEREncodeBuffer made(block.data(), row.number("size")); }),
+                  row.number("made"));
+    });
     unsigned char block[4];
     ASN1BEREncodeBuffer buffer;
     EXPECT_EQ(buffer.setBuffer(block, -1), ASN1S_INVALID_PARAMETER);
@@ -208,31 +197,16 @@ TEST(DecodeBuffer, FindsElements) {
     ASN1BERDecodeBuffer buffer(message.data(), static_cast<int>(message.size()));
     int length = -1;
     EXPECT_EQ(buffer.findElement(2, length, 0), nullptr) << "nothing is bound";
-    const struct {
-        const char* name;
-        unsigned int tag;
-        int first;
-        int offset; ///< of the element, -1 when none is found
-        int length;
-    } rows[] = {
-        {"the first number", 2, 1, 2, 1},
-        {"a nested one", 2, 0, 9, 1},
-        {"the next one outside", 2, 0, 12, 1},
-        {"the one behind the first element", 2, 0, -1, 0},
-        {"again from the beginning", 2, 1, 2, 1},
-        {"the outer element", 16, 1, 0, 13},
-        {"the inner one, with the form bit", 0x20000010u, 0, 5, 5},
-        {"an empty one", 4, 1, 7, 0},
-        {"none of that kind", 5, 1, -1, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const unsigned char* found = buffer.findElement(row.tag, length, row.first);
-        ASSERT_EQ(found != nullptr ? static_cast<int>(found - message.data()) : -1, row.offset);
+
+    tests::forEachRow("message_buffer.txt", "elements", [&](const tests::DataRow& row) {
+        const unsigned char* found =
+            buffer.findElement(row.number<unsigned int>("tag"), length, row.number("first"));
+        ASSERT_EQ(found != nullptr ? static_cast<int>(found - message.data()) : -1,
+                  row.number("offset"));
         if (found != nullptr) {
-            EXPECT_EQ(length, row.length);
+            EXPECT_EQ(length, row.number("length"));
         }
-    }
+    });
     ASN1BERDecodeBuffer empty;
     EXPECT_EQ(empty.findElement(2, length, 1), nullptr);
 }

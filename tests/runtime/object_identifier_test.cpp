@@ -8,6 +8,8 @@
 
 #include <brevantis/asn1/runtime/object_identifier.h>
 
+#include "support/data_file.h"
+
 namespace {
 
 using Arcs = std::vector<unsigned int>;
@@ -31,63 +33,33 @@ Arcs arcsOf(const ASN1OBJID& oid) {
 }
 
 TEST(ObjectIdentifier, textFitsOrEndsAfterAWholeArc) {
-    struct Row {
-        Arcs arcs;
-        std::string text;
-    };
-    const Row rows[] = {
-        {{}, ""},
-        {{0}, "0"},
-        {{4294967295u}, "4294967295"},
-        {{1, 2, 643}, "1.2.643"},
-        {{2, 5, 29, 4294967295u, 10, 9}, "2.5.29.4294967295.10.9"},
-    };
-    for (const Row& row : rows) {
-        const ASN1OBJID oid = makeOid(row.arcs);
-        ASSERT_EQ(rtOidToStrLen(&oid), row.text.size());
-        for (std::size_t size = 0; size <= row.text.size() + 2; ++size) {
+    tests::forEachRow("object_identifier.txt", "written", [&](const tests::DataRow& row) {
+        const std::string& expected = row["text"];
+        const ASN1OBJID oid = makeOid(row.numbers("arcs"));
+        ASSERT_EQ(rtOidToStrLen(&oid), expected.size());
+        for (std::size_t size = 0; size <= expected.size() + 2; ++size) {
             const std::unique_ptr<char[]> text(new char[size]);
-            const bool fits = size > row.text.size();
-            EXPECT_EQ(rtOidToStr(&oid, text.get(), size), fits ? 1 : 0) << row.text << size;
+            const bool fits = size > expected.size();
+            EXPECT_EQ(rtOidToStr(&oid, text.get(), size), fits ? 1 : 0) << size;
             if (size == 0) {
                 continue;
             }
             const std::string written = text.get();
-            EXPECT_EQ(written, row.text.substr(0, written.size()));
-            const char next = row.text.c_str()[written.size()];
+            EXPECT_EQ(written, expected.substr(0, written.size()));
+            const char next = expected.c_str()[written.size()];
             EXPECT_TRUE(fits ? next == '\0' : written.empty() || next == '.') << written;
         }
-    }
+    });
 }
 
 TEST(ObjectIdentifier, readsTextLeniently) {
-    struct Row {
-        std::string text;
-        bool complete;
-        Arcs arcs;
-        const char* reason;
-    };
-    const Row rows[] = {
-        {"1.2.643", true, {1, 2, 643}, "the plain form"},
-        {"", true, {0}, "no digits read as 0"},
-        {"1..2", true, {1, 0, 2}, "nor do they between dots"},
-        {"1.2.", true, {1, 2, 0}, "nor at the end"},
-        {".", true, {0, 0}, "nor anywhere"},
-        {" 1.\t2", true, {1, 2}, "leading blanks"},
-        {"-1.+2", true, {4294967295u, 2}, "signs"},
-        {"4294967296.4294967297", true, {0, 1}, "low 32 bits"},
-        {"99999999999999999999999", true, {4294967295u}, "saturated, then cut"},
-        {"9.99.1", true, {9, 99, 1}, "first arcs unchecked"},
-        {"1.2x.3", false, {1, 2}, "an arc that does not end at the dot"},
-        {"1.2.3x", false, {1, 2, 3}, "a last arc that does not end the text"},
-        {"1 .2", false, {1}, "a blank behind an arc"},
-        {" .2", false, {0}, "blanks alone are not skipped"},
-    };
-    for (const Row& row : rows) {
+    tests::forEachRow("object_identifier.txt", "read", [&](const tests::DataRow& row) {
         ASN1OBJID oid{};
-        EXPECT_EQ(rtStrToOid(row.text.c_str(), &oid), row.complete) << row.reason;
-        EXPECT_EQ(arcsOf(oid), row.arcs) << row.reason;
-    }
+        EXPECT_EQ(rtStrToOid(row["text"].c_str(), &oid), row.number<bool>("complete"));
+        EXPECT_EQ(arcsOf(oid), row.numbers("arcs"));
+    });
+    ASN1OBJID oid{};
+    EXPECT_TRUE(rtStrToOid("1.\t2", &oid)) << "any blank leads";
 }
 
 TEST(ObjectIdentifier, staysWithin128Arcs) {

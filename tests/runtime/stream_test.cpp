@@ -1,12 +1,5 @@
-#include <algorithm>
-#include <cerrno>
-#include <cstdlib>
 #include <new>
 #include <string>
-
-#include <fcntl.h>
-#include <sys/types.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -14,12 +7,12 @@
 
 #include "support/coding.h"
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 
 namespace {
 
 using tests::Context;
 using tests::CountingAllocator;
-
 // Keeps what it is given; fails half-way through the call number `failAt`, and from then on.
 struct Sink : ASN1Stream {
     std::string* taken;
@@ -149,43 +142,30 @@ TEST(Stream, AMissingStreamHasItsStatus) {
     const unsigned char octet = 1;
     int flushes = 0;
     std::string taken;
-    const struct {
-        const char* name;
-        bool attached;
-        bool writes;
-        unsigned int flags;
-        int flush, write, bufFlush, bufFlushEmpty;
-    } rows[] = {
-        {"no stream", false, false, 0, -30, -32, -30, -30},
-        {"neither flag", true, true, 0, -30, -32, -30, -30},
-        {"an output stream", true, true, 0x0002, 0, 0, 0, 0},
-        {"no write operation", true, false, 0x0002, 0, -32, -32, 0},
-        {"the buffered flag alone", true, true, 0x8000, -30, -32, -30, -30},
-        {"both flags", true, true, 0x8002, 0, 0, 0, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+
+    tests::forEachRow("stream.txt", "missing streams", [&](const tests::DataRow& row) {
         Context ctxt;
         ASSERT_EQ(rtInitContextBuffer(ctxt, nullptr, 4), 0);
         ctxt->buffer.data[0] = octet;
-        if (row.attached) {
-            attach(ctxt, Sink{{row.writes ? sinkWrite : nullptr, nullptr, 0, row.flags},
+        if (row.number<bool>("attached")) {
+            attach(ctxt, Sink{{row.number<bool>("writes") ? sinkWrite : nullptr, nullptr, 0,
+                               row.number<unsigned int>("flags")},
                               &taken,
                               &flushes,
                               -1,
                               0});
         }
-        EXPECT_EQ(rtStreamFlush(ctxt), row.flush);
-        EXPECT_EQ(rtStreamWrite(ctxt, &octet, 1), row.write);
-        EXPECT_EQ(rtStreamBufFlush(ctxt), row.bufFlushEmpty);
+        EXPECT_EQ(rtStreamFlush(ctxt), row.number("flush"));
+        EXPECT_EQ(rtStreamWrite(ctxt, &octet, 1), row.number("write"));
+        EXPECT_EQ(rtStreamBufFlush(ctxt), row.number("bufFlushEmpty"));
         ctxt->buffer.byteIndex = 1;
-        EXPECT_EQ(rtStreamBufFlush(ctxt), row.bufFlush);
+        EXPECT_EQ(rtStreamBufFlush(ctxt), row.number("bufFlush"));
         EXPECT_EQ(ctxt->errInfo.status, 0) << "none of these is recorded";
         tests::Octets large(5, octet);
-        EXPECT_EQ(rtStreamBufWrite(ctxt, large.data(), 5), row.write);
-        EXPECT_EQ(ctxt->errInfo.status, row.write);
+        EXPECT_EQ(rtStreamBufWrite(ctxt, large.data(), 5), row.number("write"));
+        EXPECT_EQ(ctxt->errInfo.status, row.number("write"));
         EXPECT_EQ(rtStreamRelease(ctxt), 0);
-    }
+    });
 }
 
 TEST(Stream, RefusesWhatCannotBeWritten) {
@@ -256,78 +236,6 @@ TEST(ForwardWriting, MissingMemoryKeepsWhatIsThere) {
         EXPECT_EQ(tests::toHex(ctxt->buffer.data, 5), "01 02 01 02 03");
     }
     EXPECT_EQ(CountingAllocator::live(), 0);
-}
-
-// The stream that the header shows, over a write call that takes seven octets at most.
-struct FileStream : ASN1Stream {
-    int descriptor;
-    int failure;
-};
-
-int writeAll(ASN1Stream* stream, const unsigned char* data, unsigned int count) {
-    auto& file = static_cast<FileStream&>(*stream);
-    while (file.failure == 0 && count > 0) {
-        const ssize_t written = ::write(file.descriptor, data, count < 7 ? count : 7);
-        if (written > 0) {
-            data += written;
-            count -= static_cast<unsigned int>(written);
-        } else if (written == 0 || errno != EINTR) {
-            file.failure = ASN1S_BUFFER_OVERFLOW;
-        }
-    }
-    return file.failure;
-}
-
-std::string numbers() {
-    std::string text;
-    for (int i = 0; i < 2000; ++i) {
-        text += std::to_string(i) + ' ';
-    }
-    return text;
-}
-
-int send(int descriptor, const std::string& text, std::size_t piece) {
-    Context ctxt;
-    EXPECT_EQ(rtInitContextBuffer(ctxt, nullptr, 100), 0);
-    attach(ctxt, FileStream{{writeAll, nullptr, 0, ASN1StreamOutput}, descriptor, 0});
-    const tests::Octets octets(text.begin(), text.end());
-    int status = 0;
-    for (std::size_t at = 0; status == 0 && at < octets.size(); at += piece) {
-        const std::size_t count = std::min(piece, octets.size() - at);
-        status = rtWriteBytes(ctxt, octets.data() + at, static_cast<unsigned int>(count));
-    }
-    if (status == 0) {
-        status = rtStreamBufFlush(ctxt);
-    }
-    EXPECT_EQ(ctxt->errInfo.status, status);
-    return status;
-}
-
-TEST(FileStream, ShortWritesLoseNothing) {
-    const std::string text = numbers();
-    for (std::size_t piece : {std::size_t{1}, std::size_t{33}, std::size_t{250}, text.size()}) {
-        char path[] = "/tmp/stream_test_XXXXXX";
-        const int descriptor = ::mkstemp(path);
-        ASSERT_GE(descriptor, 0);
-        ::unlink(path);
-        EXPECT_EQ(send(descriptor, text, piece), 0);
-        std::string found(text.size() + 1, '\0');
-        EXPECT_EQ(::pread(descriptor, found.data(), found.size(), 0),
-                  static_cast<ssize_t>(text.size()));
-        found.pop_back();
-        EXPECT_EQ(found, text) << piece;
-        ::close(descriptor);
-    }
-}
-
-TEST(FileStream, AFullDiskIsReported) {
-    const int descriptor = ::open("/dev/full", O_WRONLY);
-    if (descriptor < 0) {
-        GTEST_SKIP() << "no /dev/full here";
-    }
-    EXPECT_EQ(send(descriptor, numbers(), 33), ASN1S_BUFFER_OVERFLOW);
-    EXPECT_EQ(send(descriptor, "short", 33), ASN1S_BUFFER_OVERFLOW) << "seen at the flush";
-    ::close(descriptor);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include "support/coding.h"
 #include "support/counting_allocator.h"
 #include "support/heap_copy.h"
+#include "support/row_reader.h"
 
 namespace {
 
@@ -17,134 +19,52 @@ using tests::CountingAllocator;
 using tests::HeapCopy;
 using tests::Octets;
 using tests::Reader;
+using tests::RowReader;
 using tests::Writer;
-
-constexpr unsigned noBound = 0x7FFFFFFF;
 
 /// Flags of a message of definite and of indefinite length; the bound holds in both.
 constexpr unsigned short messageKinds[] = {0, ASN1F_INDEF_MESSAGE};
 
 TEST(TagLength, ReadsTags) {
-    const struct {
-        const char* name;
-        const char* hex;
-        int status;
-        ASN1TAG tag;
-        unsigned position;
-    } rows[] = {
-        {"universal primitive", "02", 0, 0x00000002, 1},
-        {"universal constructed", "30", 0, 0x20000010, 1},
-        {"context 0 constructed", "A0", 0, 0xA0000000, 1},
-        {"private 30 primitive", "DE", 0, 0xC000001E, 1},
-        {"end-of-contents", "00", 0, 0, 1},
-        {"long form", "7F 81 1F", 0, 0x6000009F, 3},
-        {"long form of a small number", "1F 05", 0, 5, 2},
-        {"leading zeros up to nine octets", "1F 80 80 80 80 80 80 80 80 05", 0, 5, 10},
-        {"nine octets and more to come", "1F 80 80 80 80 80 80 80 80 85 00", ASN1S_BAD_TAG, 0, 10},
-        {"largest number", "DF 81 FF FF FF 7F", 0, 0xDFFFFFFF, 6},
-        {"one too big at the fifth octet", "1F 82 80 80 80 00", ASN1S_BAD_TAG, 0, 6},
-        {"too big before its last octet", "1F 82 80 80 80 80 00", ASN1S_BAD_TAG, 0, 6},
-        {"bit 32 is lost", "1F 90 80 80 80 07", 0, 7, 6},
-        {"nothing", "", ASN1S_END_OF_BUFFER, 0, 0},
-        {"cut off", "1F 82 80", ASN1S_END_OF_BUFFER, 0, 3},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    tests::forEachRow("tag_length.txt", "tags", [&](const tests::DataRow& row) {
         // The form flag follows a tag that was read and stays as it was after a failure.
         for (const unsigned before : {0U, unsigned{ASN1F_CONSTRUCTED}}) {
-            Reader reader(row.hex);
+            RowReader reader(row);
             reader->flags = static_cast<unsigned short>(before);
             ASN1TAG tag = 0x12345678;
-            EXPECT_EQ(xd_tag(reader, &tag), row.status);
-            EXPECT_EQ(tag, row.tag);
-            EXPECT_EQ(reader.position(), row.position);
+            const bool read = reader.expect(xd_tag(reader, &tag));
+            EXPECT_EQ(tag, row.number<ASN1TAG>("tag"));
             EXPECT_EQ(reader.recorded(), 0);
-            const bool constructed = (row.tag & ASN1TagConstructed) != 0;
-            EXPECT_EQ(reader->flags,
-                      row.status != 0 ? before : (constructed ? ASN1F_CONSTRUCTED : 0));
+            const bool constructed = (tag & ASN1TagConstructed) != 0;
+            EXPECT_EQ(reader->flags, !read ? before : (constructed ? ASN1F_CONSTRUCTED : 0));
         }
-    }
+    });
 }
 
 TEST(TagLength, ReadsLengths) {
-    constexpr unsigned short unchecked = ASN1F_LENGTH_UNCHECKED;
-    constexpr unsigned short indefinite = ASN1F_INDEF_MESSAGE;
-    const struct {
-        const char* name;
-        const char* hex;
-        unsigned short flags;
-        int status;
-        int length;
-        unsigned position;
-    } rows[] = {
-        {"zero", "00", 0, 0, 0, 1},
-        {"short form, not compared", "7F", 0, 0, 127, 1},
-        {"indefinite", "80", 0, 0, ASN1IndefiniteLength, 1},
-        {"long form that fits", "81 02 AA AA", 0, 0, 2, 2},
-        {"long form one octet too long", "81 03 AA AA", 0, ASN1S_INVALID_LENGTH, 3, 2},
-        {"not minimal", "82 00 01 AA", 0, 0, 1, 3},
-        {"four octets, not minimal", "84 00 00 00 01 AA", 0, 0, 1, 5},
-        {"five octets", "85 00 00 00 00 01 AA", 0, ASN1S_INVALID_LENGTH, 0, 1},
-        {"reserved first octet", "FF", 0, ASN1S_INVALID_LENGTH, 0, 1},
-        {"negative", "84 FF FF FF FF", 0, ASN1S_INVALID_LENGTH, -1, 5},
-        {"negative, unchecked", "84 FF FF FF FF", unchecked, 0, -1, 5},
-        {"beyond the buffer, unchecked", "84 7F FF FF FF", unchecked, 0, 0x7FFFFFFF, 5},
-        {"beyond, in an indefinite message", "82 01 00", indefinite, ASN1S_INVALID_LENGTH, 256, 3},
-        {"the number of the indefinite form", "84 FF FF D8 F1", 0, 0, ASN1IndefiniteLength, 5},
-        {"nothing", "", 0, ASN1S_END_OF_BUFFER, 0, 0},
-        {"cut off", "82 00", 0, ASN1S_END_OF_BUFFER, 0, 2},
-        {"cut off in an indefinite message", "83 00 00", indefinite, ASN1S_END_OF_BUFFER, 0, 3},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Reader reader(row.hex);
-        reader->flags = row.flags;
+    tests::forEachRow("tag_length.txt", "lengths", [&](const tests::DataRow& row) {
+        RowReader reader(row);
         int length = 77;
-        EXPECT_EQ(xd_len(reader, &length), row.status);
-        EXPECT_EQ(length, row.length);
-        EXPECT_EQ(reader.position(), row.position);
-        EXPECT_EQ(reader.recorded(), row.status);
-    }
+        reader.expect(xd_len(reader, &length));
+        EXPECT_EQ(length, row.number("length"));
+        EXPECT_EQ(reader.recorded(), row.number("status"));
+    });
 }
 
 TEST(TagLength, HeaderReturnsToItsStartUnlessAdvanced) {
-    const struct {
-        const char* name;
-        const char* hex;
-        unsigned short flags;
-        int status;
-        int recorded;
-        unsigned advanced; ///< position with ASN1MatchAdvance
-        unsigned returned; ///< position without
-    } rows[] = {
-        {"short", "02 01 05", 0, 0, 0, 2, 0},
-        {"short, contents beyond the buffer", "02 05", 0, 0, 0, 2, 0},
-        {"long tag and length", "BF 1F 81 01 00", 0, 0, 0, 4, 0},
-        {"indefinite constructed", "24 80", 0, 0, 0, 2, 0},
-        {"indefinite primitive", "04 80", 0, ASN1S_INVALID_LENGTH, 0, 2, 2},
-        {"number too big", "1F 82 80 80 80 00", 0, ASN1S_BAD_TAG, 0, 6, 0},
-        {"malformed length", "24 85", 0, ASN1S_INVALID_LENGTH, ASN1S_INVALID_LENGTH, 2, 0},
-        {"no length", "24", 0, ASN1S_END_OF_BUFFER, 0, 1, 0},
-        {"no length, indefinite message", "24", ASN1F_INDEF_MESSAGE, ASN1S_END_OF_BUFFER, 0, 1, 0},
-        {"closed message", "02 01 05", ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC, ASN1S_END_OF_BUFFER, 0,
-         0, 0},
-        {"the closing flag alone", "02 01 05", ASN1F_LAST_EOC, 0, 0, 2, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    tests::forEachRow("tag_length.txt", "headers", [&](const tests::DataRow& row) {
         for (const int matchFlags : {0, int{ASN1MatchAdvance}}) {
-            Reader reader(row.hex);
-            reader->flags = row.flags;
+            RowReader reader(row);
             ASN1TAG tag = 0;
             int length = 0;
-            EXPECT_EQ(xd_tag_len(reader, &tag, &length, matchFlags), row.status);
-            EXPECT_EQ(reader.recorded(), row.recorded);
-            EXPECT_EQ(reader.position(), matchFlags == 0 ? row.returned : row.advanced);
-            if (matchFlags == 0 && row.returned == 0) {
-                EXPECT_EQ(reader->flags, row.flags);
+            reader.expect(xd_tag_len(reader, &tag, &length, matchFlags));
+            const auto position = row.number<unsigned>(matchFlags != 0 ? "advanced" : "returned");
+            EXPECT_EQ(reader.position(), position);
+            if (matchFlags == 0 && position == 0) {
+                EXPECT_EQ(reader->flags, row.number<unsigned short>("flags"));
             }
         }
-    }
+    });
 }
 
 TEST(TagLength, EndOfBufferSavesThePositionInIndefiniteMessagesOnly) {
@@ -179,51 +99,19 @@ TEST(TagLength, EveryTruncationOfAHeaderEndsTheBuffer) {
 }
 
 TEST(TagLength, BindsAMessageToItsFirstElement) {
-    constexpr unsigned short unchecked = ASN1F_LENGTH_UNCHECKED;
-    constexpr unsigned short indefinite = ASN1F_INDEF_MESSAGE;
-    const struct {
-        const char* name;
-        const char* hex;
-        int msgLen;
-        unsigned short before;
-        int status;
-        int length;
-        unsigned size;
-        unsigned position;
-        unsigned short after;
-    } rows[] = {
-        {"whole", "30 03 02 01 05", 5, 0, 0, 5, 5, 0, ASN1F_CONSTRUCTED},
-        {"octets behind are cut", "04 01 AA FF FF", 5, 0, 0, 3, 3, 0, 0},
-        {"old flags go", "04 00", 2, indefinite | ASN1F_LAST_EOC, 0, 2, 2, 0, 0},
-        {"unknown size", "04 01 AA FF FF", 0, 0, 0, 3, 3, 0, 0},
-        {"unknown size, the longest", "04 84 7F FF FF F9", -1, 0, 0, 0x7FFFFFFF, noBound, 0, 0},
-        {"unknown size, too long", "04 84 7F FF FF FA", 0, 0, ASN1S_INVALID_LENGTH, 77, noBound, 0,
-         0},
-        {"indefinite", "30 80 02 01 05 00 00", 7, 0, 0, ASN1IndefiniteLength, 7, 0,
-         indefinite | ASN1F_CONSTRUCTED},
-        {"indefinite, unknown size", "30 80 00 00", 0, 0, 0, ASN1IndefiniteLength, noBound, 0,
-         indefinite | ASN1F_CONSTRUCTED},
-        {"indefinite primitive", "04 80", 2, 0, ASN1S_INVALID_LENGTH, 77, 2, 0, 0},
-        {"short form too long", "04 03 AA", 3, 0, ASN1S_INVALID_LENGTH, 5, 3, 0, 0},
-        {"long form too long", "04 81 03 AA", 4, 0, ASN1S_INVALID_LENGTH, 77, 4, 0, 0},
-        {"too long, unchecked", "04 81 03 AA", 4, unchecked, 0, 6, 4, 0, unchecked},
-        {"negative, unchecked", "04 84 FF FF FF 00", 6, unchecked, 0, -250, 6, 0, unchecked},
-        {"cut off", "04", 1, 0, ASN1S_END_OF_BUFFER, 77, 1, 1, 0},
-        {"number too big", "1F 82 80 80 80 00 00", 7, 0, ASN1S_BAD_TAG, 77, 7, 6, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const HeapCopy message(row.hex);
+    tests::forEachRow("tag_length.txt", "bound messages", [&](const tests::DataRow& row) {
+        const HeapCopy message(row["message"]);
         Context context;
-        context->flags = row.before;
+        context->flags = row.number<unsigned short>("before");
+        const int size = row.number("size stated");
         int length = 77;
-        EXPECT_EQ(xd_setp(context, message.data(), row.msgLen, nullptr, &length), row.status);
-        EXPECT_EQ(length, row.length);
-        EXPECT_EQ(context->buffer.size, row.size);
-        EXPECT_EQ(context->buffer.byteIndex, row.position);
-        EXPECT_EQ(context->flags, row.after);
-        EXPECT_EQ(xd_setp(context, message.data(), row.msgLen, nullptr, nullptr), row.status);
-    }
+        EXPECT_EQ(xd_setp(context, message.data(), size, nullptr, &length), row.number("status"));
+        EXPECT_EQ(length, row.number("length"));
+        EXPECT_EQ(context->buffer.size, row.number<unsigned>("size"));
+        EXPECT_EQ(context->buffer.byteIndex, row.number<unsigned>("position"));
+        EXPECT_EQ(context->flags, row.number<unsigned short>("after"));
+        EXPECT_EQ(xd_setp(context, message.data(), size, nullptr, nullptr), row.number("status"));
+    });
 }
 
 TEST(TagLength, BindingWithoutAMessageReadsNothing) {
@@ -239,32 +127,13 @@ TEST(TagLength, BindingWithoutAMessageReadsNothing) {
 }
 
 TEST(TagLength, WritesHeaders) {
-    const struct {
-        ASN1TAG tag;
-        int length;
-        int result;
-        const char* hex;
-    } rows[] = {
-        {0x02, 0, 2, "02 00"},
-        {0xA0000000, 127, 129, "A0 7F"},
-        {0x20000010, 128, 131, "30 81 80"},
-        {0x20000010, 255, 258, "30 81 FF"},
-        {0x20000010, 256, 260, "30 82 01 00"},
-        {0x1E, 0x10000, 0x10005, "1E 83 01 00 00"},
-        {0x1F, 0, 3, "1F 1F 00"},
-        {0x9F, 0, 4, "1F 81 1F 00"},
-        {0xDFFFFFFF, 0x7FFFFF00, 0x7FFFFF0B, "DF 81 FF FF FF 7F 84 7F FF FF 00"},
-        {0x20000010, ASN1IndefiniteLength, 2, "30 80"},
-        {0x02, ASN1S_INVALID_LENGTH, ASN1S_INVALID_LENGTH, ""},
-        {0x02, 0x7FFFFFF9, 0x7FFFFFFF, "02 84 7F FF FF F9"},
-        {0x02, 0x7FFFFFFA, ASN1S_BUFFER_OVERFLOW, "02 84 7F FF FF FA"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.hex);
+
+    tests::forEachRow("tag_length.txt", "written headers", [&](const tests::DataRow& row) {
         Writer writer;
-        EXPECT_EQ(xe_tag_len(writer, row.tag, row.length), row.result);
-        EXPECT_EQ(writer.hex(), row.hex);
-    }
+        EXPECT_EQ(xe_tag_len(writer, row.number<ASN1TAG>("tag"), row.number("length")),
+                  row.number("result"));
+        EXPECT_EQ(writer.hex(), row["octets"]);
+    });
 }
 
 TEST(TagLength, WritesNumbersAndLengthsAlone) {
@@ -303,20 +172,16 @@ TEST(TagLength, HeadersReadBack) {
 
 TEST(TagLength, AFixedBufferKeepsItsLastOctetFree) {
     // Room for every number of octets of a long and of a short header, and for none at all.
-    const struct {
-        ASN1TAG tag;
-        int length;
-        unsigned headerSize;
-    } rows[] = {{0x9F, 256, 6}, {0x04, 5, 2}};
-    for (const auto& row : rows) {
-        for (unsigned size = 0; size <= row.headerSize + 1; ++size) {
+    for (const auto& [tag, length, headerSize] :
+         {std::tuple(0x9Fu, 256, 6u), std::tuple(0x04u, 5, 2u)}) {
+        for (unsigned size = 0; size <= headerSize + 1; ++size) {
             SCOPED_TRACE(size);
             const HeapCopy block(Octets(size, 0xEE));
             Context context;
             EXPECT_EQ(xe_setp(context, block.data(), size), size == 0 ? ASN1S_BUFFER_OVERFLOW : 0);
-            const int whole = row.length + static_cast<int>(row.headerSize);
-            EXPECT_EQ(xe_tag_len(context, row.tag, row.length),
-                      size > row.headerSize ? whole : ASN1S_BUFFER_OVERFLOW);
+            EXPECT_EQ(xe_tag_len(context, tag, length), size > headerSize
+                                                            ? length + static_cast<int>(headerSize)
+                                                            : ASN1S_BUFFER_OVERFLOW);
             EXPECT_EQ(context->buffer.byteIndex, 0U);
             EXPECT_EQ(context->errInfo.status, 0);
             EXPECT_EQ(xe_memcpy(context, "x", 1), ASN1S_BUFFER_OVERFLOW);

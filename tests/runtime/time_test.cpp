@@ -1,5 +1,6 @@
 #include <brevantis/asn1/runtime/time.h>
 
+#include <array>
 #include <climits>
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <brevantis/asn1/runtime/utc_time.h>
 
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 #include "support/time_class_checks.h"
 
 namespace {
@@ -48,11 +50,10 @@ TEST(Time, ConstructorsReportThatMemoryIsOut) {
 }
 
 TEST(Time, GettersRecordAMalformedText) {
-    int (ASN1CTime::*const getters[])() = {&ASN1CTime::getYear,       &ASN1CTime::getMonth,
-                                           &ASN1CTime::getDay,        &ASN1CTime::getHour,
-                                           &ASN1CTime::getMinute,     &ASN1CTime::getSecond,
-                                           &ASN1CTime::getFraction,   &ASN1CTime::getDiffHour,
-                                           &ASN1CTime::getDiffMinute, &ASN1CTime::getDiff};
+    std::vector<int (ASN1CTime::*)()> getters = {&ASN1CTime::getDiffMinute};
+    for (const auto& field : tests::timeFields) {
+        getters.push_back(field.get);
+    }
     for (const auto getter : getters) {
         std::string octets = "20201301120000Z";
         const char* text = octets.c_str();
@@ -70,40 +71,25 @@ TEST(Time, GettersRecordAMalformedText) {
 }
 
 TEST(Time, SettersCheckTheirRange) {
-    struct {
-        int (ASN1CTime::*set)(int);
-        int (ASN1CTime::*get)();
-        std::vector<int> good;
-        std::vector<int> bad;
-    } const fields[] = {
-        {&ASN1CTime::setYear,
-         &ASN1CTime::getYear,
-         {0, 9996, 32764, 2020},
-         {-1, 2019, 1900, 65536, INT_MAX}},
-        {&ASN1CTime::setMonth, &ASN1CTime::getMonth, {1, 12, 2}, {0, 13, -3, INT_MAX}},
-        {&ASN1CTime::setDay, &ASN1CTime::getDay, {1, 29}, {0, 30, 31, 32, INT_MIN}},
-        {&ASN1CTime::setHour, &ASN1CTime::getHour, {0, 23}, {-1, 24}},
-        {&ASN1CTime::setMinute, &ASN1CTime::getMinute, {0, 59}, {-1, 60}},
-        {&ASN1CTime::setSecond, &ASN1CTime::getSecond, {0, 59}, {-1, 60}},
-        {&ASN1CTime::setFraction, &ASN1CTime::getFraction, {0, 9, -1, INT_MAX}, {}},
-        {&ASN1CTime::setDiffHour, &ASN1CTime::getDiffHour, {-12, 12}, {-13, 13}},
-        {&ASN1CTime::setDiff, &ASN1CTime::getDiff, {-720, 720, -90, 59, 0}, {-721, 721, INT_MIN}},
-    };
     const char* text = "2020022912";
     ASN1CGeneralizedTime time(text);
-    for (const auto& field : fields) {
-        const int before = (time.*field.get)();
-        for (const int bad : field.bad) {
+    tests::forEachRow("time.txt", "ranges", [&](const tests::DataRow& row) {
+        const auto* field = std::begin(tests::timeFields);
+        while (field->name != row["field"]) {
+            ++field;
+        }
+        const int before = (time.*field->get)();
+        for (const unsigned bad : row.numbers("refused")) {
             rtErrReset(&time.getCtxtPtr()->errInfo);
-            EXPECT_EQ(ASN1S_INVALID_FORMAT, (time.*field.set)(bad)) << bad;
+            EXPECT_EQ(ASN1S_INVALID_FORMAT, (time.*field->set)(static_cast<int>(bad)));
             EXPECT_EQ(ASN1S_INVALID_FORMAT, time.getCtxtPtr()->errInfo.status);
-            EXPECT_EQ(before, (time.*field.get)());
+            EXPECT_EQ(before, (time.*field->get)());
         }
-        for (const int good : field.good) {
-            EXPECT_EQ(0, (time.*field.set)(good)) << good;
-            EXPECT_EQ(good, (time.*field.get)());
+        for (const unsigned good : row.numbers("taken")) {
+            EXPECT_EQ(0, (time.*field->set)(static_cast<int>(good)));
+            EXPECT_EQ(static_cast<int>(good), (time.*field->get)());
         }
-    }
+    });
 }
 
 TEST(Time, OffsetTakesTheSignOfItsHours) {
@@ -111,12 +97,11 @@ TEST(Time, OffsetTakesTheSignOfItsHours) {
     ASN1CGeneralizedTime time(text);
     EXPECT_EQ(0, time.setDiff(5, 6));
     EXPECT_STREQ("2020022912+0506", text);
-    struct {
-        int hours, minutes, offset;
-    } const rows[] = {{0, -30, 30}, {1, -30, 90}, {-1, 30, -90}, {-12, -59, -779}, {12, 59, 779}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(0, time.setDiff(row.hours, row.minutes));
-        EXPECT_EQ(row.offset, time.getDiff());
+
+    for (const auto& [hours, minutes, offset] :
+         {std::array{0, -30, 30}, {1, -30, 90}, {-1, 30, -90}, {-12, -59, -779}, {12, 59, 779}}) {
+        EXPECT_EQ(0, time.setDiff(hours, minutes));
+        EXPECT_EQ(offset, time.getDiff());
     }
     EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setDiff(13, 0));
     EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setDiff(-13, 0));
@@ -128,18 +113,14 @@ TEST(Time, OffsetTakesTheSignOfItsHours) {
 }
 
 TEST(Time, SettersParseFirst) {
-    int (ASN1CTime::*const setters[])(int) = {
-        &ASN1CTime::setMonth,  &ASN1CTime::setDay,      &ASN1CTime::setHour,
-        &ASN1CTime::setMinute, &ASN1CTime::setSecond,   &ASN1CTime::setFraction,
-        &ASN1CTime::setDiff,   &ASN1CTime::setDiffHour, &ASN1CTime::setYear};
-    for (const auto setter : setters) {
+    for (const auto& field : tests::timeFields) {
         const char* text = "20200203040506.7-0809";
         ASN1CGeneralizedTime time(text);
-        EXPECT_EQ(0, (time.*setter)(11));
+        EXPECT_EQ(0, (time.*field.set)(11));
         const char* original = "20200203040506.7-0809";
         ASN1CGeneralizedTime parsed(original);
         parsed.getYear();
-        (parsed.*setter)(11);
+        (parsed.*field.set)(11);
         EXPECT_EQ(describe(parsed), describe(time));
         EXPECT_STREQ(original, text);
     }
@@ -274,39 +255,23 @@ TEST(Time, CopiesHaveTheirOwnText) {
 }
 
 TEST(Time, Compares) {
-    struct {
-        const char* left;
-        const char* right;
-        int difference;
-    } const rows[] = {
-        {"20200101000000Z", "20200101000000Z", 0},
-        {"20200101000000.5Z", "20200101000000Z", 500},
-        {"20200101000001Z", "20200101000000Z", 1000},
-        {"20200301000000Z", "20200228000000Z", 2},
-        {"19000301000000Z", "19000228000000Z", 1},
-        {"00010101000000Z", "00001231235959Z", 1},
-        {"20200101120000+0100", "20200101110000Z", 0},
-        {"20200101120000-0130", "20200101110000Z", 9000000},
-        // One moment, on two dates.
-        {"20200101000000+0100", "20191231230000Z", 1},
-        {"99991231000000Z", "00010101000000Z", 3652058},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.left) + " " + row.right);
-        const char* leftText = row.left;
-        const char* rightText = row.right;
+
+    tests::forEachRow("time.txt", "compared", [&](const tests::DataRow& row) {
+        const int difference = row.number("difference");
+        const char* leftText = row.text("left");
+        const char* rightText = row.text("right");
         ASN1CGeneralizedTime left(leftText);
         ASN1CGeneralizedTime right(rightText);
-        EXPECT_EQ(row.difference, left.equals(right));
-        EXPECT_EQ(-row.difference, right.equals(left));
-        EXPECT_EQ(row.difference == 0, left == right);
-        EXPECT_EQ(row.difference != 0, left != right);
-        EXPECT_EQ(row.difference > 0, left > right);
-        EXPECT_EQ(row.difference > 0, right < left);
-        EXPECT_EQ(row.difference >= 0, left >= right);
-        EXPECT_EQ(row.difference >= 0, right <= left);
-        EXPECT_EQ(row.difference <= 0, right >= left);
-    }
+        EXPECT_EQ(difference, left.equals(right));
+        EXPECT_EQ(-difference, right.equals(left));
+        EXPECT_EQ(difference == 0, left == right);
+        EXPECT_EQ(difference != 0, left != right);
+        EXPECT_EQ(difference > 0, left > right);
+        EXPECT_EQ(difference > 0, right < left);
+        EXPECT_EQ(difference >= 0, left >= right);
+        EXPECT_EQ(difference >= 0, right <= left);
+        EXPECT_EQ(difference <= 0, right >= left);
+    });
     const char* utcText = "200101000000Z";
     const char* generalizedText = "2020010100";
     ASN1CUTCTime utc(utcText);
@@ -353,35 +318,19 @@ TEST(Time, DatesWithUnsetFieldsPass) {
 }
 
 TEST(Time, MovesByMilliseconds) {
-    struct {
-        int milliseconds;
-        const char* from;
-        const char* to; ///< empty: refused
-    } const rows[] = {
-        {0, "2020-02-29 23:59:59.9", "2020-02-29 23:59:59.9"},
-        {100, "2020-02-29 23:59:59.9", "2020-03-01 0:0:0.0"},
-        {199, "2020-02-29 23:59:59.9", "2020-03-01 0:0:0.0"},
-        {-100, "2020-03-01 0:0:0.0", "2020-02-29 23:59:59.9"},
-        {-1, "2020-03-01 0:0:0.0", "2020-02-29 23:59:59.9"},
-        {-86400000, "2021-01-01 12:30:15.5", "2020-12-31 12:30:15.5"},
-        {INT_MAX, "2020-01-01 0:0:0.0", "2020-01-25 20:31:23.6"},
-        {INT_MIN, "2020-01-01 0:0:0.0", "2019-12-07 3:28:36.3"},
-        {1000, "32767-12-31 23:59:59.0", ""},
-        {86400000, "2020-13-01 0:0:0.0", ""},
-        {-86400000, "2020-00-01 0:0:0.0", ""},
-    };
-    for (const auto& row : rows) {
+
+    tests::forEachRow("time.txt", "moved", [&](const tests::DataRow& row) {
         short year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
         int tenths = 0;
-        ASSERT_EQ(7, std::sscanf(row.from, "%hd-%hd-%hd %hd:%hd:%hd.%d", &year, &month, &day, &hour,
-                                 &minute, &second, &tenths));
-        const int status = ASN1CTime::addMilliseconds(row.milliseconds, year, month, day, hour,
-                                                      minute, second, tenths);
-        EXPECT_EQ(row.to[0] != '\0' ? 0 : ASN1S_INVALID_FORMAT, status);
-        EXPECT_EQ(status == 0 ? row.to : row.from,
+        ASSERT_EQ(7, std::sscanf(row.text("from"), "%hd-%hd-%hd %hd:%hd:%hd.%d", &year, &month,
+                                 &day, &hour, &minute, &second, &tenths));
+        const int status = ASN1CTime::addMilliseconds(row.number("milliseconds"), year, month, day,
+                                                      hour, minute, second, tenths);
+        EXPECT_EQ(!row["to"].empty() ? 0 : ASN1S_INVALID_FORMAT, status);
+        EXPECT_EQ(status == 0 ? row["to"] : row["from"],
                   tests::format("%d-%02d-%02d %d:%d:%d.%d", year, month, day, hour, minute, second,
                                 tenths));
-    }
+    });
     short year = 2020, month = 1, day = 1;
     EXPECT_EQ(ASN1S_INVALID_FORMAT, ASN1CTime::addDays(INT_MAX, year, month, day));
     EXPECT_EQ(ASN1S_INVALID_FORMAT, ASN1CTime::addDays(INT_MIN, year, month, day));
@@ -390,28 +339,11 @@ TEST(Time, MovesByMilliseconds) {
 }
 
 TEST(Time, ReadsFieldsAsLocalStandardTime) {
-    struct {
-        const char* zone;
-        const char* text;
-        long seconds;
-    } const rows[] = {
-        {"UTC0", "20200701120000Z", 1593604800},
-        {"UTC0", "20200701120000.9Z", 1593604800},
-        // An offset is added, where the moment would have it taken away.
-        {"UTC0", "20200701120000+0130", 1593604800 + 5400},
-        {"UTC0", "20200701120000-0130", 1593604800 - 5400},
-        {"CET-1CEST,M3.5.0,M10.5.0/3", "20200101120000Z", 1577880000 - 3600},
-        {"CET-1CEST,M3.5.0,M10.5.0/3", "20200701120000Z", 1593604800 - 3600},
-        {"CET-1CEST,M3.5.0,M10.5.0/3", "20200701120000+0200", 1593604800 - 3600 + 7200},
-        {"EST5EDT,M3.2.0,M11.1.0", "20200701120000", 1593604800 + 18000},
-        {"IST-5:30", "20200701120000Z", 1593604800 - 19800},
-        {"UTC0", "19691231235959Z", -1},
-    };
-    for (const auto& row : rows) {
-        const tests::TimeZone zone(row.zone);
-        const char* text = row.text;
-        EXPECT_EQ(row.seconds, ASN1CGeneralizedTime(text).getTime()) << row.zone << row.text;
-    }
+    tests::forEachRow("time.txt", "local times", [&](const tests::DataRow& row) {
+        const tests::TimeZone zone(row.text("zone"));
+        const char* text = row.text("text");
+        EXPECT_EQ(row.number<long>("seconds"), ASN1CGeneralizedTime(text).getTime());
+    });
 }
 
 } // namespace

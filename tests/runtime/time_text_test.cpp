@@ -6,6 +6,7 @@
 
 #include "support/coding.h"
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 #include "support/time_texts.h"
 
 namespace {
@@ -25,124 +26,55 @@ std::string describe(const ASN1TimeFields& fields) {
     return text + (fields.utc == 1 ? " Z" : "");
 }
 
-struct ParseRow {
-    Parser parse;
-    const char* text;
-    const char* fields; ///< empty: refused with -31
-};
-
-const ParseRow parseRows[] = {
-    {rtParseUTCTime, "491231235959Z", "2049-12-31 23:59:59 Z"},
-    {rtParseUTCTime, "500101000000Z", "1950-01-01 00:00:00 Z"},
-    {rtParseUTCTime, "2002291200Z", "2020-02-29 12:00:00 Z"},
-    {rtParseUTCTime, "1902291200Z", ""},
-    {rtParseUTCTime, "0002291200Z", "2000-02-29 12:00:00 Z"},
-    {rtParseUTCTime, "2001011200+0130", "2020-01-01 12:00:00 1:30"},
-    {rtParseUTCTime, "200101120000-1259", "2020-01-01 12:00:00 -12:-59"},
-    {rtParseUTCTime, "200101120000-0030junk", "2020-01-01 12:00:00 0:-30"},
-    {rtParseUTCTime, "20 1+1120000Z", "2020-01-01 12:00:00 Z"},
-    {rtParseUTCTime, "200101120000+1300", ""},
-    {rtParseUTCTime, "200101120000+0160", ""},
-    {rtParseUTCTime, "200101120000+01", ""},
-    {rtParseUTCTime, "200101120000", ""},
-    {rtParseUTCTime, "20010112000", ""},
-    {rtParseUTCTime, "2001011200ZZ", ""},
-    {rtParseUTCTime, "20010112Z", ""},
-    {rtParseUTCTime, "200101120000.5Z", ""},
-    {rtParseUTCTime, "200101240000Z", ""},
-    {rtParseUTCTime, "200101126000Z", ""},
-    {rtParseUTCTime, "200101120060Z", ""},
-    {rtParseUTCTime, "200001120000Z", ""},
-    {rtParseUTCTime, "201301120000Z", ""},
-    {rtParseUTCTime, "200432120000Z", ""},
-    {rtParseUTCTime, "-10101120000Z", ""},
-    {rtParseGeneralizedTime, "2020010112", "2020-01-01 12:00:00"},
-    {rtParseGeneralizedTime, "202001011230Z", "2020-01-01 12:30:00 Z"},
-    {rtParseGeneralizedTime, "2020010112,5Z", ""},
-    {rtParseGeneralizedTime, "202001011230.5Z", ""},
-    {rtParseGeneralizedTime, "20200101120000.500Z", "2020-01-01 12:00:00 f500 Z"},
-    {rtParseGeneralizedTime, "20200101120000,050Z", "2020-01-01 12:00:00 f50 Z"},
-    {rtParseGeneralizedTime, "20200101120000.000Z", "2020-01-01 12:00:00 Z"},
-    {rtParseGeneralizedTime, "20200101120000.Z", ""},
-    {rtParseGeneralizedTime, "20200101120000.12345678901234567890Z",
-     "2020-01-01 12:00:00 f12345678901234567890 Z"},
-    {rtParseGeneralizedTime, "20200101120000.00123456789012345678901Z",
-     "2020-01-01 12:00:00 f12345678901234567890"},
-    {rtParseGeneralizedTime, "20200101120000#", "2020-01-01 12:00:00"},
-    {rtParseGeneralizedTime, "20200101120000-01", "2020-01-01 12:00:00 -1:0"},
-    {rtParseGeneralizedTime, "20200101120000.5-0130", "2020-01-01 12:00:00 f5 -1:-30"},
-    {rtParseGeneralizedTime, "2020010112+", ""},
-    {rtParseGeneralizedTime, "2020010112+13", ""},
-    {rtParseGeneralizedTime, "2020010112+0060", ""},
-    {rtParseGeneralizedTime, "2020010112Z ", ""},
-    {rtParseGeneralizedTime, "20200101", ""},
-    {rtParseGeneralizedTime, "2020010124", ""},
-    {rtParseGeneralizedTime, "19000229120000Z", ""},
-    {rtParseGeneralizedTime, "20000229120000Z", "2000-02-29 12:00:00 Z"},
-    {rtParseGeneralizedTime, "00000229120000Z", "0-02-29 12:00:00 Z"},
-    {rtParseGeneralizedTime, "-0010101120000Z", ""},
-};
-
 TEST(TimeText, Parses) {
-    for (const ParseRow& row : parseRows) {
-        SCOPED_TRACE(row.text);
+    tests::forEachRow("time_text.txt", "parsed", [&](const tests::DataRow& row) {
+        const Parser parse = row["kind"] == "utc" ? rtParseUTCTime : rtParseGeneralizedTime;
         tests::Context ctxt;
-        const tests::HeapText text(row.text);
+        const tests::HeapText text(row["text"]);
         ASN1TimeFields fields{};
         fields.year = 7;
-        const int status = row.parse(ctxt, text.get(), &fields);
-        EXPECT_EQ(row.fields[0] != '\0' ? 0 : ASN1S_INVALID_FORMAT, status);
+        const int status = parse(ctxt, text.get(), &fields);
+        EXPECT_EQ(row["fields"].empty() ? ASN1S_INVALID_FORMAT : 0, status);
         EXPECT_EQ(status, ctxt->errInfo.status);
-        EXPECT_EQ(status, row.parse(nullptr, text.get(), &fields));
-        if (status == 0) {
-            EXPECT_EQ(row.fields, describe(fields));
-        } else {
-            EXPECT_EQ(7, fields.year);
-        }
-    }
+        EXPECT_EQ(status, parse(nullptr, text.get(), &fields));
+        EXPECT_EQ(status == 0 ? row["fields"] : "7-00-00 00:00:00", describe(fields));
+    });
 }
 
-struct MakeRow {
-    ASN1TimeFields fields;
-    const char* text; ///< empty: refused with -31
-};
+/// The fields of a time that can be written.
+ASN1TimeFields someFields() {
+    ASN1TimeFields fields{};
+    rtParseGeneralizedTime(nullptr, "20200102030405", &fields);
+    return fields;
+}
 
-const MakeRow makeRows[] = {
-    {{2020, 1, 2, 3, 4, 5, 0, 0, "", 0}, "20200102030405"},
-    {{0, 2, 29, 0, 0, 0, 0, 0, "", 1}, "00000229000000Z"},
-    {{9999, 12, 31, 23, 59, 59, 12, 59, "12345678901234567890", 0},
-     "99991231235959.12345678901234567890+1259"},
-    {{2020, 1, 1, 0, 0, 0, 0, 30, "", 0}, "20200101000000+0030"},
-    {{2020, 1, 1, 0, 0, 0, 0, -30, "", 0}, "20200101000000-0030"},
-    {{2020, 1, 1, 0, 0, 0, -1, -30, "", 0}, "20200101000000-0130"},
-    {{2020, 1, 1, 0, 0, 0, 1, -30, "", 0}, "20200101000000-0130"},
-    {{2020, 1, 1, 0, 0, 0, 5, 0, "05", 1}, "20200101000000.05Z"},
-    {{10000, 1, 1, 0, 0, 0, 0, 0, "", 1}, ""},
-    {{-1, 1, 1, 0, 0, 0, 0, 0, "", 1}, ""},
-    {{2020, 13, 1, 0, 0, 0, 0, 0, "", 1}, ""},
-    {{2020, 0, 1, 0, 0, 0, 0, 0, "", 1}, ""},
-    {{2019, 2, 29, 0, 0, 0, 0, 0, "", 1}, ""},
-    {{2020, 4, 31, 0, 0, 0, 0, 0, "", 1}, ""},
-    {{2020, 1, 1, 24, 0, 0, 0, 0, "", 1}, ""},
-    {{2020, 1, 1, 0, 60, 0, 0, 0, "", 1}, ""},
-    {{2020, 1, 1, 0, 0, 60, 0, 0, "", 1}, ""},
-    {{2020, 1, 1, 0, 0, -1, 0, 0, "", 1}, ""},
-    {{2020, 1, 1, 0, 0, 0, 13, 0, "", 0}, ""},
-    {{2020, 1, 1, 0, 0, 0, -13, 0, "", 0}, ""},
-    {{2020, 1, 1, 0, 0, 0, 0, -60, "", 0}, ""},
-};
+ASN1TimeFields fieldsOf(const tests::DataRow& row) {
+    ASN1TimeFields fields{};
+    const auto number = [&](const char* name) { return row.number<short>(name); };
+    fields.year = number("year");
+    fields.month = number("month");
+    fields.day = number("day");
+    fields.hour = number("hour");
+    fields.minute = number("minute");
+    fields.second = number("second");
+    fields.diffHour = number("hours off");
+    fields.diffMinute = number("minutes off");
+    std::strcpy(fields.fraction, row.text("fraction"));
+    fields.utc = row.number<unsigned char>("utc");
+    return fields;
+}
 
 TEST(TimeText, Makes) {
-    for (const MakeRow& row : makeRows) {
-        const std::string expected = row.text;
-        SCOPED_TRACE(expected + " from " + describe(row.fields));
+    tests::forEachRow("time_text.txt", "made", [&](const tests::DataRow& row) {
+        const std::string& expected = row["text"];
+        const ASN1TimeFields fields = fieldsOf(row);
         tests::Context ctxt;
         char* text = nullptr;
-        const int status = rtMakeGeneralizedTime(ctxt, &row.fields, &text, 0);
+        const int status = rtMakeGeneralizedTime(ctxt, &fields, &text, 0);
         EXPECT_EQ(expected.empty() ? ASN1S_INVALID_FORMAT : 0, status);
         EXPECT_EQ(status, ctxt->errInfo.status);
         if (status != 0) {
-            continue;
+            return;
         }
         EXPECT_EQ(expected, text);
         // The buffer needs room for the terminator, and is not written when it is short of that.
@@ -150,17 +82,17 @@ TEST(TimeText, Makes) {
         const std::unique_ptr<char[]> buffer(new char[expected.size() + 1]);
         char* target = buffer.get();
         target[0] = '#';
-        EXPECT_EQ(ASN1S_STRING_OVERFLOW, rtMakeGeneralizedTime(ctxt, &row.fields, &target, length));
-        EXPECT_EQ(ASN1S_STRING_OVERFLOW, rtMakeGeneralizedTime(ctxt, &row.fields, &target, -1));
+        EXPECT_EQ(ASN1S_STRING_OVERFLOW, rtMakeGeneralizedTime(ctxt, &fields, &target, length));
+        EXPECT_EQ(ASN1S_STRING_OVERFLOW, rtMakeGeneralizedTime(ctxt, &fields, &target, -1));
         EXPECT_EQ('#', target[0]);
-        EXPECT_EQ(0, rtMakeGeneralizedTime(nullptr, &row.fields, &target, length + 1));
+        EXPECT_EQ(0, rtMakeGeneralizedTime(nullptr, &fields, &target, length + 1));
         EXPECT_EQ(expected, target);
-    }
+    });
 }
 
 TEST(TimeText, RefusesWhatIsNotThere) {
     tests::Context ctxt;
-    ASN1TimeFields fields = makeRows[0].fields;
+    ASN1TimeFields fields = someFields();
     char* text = nullptr;
     EXPECT_EQ(ASN1S_INVALID_PARAMETER, rtParseUTCTime(ctxt, nullptr, &fields));
     EXPECT_EQ(ASN1S_INVALID_PARAMETER, rtParseGeneralizedTime(ctxt, "2020010112", nullptr));
@@ -173,10 +105,11 @@ TEST(TimeText, RefusesWhatIsNotThere) {
 TEST(TimeText, ReportsThatMemoryIsOut) {
     tests::CountingAllocator allocator;
     {
+        const ASN1TimeFields fields = someFields();
         tests::Context ctxt;
         char* text = nullptr;
         allocator.failAfter(0);
-        EXPECT_EQ(ASN1S_NO_MEMORY, rtMakeGeneralizedTime(ctxt, &makeRows[0].fields, &text, 0));
+        EXPECT_EQ(ASN1S_NO_MEMORY, rtMakeGeneralizedTime(ctxt, &fields, &text, 0));
         EXPECT_EQ(ASN1S_NO_MEMORY, ctxt->errInfo.status);
         EXPECT_EQ(nullptr, text);
         allocator.neverFail();

@@ -8,38 +8,8 @@ namespace {
 
 using tests::describe;
 
-const tests::TimeRow rows[] = {
-    {"491231235959Z", 0, "2049-12-31 23:59:59 Z", "491231235959Z"},
-    {"500101000000Z", 1, "1950-01-01 00:00:00 Z", "500101000000Z"},
-    {"2002291200Z", 0, "2020-02-29 12:00:00 Z", "200229120000Z"},
-    {"1902291200Z", 0, "", ""},
-    {"0002291200Z", 0, "2000-02-29 12:00:00 Z", "000229120000Z"},
-    {"200101120000+0300", 0, "2020-01-01 12:00:00 3:0", "200101120000+0300"},
-    {"200101120000-0130", 0, "2020-01-01 12:00:00 -1:-30", "200101120000-0130"},
-    {"2001011200+0030", 0, "2020-01-01 12:00:00 0:30", "200101120000-0030"},
-    {"200101120000+0300", 1, "", ""},
-    {"200101120000", 1, "", ""},
-    {"200101120000", 0, "", ""},
-    {"20010112Z", 0, "", ""},
-    {"20010112 0Z", 0, "", ""},
-    {"20010112001", 0, "", ""},
-    {"200101120000+03", 0, "", ""},
-    {"200101120000+1300", 0, "", ""},
-    {"200101120000+0060", 0, "", ""},
-    {"200101120000ZZ", 0, "", ""},
-    {"200101120000.5Z", 0, "", ""},
-    {"200101240000Z", 0, "", ""},
-    {"200101126000Z", 0, "", ""},
-    {"200101120060Z", 0, "", ""},
-    {"200001120000Z", 0, "", ""},
-    {"201301120000Z", 0, "", ""},
-    {"-10101120000Z", 0, "", ""},
-    {"abc", 0, "-3--3--3 -3:-3:00 Z", ""},
-    {"2001", 1, "-3--3--3 -3:-3:00 Z", ""},
-};
-
 TEST(UtcTime, ParsesAndCompiles) {
-    tests::checkRows<ASN1CUTCTime>(rows);
+    tests::checkRows<ASN1CUTCTime>("utc_time.txt");
     const char* none = nullptr;
     EXPECT_EQ(-3, ASN1CUTCTime(none).getYear());
 }
@@ -49,7 +19,7 @@ TEST(UtcTime, NeedsDateAndTime) {
 }
 
 TEST(UtcTime, FailedParseLeavesTheFields) {
-    tests::checkFailedParses<ASN1CUTCTime>("200101120000+0100", rows);
+    tests::checkFailedParses<ASN1CUTCTime>("200101120000+0100", "utc_time.txt");
 }
 
 TEST(UtcTime, UtcFlag) {
@@ -74,19 +44,20 @@ TEST(UtcTime, UtcFlag) {
 }
 
 TEST(UtcTime, SetYearKeepsWhatWasGiven) {
-    struct {
-        int year;
-        const char* text;
-    } const years[] = {{24, "240101120000Z"},   {50, "500101120000Z"}, {1950, "500101120000Z"},
-                       {2107, "070101120000Z"}, {0, "000101120000Z"},  {99, "990101120000Z"}};
-    for (const auto& row : years) {
+
+    for (const auto& [year, expected] : {std::pair(24, "240101120000Z"),
+                                         {50, "500101120000Z"},
+                                         {1950, "500101120000Z"},
+                                         {2107, "070101120000Z"},
+                                         {0, "000101120000Z"},
+                                         {99, "990101120000Z"}}) {
         const char* text = "200101120000Z";
         ASN1CUTCTime time(text);
-        EXPECT_EQ(0, time.setYear(row.year));
-        EXPECT_EQ(row.year, time.getYear());
-        EXPECT_STREQ(row.text, text);
+        EXPECT_EQ(0, time.setYear(year));
+        EXPECT_EQ(year, time.getYear());
+        EXPECT_STREQ(expected, text);
         EXPECT_EQ(ASN1S_INVALID_FORMAT, time.setYear(-1));
-        EXPECT_EQ(row.year, time.getYear());
+        EXPECT_EQ(year, time.getYear());
     }
     // A year of two digits that goes below 0 in UTC still shows its century's last year.
     const char* text = "000101003000+0100";
@@ -121,41 +92,22 @@ TEST(UtcTime, ClearTakesMinutesAwayToo) {
     EXPECT_STREQ("200229123000Z", text);
 }
 
-struct ZoneRow {
-    const char* zone;
-    long seconds;
-    const char* local;         ///< without an offset
-    const char* withOffset;    ///< with one
-    const char* derWithOffset; ///< with one under DER
-};
-
-// 2020-07-01 and 2020-01-01, 12:00 UTC.
-const ZoneRow zoneRows[] = {
-    {"UTC0", 1593604800, "200701120000Z", "200701120000", "200701120000Z"},
-    {"CET-1CEST,M3.5.0,M10.5.0/3", 1593604800, "200701140000Z", "200701140000+0200",
-     "200701120000Z"},
-    {"EST5EDT,M3.2.0,M11.1.0", 1577880000, "200101070000Z", "200101070000-0500", "200101120000Z"},
-    // Minutes of a zone's offset are lost, its seconds take their place.
-    {"IST-5:30", 1593604800, "200701173000Z", "200701173000+0500", "200701123000Z"},
-    {"XST-0:20:30", 1593604800, "200701122030Z", "200701122030-0030", "200701115030Z"},
-};
-
 TEST(UtcTime, TakesLocalTime) {
-    for (const ZoneRow& row : zoneRows) {
-        SCOPED_TRACE(row.zone);
-        const tests::TimeZone zone(row.zone);
+    tests::forEachRow("utc_time.txt", "zones", [&](const tests::DataRow& row) {
+        const tests::TimeZone zone(row.text("zone"));
+        const auto seconds = row.number<long>("seconds");
         const char* text = nullptr;
         ASN1CUTCTime time(text);
-        EXPECT_EQ(0, time.setTime(row.seconds, 1));
-        EXPECT_STREQ(row.withOffset, text);
-        EXPECT_EQ(0, time.setTime(row.seconds, 0));
-        EXPECT_STREQ(row.local, text);
+        EXPECT_EQ(0, time.setTime(seconds, 1));
+        EXPECT_EQ(row["withOffset"], text);
+        EXPECT_EQ(0, time.setTime(seconds, 0));
+        EXPECT_EQ(row["local"], text);
         ASN1CUTCTime der(text, 1);
-        EXPECT_EQ(0, der.setTime(row.seconds, 1));
-        EXPECT_STREQ(row.derWithOffset, text);
-        EXPECT_EQ(0, der.setTime(row.seconds, 0));
-        EXPECT_STREQ(row.local, text);
-    }
+        EXPECT_EQ(0, der.setTime(seconds, 1));
+        EXPECT_EQ(row["derWithOffset"], text);
+        EXPECT_EQ(0, der.setTime(seconds, 0));
+        EXPECT_EQ(row["local"], text);
+    });
 }
 
 TEST(UtcTime, GeneratedTimesComeBack) {

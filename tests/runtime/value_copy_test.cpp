@@ -6,32 +6,27 @@
 
 #include "support/coding.h"
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 
 namespace {
 
 const unsigned char Octets[] = {1, 2, 3, 4, 5, 6, 7, 8};
 
 TEST(ValueCopy, intoACallersArray) {
-    struct Row {
-        unsigned int count;
-        int result;
-        unsigned int octetsOfBits;
-        unsigned int octetsOfOctets;
-    };
-    const Row rows[] = {{0, 0, 0, 0}, {1, 1, 1, 1}, {7, 1, 1, 7}, {8, 1, 1, 8}};
-    for (const Row& row : rows) {
-        unsigned int count = 99;
-        unsigned char target[9] = {};
-        EXPECT_EQ(rtCopyBitStr(nullptr, row.count, Octets, &count, target), row.result);
-        EXPECT_EQ(count, row.count);
-        EXPECT_EQ(std::memcmp(target, Octets, row.octetsOfBits), 0);
-        EXPECT_EQ(target[row.octetsOfBits], 0);
-        count = 99;
-        EXPECT_EQ(rtCopyOctStr(nullptr, row.count, Octets, &count, target), row.result);
-        EXPECT_EQ(count, row.count);
-        EXPECT_EQ(std::memcmp(target, Octets, row.octetsOfOctets), 0);
-        EXPECT_EQ(target[row.octetsOfOctets], 0);
-    }
+
+    tests::forEachRow("value_copy.txt", "arrays", [&](const tests::DataRow& row) {
+        const auto number = row.number<unsigned>("count");
+        for (auto* copy : {rtCopyBitStr, rtCopyOctStr}) {
+            const auto copied =
+                row.number<unsigned>(copy == rtCopyBitStr ? "octets of bits" : "octets of octets");
+            unsigned int count = 99;
+            unsigned char target[9] = {};
+            EXPECT_EQ(copy(nullptr, number, Octets, &count, target), row.number("result"));
+            EXPECT_EQ(count, number);
+            EXPECT_EQ(std::memcmp(target, Octets, copied), 0);
+            EXPECT_EQ(target[copied], 0);
+        }
+    });
     unsigned int count = 99;
     unsigned char target[1];
     EXPECT_EQ(rtCopyBitStr(nullptr, 1, nullptr, &count, target), 0);

@@ -8,6 +8,7 @@
 
 #include "support/coding.h"
 #include "support/counting_allocator.h"
+#include "support/data_file.h"
 
 namespace {
 
@@ -18,32 +19,23 @@ Characters charactersOf(const Asn132BitCharString& text) {
 }
 
 TEST(WideText, narrowTextAndAlphabets) {
-    const unsigned int even[] = {'0', '2', '4', 'x'};
-    struct Row {
-        std::string text;
-        Asn132BitCharSet alphabet;
-        Characters expected;
-        const char* reason;
-    };
-    const Row rows[] = {
-        {"", {0, nullptr, 0, 0xFFFFFFFF}, {}, "nothing"},
-        {"a\xE9", {0, nullptr, 0, 0xFFFFFFFF}, {'a', 0xE9}, "octets are unsigned"},
-        {"a1b2", {0, nullptr, 48, 57}, {'1', '2'}, "bounds alone"},
-        {"/09:", {0, nullptr, 48, 57}, {'0', '9'}, "bounds are inclusive"},
-        {"0123x", {4, even, 48, 57}, {'0', '2'}, "bounds and list"},
-        {"0123", {1, even, 49, 57}, {}, "a list outside the bounds"},
-    };
     tests::Context context;
-    for (const Row& row : rows) {
+    tests::forEachRow("wide_text.txt", "alphabets", [&](const tests::DataRow& row) {
+        const std::string& text = row["text"];
+        const Characters listed = row.numbers("listed");
+        const Asn132BitCharSet alphabet{
+            static_cast<unsigned>(listed.size()), listed.empty() ? nullptr : listed.data(),
+            row.number<unsigned>("first"), row.number<unsigned>("last")};
+        const Characters expected = row.numbers("characters");
         Asn132BitCharString target{9, nullptr};
-        EXPECT_EQ(rtCToUCSString(context, row.text.c_str(), &target, &row.alphabet), &target);
-        EXPECT_EQ(charactersOf(target), row.expected) << row.reason;
-        const std::wstring wide(row.text.begin(), row.text.end());
-        if (row.text.find('\xE9') == std::string::npos) {
-            EXPECT_EQ(rtWCSToUCSString(context, wide.c_str(), &target, &row.alphabet), &target);
-            EXPECT_EQ(charactersOf(target), row.expected) << row.reason;
+        EXPECT_EQ(rtCToUCSString(context, text.c_str(), &target, &alphabet), &target);
+        EXPECT_EQ(charactersOf(target), expected);
+        if (text.find('\xE9') == std::string::npos) {
+            const std::wstring wide(text.begin(), text.end());
+            EXPECT_EQ(rtWCSToUCSString(context, wide.c_str(), &target, &alphabet), &target);
+            EXPECT_EQ(charactersOf(target), expected);
         }
-    }
+    });
     Asn132BitCharString target{9, nullptr};
     EXPECT_EQ(rtWCSToUCSString(context, L"\U0001F600\u00E9", &target, nullptr), &target);
     EXPECT_EQ(charactersOf(target), (Characters{0xF600, 0xE9}));
@@ -66,26 +58,15 @@ TEST(WideText, reportsMissingMemoryAndArguments) {
 }
 
 TEST(WideText, toPlatformText) {
-    struct Row {
-        Characters source;
-        std::size_t capacity;
-        std::wstring expected; ///< all that is written
-        const char* reason;
-    };
-    const Row rows[] = {
-        {{}, 1, std::wstring(1, L'\0'), "a terminator alone"},
-        {{}, 0, L"", "no room for it"},
-        {{'a', 'b', 'c', 'd', 'e'}, 5, L"abcde", "full, not terminated"},
-        {{'a', 'b', 'c'}, 2, L"ab", "cut off, not terminated"},
-        {{'a', 0x10000, 0xFFFF}, 3, std::wstring(L"a\xFFFF") + L'\0', "a value of 17 bits goes"},
-    };
-    for (const Row& row : rows) {
-        Characters data = row.source;
+    tests::forEachRow("wide_text.txt", "platform texts", [&](const tests::DataRow& row) {
+        Characters data = row.numbers("characters");
+        const Characters written = row.numbers("written");
+        const auto capacity = row.number<std::size_t>("capacity");
         const Asn132BitCharString source{static_cast<unsigned int>(data.size()), data.data()};
-        const std::unique_ptr<wchar_t[]> target(new wchar_t[row.capacity]);
-        EXPECT_EQ(rtUCSToWCSString(&source, target.get(), row.capacity), target.get());
-        EXPECT_EQ(std::wstring(target.get(), row.expected.size()), row.expected) << row.reason;
-    }
+        const std::unique_ptr<wchar_t[]> target(new wchar_t[capacity]);
+        EXPECT_EQ(rtUCSToWCSString(&source, target.get(), capacity), target.get());
+        EXPECT_EQ(Characters(target.get(), target.get() + written.size()), written);
+    });
 }
 
 } // namespace

@@ -2,13 +2,12 @@
 #define TESTS_SUPPORT_DAMAGED_MESSAGE_H
 
 #include <cstring>
-#include <memory>
 
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/message_buffer.h>
 #include <gtest/gtest.h>
 
-#include "support/hex.h"
+#include "support/heap_copy.h"
 
 namespace tests {
 
@@ -21,15 +20,15 @@ public:
     /// turn tags, lengths and continuation bits: the least, the greatest and the two in the middle.
     void changeEveryOctet(const Octets& original) {
         constexpr unsigned char Values[] = {0x00, 0x7F, 0x80, 0xFF};
-        const auto message = exactCopy(original.data(), original.size());
+        const HeapCopy message(original);
         for (std::size_t i = 0; i < original.size(); ++i) {
             for (unsigned char value : Values) {
                 if (value != original[i]) {
-                    message[i] = value;
-                    decode(message.get(), original.size());
+                    message.data()[i] = value;
+                    decode(message.data(), original.size());
                 }
             }
-            message[i] = original[i];
+            message.data()[i] = original[i];
             if (testing::Test::HasFailure()) {
                 FAIL() << "after octet " << i << " of " << toHex(original);
             }
@@ -40,9 +39,10 @@ public:
     /// are taken for granted, so that every reader meets the end by itself.
     void cutAtEveryOctet(const Octets& original) {
         for (std::size_t size = 0; size < original.size(); ++size) {
-            const auto message = exactCopy(original.data(), size);
-            ASSERT_LT(decode(message.get(), size), 0) << size << " octets of " << toHex(original);
-            ASSERT_LT(decode(message.get(), size, ASN1F_LENGTH_UNCHECKED), 0)
+            const HeapCopy message(
+                Octets(original.begin(), original.begin() + static_cast<std::ptrdiff_t>(size)));
+            ASSERT_LT(decode(message.data(), size), 0) << size << " octets of " << toHex(original);
+            ASSERT_LT(decode(message.data(), size, ASN1F_LENGTH_UNCHECKED), 0)
                 << size << " octets of " << toHex(original) << ", lengths unchecked";
         }
     }
@@ -70,15 +70,6 @@ public:
     std::size_t decoded() const { return decoded_; }
 
 private:
-    static std::unique_ptr<unsigned char[]> exactCopy(const unsigned char* octets,
-                                                      std::size_t size) {
-        std::unique_ptr<unsigned char[]> copy(new unsigned char[size]);
-        if (size != 0) {
-            std::memcpy(copy.get(), octets, size);
-        }
-        return copy;
-    }
-
     void recode(Control& control, Record& record) {
         Record copy(control);
         const int size = Control(output_, record).Encode();

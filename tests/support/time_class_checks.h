@@ -3,19 +3,28 @@
 
 #include <gtest/gtest.h>
 
+#include "support/data_file.h"
 #include "support/time_texts.h"
 
 namespace tests {
 
 constexpr unsigned char derFlags[] = {0, 1};
 
-/// A text, whether DER applies, the fields (empty: refused with -31) and the text compiled from
-/// them (empty: they cannot be compiled).
-struct TimeRow {
-    const char* text;
-    unsigned char der;
-    const char* fields;
-    const char* compiled;
+/// The numbers of a time that can be read and set, from the largest unit on.
+inline constexpr struct {
+    const char* name;
+    int (ASN1CTime::*get)();
+    int (ASN1CTime::*set)(int);
+} timeFields[] = {
+    {"year", &ASN1CTime::getYear, &ASN1CTime::setYear},
+    {"month", &ASN1CTime::getMonth, &ASN1CTime::setMonth},
+    {"day", &ASN1CTime::getDay, &ASN1CTime::setDay},
+    {"hour", &ASN1CTime::getHour, &ASN1CTime::setHour},
+    {"minute", &ASN1CTime::getMinute, &ASN1CTime::setMinute},
+    {"second", &ASN1CTime::getSecond, &ASN1CTime::setSecond},
+    {"fraction", &ASN1CTime::getFraction, &ASN1CTime::setFraction},
+    {"hours of the offset", &ASN1CTime::getDiffHour, &ASN1CTime::setDiffHour},
+    {"offset", &ASN1CTime::getDiff, &ASN1CTime::setDiff},
 };
 
 /// Fields as "2020-02-29 12:00:00 f5 -1:-30 Z"; fraction, offset and "Z" only where they are.
@@ -31,42 +40,40 @@ inline std::string describe(ASN1CTime& time) {
     return text + (time.getUTC() == 1 ? " Z" : "");
 }
 
-template <class Time, std::size_t Count>
-void checkRows(const TimeRow (&rows)[Count]) {
-    for (const TimeRow& row : rows) {
-        SCOPED_TRACE(std::string(row.text) + (row.der != 0 ? " DER" : ""));
-        const HeapText heapText(row.text);
+/// The rows of a table [texts]: a text, whether DER applies, the fields (none: refused with -31)
+/// and the text compiled from them (none: they cannot be compiled).
+template <class Time>
+void checkRows(const char* file) {
+    forEachRow(file, "texts", [&](const DataRow& row) {
+        const HeapText heapText(row["text"]);
         const char* text = heapText.get();
-        Time time(text, row.der);
-        const bool good = row.fields[0] != '\0';
-        EXPECT_EQ(good ? 0 : ASN1S_INVALID_FORMAT, time.parseString(text));
+        Time time(text, row.number<unsigned char>("der"));
+        const std::string& fields = row["fields"];
+        EXPECT_EQ(!fields.empty() ? 0 : ASN1S_INVALID_FORMAT, time.parseString(text));
         EXPECT_EQ(0, time.getCtxtPtr()->errInfo.status);
-        if (!good) {
+        if (fields.empty()) {
             EXPECT_EQ(ASN1S_INVALID_FORMAT, time.getSecond());
             EXPECT_EQ(ASN1S_INVALID_FORMAT, time.getCtxtPtr()->errInfo.status);
         } else {
-            EXPECT_EQ(row.fields, describe(time));
+            EXPECT_EQ(fields, describe(time));
             EXPECT_EQ(heapText.get(), text) << "its own text is not written anew";
-            const bool compiles = row.compiled[0] != '\0';
-            EXPECT_EQ(compiles ? 0 : ASN1S_INVALID_FORMAT, time.compileString());
-            EXPECT_STREQ(compiles ? row.compiled : row.text, text);
+            const std::string& compiled = row["compiled"];
+            EXPECT_EQ(!compiled.empty() ? 0 : ASN1S_INVALID_FORMAT, time.compileString());
+            EXPECT_EQ(!compiled.empty() ? compiled : row["text"], text);
         }
-    }
+    });
 }
 
 /// Each of the first @p needed fields that is not set keeps the text from being written.
 template <class Time>
 void checkMissingFields(int needed) {
-    int (ASN1CTime::*const setters[])(int) = {&ASN1CTime::setYear, &ASN1CTime::setMonth,
-                                              &ASN1CTime::setDay, &ASN1CTime::setHour,
-                                              &ASN1CTime::setMinute};
     for (int missing = 0; missing < 5; ++missing) {
         const char* text = nullptr;
         Time time(text);
         time.clear();
         for (int field = 0; field < 5; ++field) {
-            const auto setter = setters[field];
-            EXPECT_EQ(0, field != missing ? (time.*setter)(11) : 0);
+            const auto set = timeFields[field].set;
+            EXPECT_EQ(0, field != missing ? (time.*set)(11) : 0);
         }
         EXPECT_EQ(missing < needed ? ASN1S_INVALID_FORMAT : 0, time.compileString()) << missing;
         EXPECT_EQ(missing < needed, text[0] == '\0') << missing;
@@ -74,17 +81,17 @@ void checkMissingFields(int needed) {
 }
 
 /// A parse that fails changes no field but the UTC flag.
-template <class Time, std::size_t Count>
-void checkFailedParses(const char* text, const TimeRow (&rows)[Count]) {
+template <class Time>
+void checkFailedParses(const char* text, const char* file) {
     Time time(text);
     const std::string before = describe(time);
-    for (const TimeRow& row : rows) {
-        if (row.fields[0] == '\0' && row.der == 0) {
-            EXPECT_EQ(ASN1S_INVALID_FORMAT, time.parseString(row.text));
+    forEachRow(file, "texts", [&](const DataRow& row) {
+        if (row["fields"].empty() && row["der"] == "0") {
+            EXPECT_EQ(ASN1S_INVALID_FORMAT, time.parseString(row.text("text")));
             time.setUTC(0);
-            EXPECT_EQ(before, describe(time)) << row.text;
+            EXPECT_EQ(before, describe(time)) << row;
         }
-    }
+    });
 }
 
 /// One text by the parser and by the setters.

@@ -5,12 +5,15 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/list.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
+
+#include "support/hex.h"
 
 namespace tests {
 
@@ -89,10 +92,6 @@ bool isTakenForAnother(const TypeDescription& type, unsigned index, const void* 
         }
     }
     return false;
-}
-
-unsigned bits(const void* record, const TypeDescription& type) {
-    return type.presenceOffset == NoOffset ? 0 : at<unsigned>(record, type.presenceOffset);
 }
 
 } // namespace
@@ -211,6 +210,14 @@ void ValueBuilder::fillOpenType(ASN1OpenType& value) {
     value.data = data;
 }
 
+template <class Text>
+void ValueBuilder::fillCharacters(Text& text, unsigned count) {
+    using Character = std::remove_pointer_t<decltype(text.data)>;
+    text.nchars = count;
+    text.data = count != 0 ? allocate<Character>(count) : nullptr;
+    std::generate_n(text.data, count, [this] { return static_cast<Character>(random_()); });
+}
+
 void ValueBuilder::fill(const TypeDescription& type, const Constraint& constraint, void* value) {
     ++depth_;
     switch (type.shape) {
@@ -278,24 +285,12 @@ void ValueBuilder::fill(const TypeDescription& type, const Constraint& constrain
     case Shape::Text:
         at<const char*>(value, 0) = text(type, size(constraint, 30, 1u << 20));
         break;
-    case Shape::Text16: {
-        auto& string = at<Asn116BitCharString>(value, 0);
-        string.nchars = size(constraint, 30, 1u << 20);
-        string.data = string.nchars != 0 ? allocate<unsigned short>(string.nchars) : nullptr;
-        for (unsigned i = 0; i < string.nchars; ++i) {
-            string.data[i] = static_cast<unsigned short>(random_());
-        }
+    case Shape::Text16:
+        fillCharacters(at<Asn116BitCharString>(value, 0), size(constraint, 30, 1u << 20));
         break;
-    }
-    case Shape::Text32: {
-        auto& string = at<Asn132BitCharString>(value, 0);
-        string.nchars = size(constraint, 30, 1u << 20);
-        string.data = string.nchars != 0 ? allocate<unsigned>(string.nchars) : nullptr;
-        for (unsigned i = 0; i < string.nchars; ++i) {
-            string.data[i] = static_cast<unsigned>(random_());
-        }
+    case Shape::Text32:
+        fillCharacters(at<Asn132BitCharString>(value, 0), size(constraint, 30, 1u << 20));
         break;
-    }
     case Shape::OpenType:
         fillOpenType(at<ASN1OpenType>(value, 0));
         break;
@@ -446,203 +441,169 @@ void ValueBuilder::fillArray(const TypeDescription& type, const Constraint& cons
 
 namespace {
 
-bool equalOctets(const void* a, const void* b, std::size_t count) {
-    return count == 0 || std::memcmp(a, b, count) == 0;
+std::string valueText(const TypeDescription& type, const void* value);
+
+std::string hex(const void* octets, std::size_t count) {
+    return count != 0 ? toHex(static_cast<const unsigned char*>(octets), count) : "";
 }
 
-bool equalText(const char* a, const char* b) {
-    return a == nullptr || b == nullptr ? a == b : std::strcmp(a, b) == 0;
+/// A count and the units behind it, each of so many bits.
+std::string unitsText(unsigned count, const void* units, std::size_t bitsOfUnit) {
+    return std::to_string(count) + ": " + hex(units, (count * bitsOfUnit + 7) / 8);
 }
 
 /// A typed value says more than its raw octets, which a value that was never decoded does not have.
-bool equalSlots(const ObjectDescription* object, const Asn1TObject& a, const Asn1TObject& b) {
-    if (object != nullptr && object->type != nullptr && a.decoded != nullptr) {
-        return b.decoded != nullptr && equalValues(*object->type, a.decoded, b.decoded);
-    }
-    return b.decoded == nullptr && a.numocts == b.numocts && equalOctets(a.data, b.data, a.numocts);
+std::string slotText(const ObjectDescription* object, const Asn1TObject& slot) {
+    return object != nullptr && object->type != nullptr && slot.decoded != nullptr
+               ? "typed " + valueText(*object->type, slot.decoded)
+               : "raw " + unitsText(slot.numocts, slot.data, 8);
 }
 
-const ObjectDescription* objectOf(const TableConstraint& table, const void* record) {
-    return family::findObject(*table.objects, at<ASN1TObjId>(record, table.identifierOffset));
+/// Texts of members one behind another, those of a SET OF in any order.
+std::string membersText(const TypeDescription& type, std::vector<std::string> members) {
+    if (type.setOf) {
+        std::sort(members.begin(), members.end());
+    }
+    std::string text = "{";
+    for (const std::string& member : members) {
+        text += member + "; ";
+    }
+    return text + "}";
 }
 
-/// Members of a SET OF open values, which come in any order.
-bool equalOpenLists(const TypeDescription& type, const ObjectDescription* object,
-                    const Asn1RTDList& a, const Asn1RTDList& b) {
-    std::vector<const Asn1TObject*> left;
-    for (const Asn1RTDListNode* node = b.head; node != nullptr; node = node->next) {
-        left.push_back(static_cast<const Asn1TObject*>(node->data));
+template <class Text>
+std::vector<std::string> textsOf(const Asn1RTDList& list, Text text) {
+    std::vector<std::string> texts;
+    for (const Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
+        texts.push_back(text(node->data));
     }
-    for (const Asn1RTDListNode* node = a.head; node != nullptr; node = node->next) {
-        const auto match = std::find_if(left.begin(), left.end(), [&](const Asn1TObject* slot) {
-            return equalSlots(object, *static_cast<const Asn1TObject*>(node->data), *slot);
-        });
-        if (match == left.end() || (!type.setOf && match != left.begin())) {
-            return false;
-        }
-        left.erase(match);
-    }
-    return left.empty();
+    return texts;
 }
 
-bool equalRecords(const TypeDescription& type, const void* a, const void* b) {
-    if (bits(a, type) != bits(b, type)) {
-        return false;
-    }
+/// An element, by its typed form where a table constraint gives it one.
+std::string elementText(const TypeDescription& type, const ElementDescription& element,
+                        const void* record) {
     const TableConstraint* table = type.table;
+    if (table != nullptr && element.offset == table->valueOffset) {
+        const ObjectDescription* object =
+            family::findObject(*table->objects, at<ASN1TObjId>(record, table->identifierOffset));
+        if (table->value == OpenValue::OpenTypes) {
+            const auto text = [&](const void* slot) {
+                return slotText(object, at<Asn1TObject>(slot, 0));
+            };
+            return membersText(*element.type,
+                               textsOf(at<Asn1RTDList>(record, element.offset), text));
+        }
+        const auto& slot = at<Asn1TObject>(record, table->slotOffset);
+        if (table->value == OpenValue::OpenType || slot.decoded != nullptr) {
+            return slotText(object, slot);
+        }
+    }
+    return valueText(*element.type, place(record, element.offset));
+}
+
+std::string recordText(const TypeDescription& type, const void* record) {
+    std::string text;
     for (unsigned i = 0; i < type.elementCount; ++i) {
         const ElementDescription& element = type.elements[i];
-        const bool present = element.presence != Presence::Optional ||
-                             (bits(a, type) >> element.presenceBit & 1u) != 0;
-        if (!present) {
-            continue;
-        }
-        const bool open = table != nullptr && element.offset == table->valueOffset;
-        if (open && table->value == OpenValue::OpenType) {
-            if (!equalSlots(objectOf(*table, a), at<Asn1TObject>(a, element.offset),
-                            at<Asn1TObject>(b, element.offset))) {
-                return false;
-            }
-        } else if (open && table->value == OpenValue::OpenTypes) {
-            if (!equalOpenLists(*element.type, objectOf(*table, a),
-                                at<Asn1RTDList>(a, element.offset),
-                                at<Asn1RTDList>(b, element.offset))) {
-                return false;
-            }
-        } else if (open && at<Asn1TObject>(a, table->slotOffset).decoded != nullptr) {
-            if (!equalSlots(objectOf(*table, a), at<Asn1TObject>(a, table->slotOffset),
-                            at<Asn1TObject>(b, table->slotOffset))) {
-                return false;
-            }
-        } else if (!equalValues(*element.type, place(a, element.offset),
-                                place(b, element.offset))) {
-            return false;
+        if (element.presence != Presence::Optional ||
+            (at<unsigned>(record, type.presenceOffset) >> element.presenceBit & 1u) != 0) {
+            text += std::string(element.name) + " " + elementText(type, element, record) + ", ";
         }
     }
-    if (type.extensionOffset == NoOffset) {
-        return true;
-    }
-    const auto& left = at<Asn1RTDList>(a, type.extensionOffset);
-    const auto& right = at<Asn1RTDList>(b, type.extensionOffset);
-    const Asn1RTDListNode* other = right.head;
-    for (const Asn1RTDListNode* node = left.head; node != nullptr && left.count == right.count;
-         node = node->next, other = other->next) {
-        if (!equalValues(builtin::openType, node->data, other->data)) {
-            return false;
+    if (type.extensionOffset != NoOffset) {
+        const auto unknown = [](const void* element) {
+            return valueText(builtin::openType, element);
+        };
+        for (const std::string& element :
+             textsOf(at<Asn1RTDList>(record, type.extensionOffset), unknown)) {
+            text += element + ", ";
         }
     }
-    return left.count == right.count;
+    return text;
 }
 
-bool equalMembers(const TypeDescription& type, const std::vector<const void*>& a,
-                  std::vector<const void*> b) {
-    if (a.size() != b.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const auto match =
-            std::find_if(b.begin(), type.setOf ? b.end() : b.begin() + 1, [&](const void* member) {
-                return equalValues(*type.element, a[i], member);
-            });
-        if (match == b.end() || (!type.setOf && match != b.begin())) {
-            return false;
-        }
-        b.erase(match);
-    }
-    return true;
-}
-
-std::vector<const void*> members(const TypeDescription& type, const void* value) {
-    std::vector<const void*> found;
-    if (type.shape == Shape::List) {
-        for (const Asn1RTDListNode* node = at<Asn1RTDList>(value, 0).head; node != nullptr;
-             node = node->next) {
-            found.push_back(node->data);
-        }
-        return found;
-    }
+std::string arrayText(const TypeDescription& type, const void* value) {
+    std::vector<std::string> members;
     const void* places = type.shape == Shape::FixedArray ? place(value, type.dataOffset)
                                                          : at<void*>(value, type.dataOffset);
     for (unsigned i = 0; i < at<unsigned>(value, type.countOffset); ++i) {
-        found.push_back(place(places, std::size_t{i} * type.element->valueSize));
+        members.push_back(
+            valueText(*type.element, place(places, std::size_t{i} * type.element->valueSize)));
     }
-    return found;
+    return membersText(type, std::move(members));
 }
 
-bool equalChoices(const TypeDescription& type, const void* a, const void* b) {
-    const unsigned selector = at<unsigned>(a, type.countOffset);
-    if (selector != at<unsigned>(b, type.countOffset) || selector == 0) {
-        return selector == at<unsigned>(b, type.countOffset);
+std::string choiceText(const TypeDescription& type, const void* value) {
+    const unsigned selector = at<unsigned>(value, type.countOffset);
+    if (selector == 0) {
+        return "no alternative";
     }
     const ElementDescription& alternative = type.elements[selector - 1];
-    return alternative.indirect ? equalValues(*alternative.type, at<void*>(a, alternative.offset),
-                                              at<void*>(b, alternative.offset))
-                                : equalValues(*alternative.type, place(a, alternative.offset),
-                                              place(b, alternative.offset));
+    return std::string(alternative.name) + " " +
+           valueText(*alternative.type, alternative.indirect ? at<void*>(value, alternative.offset)
+                                                             : place(value, alternative.offset));
+}
+
+/// What a value says, as text.
+std::string valueText(const TypeDescription& type, const void* value) {
+    switch (type.shape) {
+    case Shape::Boolean:
+        return at<unsigned char>(value, 0) != 0 ? "TRUE" : "FALSE";
+    case Shape::Integer:
+    case Shape::Unsigned:
+    case Shape::Enumerated:
+    case Shape::Unsigned16:
+        return hex(value, type.valueSize);
+    case Shape::BigInteger:
+    case Shape::BigUnsigned:
+    case Shape::Text: {
+        const char* text = at<const char*>(value, 0);
+        return text != nullptr ? "'" + std::string(text) + "'" : "no text";
+    }
+    case Shape::Null:
+        return "NULL";
+    case Shape::ObjectIdentifier: {
+        const auto& identifier = at<ASN1TObjId>(value, 0);
+        return unitsText(identifier.numids, identifier.subid, 32);
+    }
+    case Shape::OctetString:
+    case Shape::OpenType: // begins as an OCTET STRING does
+        return unitsText(at<ASN1TDynOctStr>(value, 0).numocts, at<ASN1TDynOctStr>(value, 0).data,
+                         8);
+    case Shape::BitString:
+        return unitsText(at<ASN1TDynBitStr>(value, 0).numbits, at<ASN1TDynBitStr>(value, 0).data,
+                         1);
+    case Shape::FixedOctetString:
+    case Shape::FixedBitString:
+        return unitsText(at<unsigned>(value, type.countOffset), place(value, type.dataOffset),
+                         type.shape == Shape::FixedBitString ? 1 : 8);
+    case Shape::Text16:
+        return unitsText(at<Asn116BitCharString>(value, 0).nchars,
+                         at<Asn116BitCharString>(value, 0).data, 16);
+    case Shape::Text32:
+        return unitsText(at<Asn132BitCharString>(value, 0).nchars,
+                         at<Asn132BitCharString>(value, 0).data, 32);
+    case Shape::Sequence:
+    case Shape::Set:
+        return recordText(type, value);
+    case Shape::Choice:
+        return choiceText(type, value);
+    case Shape::List:
+        return membersText(type, textsOf(at<Asn1RTDList>(value, 0), [&](const void* member) {
+                               return valueText(*type.element, member);
+                           }));
+    case Shape::Array:
+    case Shape::FixedArray:
+        return arrayText(type, value);
+    }
+    return "";
 }
 
 } // namespace
 
 bool equalValues(const TypeDescription& type, const void* a, const void* b) {
-    switch (type.shape) {
-    case Shape::Boolean:
-        return (at<unsigned char>(a, 0) != 0) == (at<unsigned char>(b, 0) != 0);
-    case Shape::Integer:
-    case Shape::Unsigned:
-    case Shape::Enumerated:
-    case Shape::Unsigned16:
-        return equalOctets(a, b, type.valueSize);
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-    case Shape::Text:
-        return equalText(at<const char*>(a, 0), at<const char*>(b, 0));
-    case Shape::Null:
-        return true;
-    case Shape::ObjectIdentifier:
-        return at<ASN1TObjId>(a, 0) == at<ASN1TObjId>(b, 0);
-    case Shape::OctetString:
-    case Shape::OpenType: {
-        // Both records begin with a count of octets and a pointer to them.
-        const auto& left = at<ASN1TDynOctStr>(a, 0);
-        const auto& right = at<ASN1TDynOctStr>(b, 0);
-        return left.numocts == right.numocts && equalOctets(left.data, right.data, left.numocts);
-    }
-    case Shape::BitString: {
-        const auto& left = at<ASN1TDynBitStr>(a, 0);
-        const auto& right = at<ASN1TDynBitStr>(b, 0);
-        return left.numbits == right.numbits &&
-               equalOctets(left.data, right.data, (left.numbits + 7) / 8);
-    }
-    case Shape::FixedOctetString:
-    case Shape::FixedBitString: {
-        const unsigned count = at<unsigned>(a, type.countOffset);
-        return count == at<unsigned>(b, type.countOffset) &&
-               equalOctets(place(a, type.dataOffset), place(b, type.dataOffset),
-                           type.shape == Shape::FixedBitString ? (count + 7) / 8 : count);
-    }
-    case Shape::Text16: {
-        const auto& left = at<Asn116BitCharString>(a, 0);
-        const auto& right = at<Asn116BitCharString>(b, 0);
-        return left.nchars == right.nchars &&
-               equalOctets(left.data, right.data, left.nchars * std::size_t{2});
-    }
-    case Shape::Text32: {
-        const auto& left = at<Asn132BitCharString>(a, 0);
-        const auto& right = at<Asn132BitCharString>(b, 0);
-        return left.nchars == right.nchars &&
-               equalOctets(left.data, right.data, left.nchars * std::size_t{4});
-    }
-    case Shape::Sequence:
-    case Shape::Set:
-        return equalRecords(type, a, b);
-    case Shape::Choice:
-        return equalChoices(type, a, b);
-    case Shape::List:
-    case Shape::Array:
-    case Shape::FixedArray:
-        return equalMembers(type, members(type, a), members(type, b));
-    }
-    return false;
+    return valueText(type, a) == valueText(type, b);
 }
 
 } // namespace tests

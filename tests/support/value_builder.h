@@ -29,6 +29,8 @@ private:
     void resolve(const asn1data::TypeDescription& type, void* record);
     void resolveSlot(const asn1data::TypeDescription& type, Asn1TObject& slot);
     void fillOpenType(ASN1OpenType& value);
+    template <class Text>
+    void fillCharacters(Text& text, unsigned count);
     const char* integerText();
     const char* text(const asn1data::TypeDescription& type, unsigned length);
     unsigned char* octets(unsigned count);

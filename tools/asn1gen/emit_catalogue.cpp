@@ -16,11 +16,17 @@ std::string Emitter::catalogue() {
     out.line("#include <algorithm>");
     out.line("#include <cstring>");
     out.line();
-    out.line("#include <brevantis/asn1/asn1data/describe.h>");
-    out.line();
     std::vector<std::string> stems;
+    std::vector<const Identifier*> identifiers;
+    std::vector<std::string> headers;
     for (const auto& module : model_.modules) {
         stems.push_back(module->node.stem);
+        for (const Identifier& identifier : module->identifiers) {
+            identifiers.push_back(&identifier);
+        }
+        if (!module->identifiers.empty()) {
+            headers.push_back(module->node.stem);
+        }
         for (const Type* type : module->types) {
             types.push_back(type->name);
         }
@@ -31,6 +37,14 @@ std::string Emitter::catalogue() {
     std::sort(stems.begin(), stems.end());
     std::sort(types.begin(), types.end());
     std::sort(sets.begin(), sets.end());
+    std::stable_sort(identifiers.begin(), identifiers.end(),
+                     [](const Identifier* a, const Identifier* b) { return a->arcs < b->arcs; });
+    std::sort(headers.begin(), headers.end());
+    out.line("#include <brevantis/asn1/asn1data/describe.h>");
+    for (const std::string& stem : headers) {
+        out.line("#include <" + output_.includePrefix + "/" + stem + ".h>");
+    }
+    out.line();
     for (const std::string& stem : stems) {
         out.line("#include \"" + stem + "_types.h\"");
     }
@@ -40,6 +54,7 @@ std::string Emitter::catalogue() {
     out.line("asn1data::TypeRange allTypes() noexcept;");
     out.line("const asn1data::TypeDescription* findType(const char* name) noexcept;");
     out.line("asn1data::ObjectSetRange allObjectSets() noexcept;");
+    out.line("asn1data::IdentifierRange allIdentifiers() noexcept;");
     out.line();
     out.line("namespace {");
     out.line();
@@ -53,6 +68,14 @@ std::string Emitter::catalogue() {
         out.line("constexpr const asn1data::ObjectSetDescription* sortedSets[] = {");
         for (const std::string& name : sets) {
             out.line("    &sets::" + name + ",");
+        }
+        out.line("};");
+    }
+    if (!identifiers.empty()) {
+        out.line();
+        out.line("constexpr asn1data::IdentifierDescription sortedIdentifiers[] = {");
+        for (const Identifier* identifier : identifiers) {
+            out.line("    {\"" + identifier->name + "\", &" + identifier->name + "},");
         }
         out.line("};");
     }
@@ -77,6 +100,11 @@ std::string Emitter::catalogue() {
     out.line("asn1data::ObjectSetRange allObjectSets() noexcept {");
     out.line("    return {" + std::string(sets.empty() ? "nullptr" : "sortedSets") + ", " +
              std::to_string(sets.size()) + "};");
+    out.line("}");
+    out.line();
+    out.line("asn1data::IdentifierRange allIdentifiers() noexcept {");
+    out.line("    return {" + std::string(identifiers.empty() ? "nullptr" : "sortedIdentifiers") +
+             ", " + std::to_string(identifiers.size()) + "};");
     out.line("}");
     out.line();
     out.line("} // namespace " + output_.nameSpace);

@@ -131,6 +131,10 @@ std::string Emitter::privateHeader(const Module& module) {
             out.line("extern const " + data + "ElementDescription " + type->name + "_elements[" +
                      std::to_string(type->elements.size()) + "];");
         }
+        if (type->aliasOf == nullptr && !type->names.empty()) {
+            out.line("extern const " + data + "NamedNumber " + type->name + "_names[" +
+                     std::to_string(type->names.size()) + "];");
+        }
         if (type->table) {
             out.line("extern const " + data + "TableConstraint " + type->name + "_table;");
         }
@@ -237,6 +241,7 @@ std::string Emitter::source(const Module& module) {
         out.line("namespace types {");
         for (const Type* type : module.types) {
             elementTable(out, *type);
+            nameTable(out, *type);
             tableConstraint(out, *type);
             description(out, *type);
         }
@@ -337,6 +342,18 @@ void Emitter::elementTable(Writer& out, const Type& type) {
                  element.defaultText ? "\"" + *element.defaultText + "\"" : "nullptr"});
     }
     out.line("};");
+}
+
+void Emitter::nameTable(Writer& out, const Type& type) {
+    if (type.aliasOf != nullptr || type.names.empty()) {
+        return;
+    }
+    std::vector<std::string> items;
+    for (const NamedNumber& named : type.names) {
+        items.push_back("{\"" + named.name + "\", " + std::to_string(named.number) + "}");
+    }
+    out.line();
+    out.list("constexpr " + engine("NamedNumber ") + type.name + "_names[]", items);
 }
 
 void Emitter::tableConstraint(Writer& out, const Type& type) {
@@ -466,6 +483,8 @@ void Emitter::description(Writer& out, const Type& type) {
                                              : "&" + target.element->name);
     row("aliasOf", type.aliasOf == nullptr ? "nullptr" : "&" + type.aliasOf->name);
     row("table", target.table ? "&" + target.name + "_table" : "nullptr");
+    row("names", target.names.empty() ? "nullptr" : target.name + "_names");
+    row("nameCount", std::to_string(target.names.size()));
     out.line("};");
 }
 

@@ -70,6 +70,7 @@ private:
     // source
     void rangeConstants(Writer& out, const Module& module);
     void elementTable(Writer& out, const Type& type);
+    void nameTable(Writer& out, const Type& type);
     void tableConstraint(Writer& out, const Type& type);
     void description(Writer& out, const Type& type);
     void recordDefinitions(Writer& out, const Type& type);

@@ -20,6 +20,7 @@
 #include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/asn1data/pkcs.h>
 #include <brevantis/asn1/asn1data/tsp_dvcs.h>
+#include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/asn1data/x400.h>
 #include <brevantis/asn1/asn1data/x509.h>
 

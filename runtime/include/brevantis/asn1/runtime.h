@@ -16,6 +16,7 @@
 #include <brevantis/asn1/runtime/generalized_time.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/list.h>
+#include <brevantis/asn1/runtime/measure.h>
 #include <brevantis/asn1/runtime/memory_buffer.h>
 #include <brevantis/asn1/runtime/message_buffer.h>
 #include <brevantis/asn1/runtime/object_identifier.h>

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include <brevantis/asn1/export.h>
+#include <brevantis/asn1/runtime/object_identifier.h>
 #include <brevantis/asn1/runtime/value_types.h>
 
 /// @file
@@ -71,6 +72,12 @@ struct ValueRange {
 struct Constraint {
     const ValueRange* ranges;
     unsigned count;
+};
+
+/// A number of an INTEGER or ENUMERATED, or a bit of a BIT STRING, that the notation gives a name.
+struct NamedNumber {
+    const char* name; ///< in the notation's spelling
+    long long number; ///< bit 0 is the first
 };
 
 /// The identifier octets that a value can begin with on the wire, a bit each.
@@ -162,6 +169,8 @@ struct TypeDescription {
     const TypeDescription* element; ///< List, Array, FixedArray: the type of the elements
     const TypeDescription* aliasOf; ///< the catalogue type that this one is another name of
     const TableConstraint* table;   ///< null unless an object set resolves an open value in it
+    const NamedNumber* names;       ///< numbers and bits with a name, in the notation's order
+    unsigned nameCount;
 };
 
 /// Descriptions of the types that the notation itself brings along.
@@ -223,6 +232,34 @@ struct ObjectSetRange {
 
 /// All object sets of the catalogue, sorted by name.
 BREVANTIS_ASN1_API ObjectSetRange allObjectSets() noexcept;
+
+/// A constant object identifier by name.
+struct IdentifierDescription {
+    const char* name; ///< of the constant, as "id_at_commonName"
+    const ASN1OBJID* identifier;
+};
+
+/// A range over constant identifiers.
+struct IdentifierRange {
+    const IdentifierDescription* first;
+    std::size_t count;
+
+    const IdentifierDescription* begin() const { return first; }
+    const IdentifierDescription* end() const { return first + count; }
+    std::size_t size() const { return count; }
+};
+
+/// All constant identifiers of the catalogue, sorted by their arcs; those with the same arcs stand
+/// in the order of the notation.
+BREVANTIS_ASN1_API IdentifierRange allIdentifiers() noexcept;
+
+/// Name of the constant with the arcs of an identifier, the first one of several.
+/// @return a constant text; null when no constant has these arcs
+BREVANTIS_ASN1_API const char* identifierName(const ASN1OBJID& identifier) noexcept;
+
+/// Name that a type gives a number or a bit.
+/// @return a constant text; null when there is none
+BREVANTIS_ASN1_API const char* numberName(const TypeDescription& type, long long number) noexcept;
 
 } // namespace asn1data
 

@@ -40,6 +40,18 @@ BREVANTIS_ASN1_API int rtUTF8DecodeChar(ASN1CTXT* ctxt, const char* text,
 /// @return the number; 0 for null; -26 at an octet that cannot lead; -1 above 0x7FFFFFFF
 BREVANTIS_ASN1_API int rtUTF8Len(const char* text) noexcept;
 
+/// A count of characters that goes on from one piece of a text to the next.
+struct ASN1UTF8Count {
+    int characters;       ///< so far, as rtUTF8Len counts them; -26 after an octet that cannot lead
+    unsigned int missing; ///< octets of the last character that the next piece holds
+    bool ended;           ///< at a zero octet or a bad one; what follows does not count
+};
+
+/// Counts the characters of one more piece.
+/// @param count all zero for the first piece
+BREVANTIS_ASN1_API void rtUTF8CountPiece(ASN1UTF8Count* count, const unsigned char* octets,
+                                         std::size_t size) noexcept;
+
 /// Octets of a terminated text in front of its terminator; 0 for null.
 BREVANTIS_ASN1_API std::size_t rtUTF8LenBytes(const char* text) noexcept;
 

@@ -1,0 +1,487 @@
+#ifndef BREVANTIS_ASN1DATA_FAMILY_DECODE_FLOW_H
+#define BREVANTIS_ASN1DATA_FAMILY_DECODE_FLOW_H
+
+#include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/runtime/element_walk.h>
+#include <brevantis/asn1/runtime/tag_length.h>
+
+#include "value_access.h"
+
+// How the octets of a message are read by the description of its type: which element may begin
+// where, whose tag is read by whom, where a value ends. What becomes of the values is up to a sink:
+// the decoder has one that stores them, the walk one that reports them.
+
+namespace asn1data::family {
+
+/// What the reading wanted to find when it failed.
+struct Expected {
+    Expectation expectation = Expectation::Contents;
+    const TypeDescription* type = nullptr;      ///< that was to be read
+    const TypeDescription* container = nullptr; ///< whose elements were to come
+    unsigned first = 0;                         ///< the first of these elements
+    unsigned count = 0;
+};
+
+/// The flow over a sink, a handle that is passed by value. It has
+/// - `Value`, where a value goes, and `member`, `alternative`, which lead on from a record;
+/// - `fail`, which records a status with what was expected, and hands it back;
+/// - `primitive`, `addition`, `withinConstraint`, `prepare`, `took`, `selects`, `selected`;
+/// - objects that live as long as something is read: `Step` (on the path to an element),
+///   `Constructed` (its contents), `List` and `Places` (its elements);
+/// - `watchesOpenValues`: whether it has to know a record with an open value from the start, by an
+///   `OpenValue` object, or can `resolve` that from the record.
+template <class Sink>
+struct DecodeFlow {
+    using Value = typename Sink::Value;
+
+    enum : ASN1TAG { ClassMask = 0xC0000000u };
+    enum : unsigned { MaximumListCount = 0x7FFFFFFEu };
+
+    /// The contents octets of a constructed value, from where the position stands now.
+    static ASN1ElementScope scopeAt(const ASN1CTXT* ctxt, int length) {
+        return {ctxt->buffer.data + ctxt->buffer.byteIndex, length};
+    }
+
+    /// Steps over the end-of-contents octets that close an indefinite form (X.690, 8.1.5).
+    static int stepOverEndOfContents(Sink sink) {
+        if (!rtEndOfContentsAhead(sink.ctxt())) {
+            return sink.fail(ASN1S_INVALID_LENGTH, {Expectation::EndOfContents});
+        }
+        sink.ctxt()->buffer.byteIndex += 2;
+        return ASN1S_SUCCESS;
+    }
+
+    /// Whether the coder of a type steps over the end-of-contents of an indefinite form by itself,
+    /// also when its tag was read by the caller: the string coders do.
+    static bool closesItself(const TypeDescription& type) {
+        switch (type.shape) {
+        case Shape::OctetString:
+        case Shape::FixedOctetString:
+        case Shape::BitString:
+        case Shape::FixedBitString:
+        case Shape::Text:
+        case Shape::Text16:
+        case Shape::Text32:
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    /// Decodes the value of an element whose tag, if it has one, was read with the given length.
+    /// Whoever reads a tag in indefinite form steps over its end-of-contents, where the element
+    /// belongs to the structures that streaming producers write so (RFC 5652, section 5.1 and the
+    /// like).
+    static int decodeTagged(Sink sink, const TypeDescription& container,
+                            const ElementDescription& element, Value value, ASN1TagType inner,
+                            int length) {
+        const int status = decode(sink, *element.type, value, inner, length);
+        if (status != ASN1S_SUCCESS || length != ASN1IndefiniteLength) {
+            return status;
+        }
+        if (!container.stepsOverEndOfContents && !element.type->stepsOverEndOfContents) {
+            return ASN1S_SUCCESS;
+        }
+        if (inner == ASN1TagImplicit && closesItself(*element.type)) {
+            return ASN1S_SUCCESS;
+        }
+        return stepOverEndOfContents(sink);
+    }
+
+    static int decodeElement(Sink sink, const TypeDescription& container,
+                             const ElementDescription& element, Value value) {
+        int status = ASN1S_SUCCESS;
+        if (element.tagging == Tagging::Untagged) {
+            status = decode(sink, *element.type, value, ASN1TagExplicit, 0);
+        } else {
+            int length = 0;
+            sink.atHeader();
+            status = xd_Tag1AndLen(sink.ctxt(), &length);
+            if (status != ASN1S_SUCCESS) {
+                return sink.fail(status, {Expectation::Header, element.type});
+            }
+            status = decodeTagged(sink, container, element, value, innerTagging(element), length);
+        }
+        if (status != ASN1S_SUCCESS) {
+            return sink.fail(status, {});
+        }
+        return sink.withinConstraint(*element.type, value, element.constraint, element.parameter);
+    }
+
+    /// Whether the octet at the position can begin the element. A context tag counts in either
+    /// form.
+    static bool beginsHere(const ASN1CTXT* ctxt, const ElementDescription& element) {
+        const unsigned char octet = ctxt->buffer.data[ctxt->buffer.byteIndex];
+        return element.tagging == Tagging::Untagged
+                   ? element.type->identifiers.contains(octet)
+                   : (octet & FormMask) == (identifierOctet(element.tag) & FormMask);
+    }
+
+    /// Elements behind the known ones, kept as they are.
+    static int decodeAdditions(Sink sink, const TypeDescription& type, Value record,
+                               const ASN1ElementScope& scope) {
+        ASN1CTXT* const ctxt = sink.ctxt();
+        for (unsigned place = 0; !rtScopeEnded(ctxt, scope); ++place) {
+            const unsigned start = ctxt->buffer.byteIndex;
+            const int status = sink.addition(type, record, place);
+            if (status != ASN1S_SUCCESS) {
+                return sink.fail(status, {Expectation::Header});
+            }
+            // ASN1F_LAST_EOC makes every element absent, and absent elements have no end.
+            if (ctxt->buffer.byteIndex == start) {
+                return sink.fail(ASN1S_END_OF_BUFFER, {Expectation::Header});
+            }
+        }
+        return ASN1S_SUCCESS;
+    }
+
+    /// The elements of a record that can stand at the position, from one on to the next mandatory
+    /// one.
+    static Expected candidates(const TypeDescription& type, unsigned first) {
+        unsigned last = first;
+        while (last < type.elementCount && type.elements[last].presence != Presence::Mandatory) {
+            ++last;
+        }
+        last += last < type.elementCount ? 1 : 0;
+        return {first == last ? Expectation::NoElement : Expectation::OneOf, nullptr, &type, first,
+                last - first};
+    }
+
+    /// Elements in the order of declaration (X.690, 8.9.2); the place in the declaration only moves
+    /// on.
+    static int decodeSequence(Sink sink, const TypeDescription& type, Value record, int length) {
+        ASN1CTXT* const ctxt = sink.ctxt();
+        sink.prepare(type, record);
+        const ASN1ElementScope scope = scopeAt(ctxt, length);
+        unsigned place = 0;
+        unsigned next = 0; // the place behind the element that was there last
+        unsigned found = 0;
+        while (!rtScopeEnded(ctxt, scope)) {
+            if (place >= type.elementCount) {
+                if (type.extensionOffset == NoOffset) {
+                    return sink.fail(ASN1S_EXTRA_ELEMENT, candidates(type, next));
+                }
+                const int status = decodeAdditions(sink, type, record, scope);
+                if (status != ASN1S_SUCCESS) {
+                    return status;
+                }
+                break;
+            }
+            const ElementDescription& element = type.elements[place++];
+            const bool mandatory = element.presence == Presence::Mandatory;
+            if (!mandatory || element.tagging != Tagging::Untagged) {
+                if (!beginsHere(ctxt, element)) {
+                    if (mandatory) {
+                        return sink.fail(ASN1S_TAG_NOT_FOUND, candidates(type, next));
+                    }
+                    continue;
+                }
+            }
+            sink.atElement();
+            const typename Sink::Step step(sink, type, element, next);
+            const int status = decodeElement(sink, type, element, sink.member(record, element));
+            if (status != ASN1S_SUCCESS) {
+                return status;
+            }
+            sink.took(type, element, record);
+            found += mandatory ? 1 : 0;
+            next = place;
+        }
+        return found < type.mandatoryCount
+                   ? sink.fail(ASN1S_MISSING_ELEMENT, candidates(type, next))
+                   : ASN1S_SUCCESS;
+    }
+
+    /// The first mandatory member of a SET that was not seen.
+    static Expected missingMember(const TypeDescription& type, unsigned long long seen) {
+        unsigned i = 0;
+        while (i + 1 < type.elementCount &&
+               ((seen >> i & 1u) != 0 || type.elements[i].presence != Presence::Mandatory)) {
+            ++i;
+        }
+        return {Expectation::OneOf, nullptr, &type, i, 1};
+    }
+
+    /// Elements in any order (X.690, 8.11.2), each by its whole tag.
+    static int decodeSet(Sink sink, const TypeDescription& type, Value record, int length) {
+        ASN1CTXT* const ctxt = sink.ctxt();
+        sink.prepare(type, record);
+        const ASN1ElementScope scope = scopeAt(ctxt, length);
+        unsigned long long seen = 0;
+        unsigned found = 0;
+        while (!rtScopeEnded(ctxt, scope)) {
+            ASN1TAG tag = 0;
+            int elementLength = 0;
+            sink.atElement();
+            int status = xd_tag_len(ctxt, &tag, &elementLength, ASN1MatchAdvance);
+            if (status != ASN1S_SUCCESS) {
+                return sink.fail(status, {Expectation::Header});
+            }
+            unsigned i = 0;
+            while (i < type.elementCount && tag != (type.elements[i].tagging == Tagging::Untagged
+                                                        ? type.elements[i].type->tag
+                                                        : type.elements[i].tag)) {
+                ++i;
+            }
+            if (i == type.elementCount) {
+                return sink.fail(ASN1S_UNKNOWN_SET_MEMBER,
+                                 {Expectation::OtherMember, nullptr, &type});
+            }
+            const ElementDescription& element = type.elements[i];
+            const Value value = sink.member(record, element);
+            const typename Sink::Step step(sink, type, element);
+            status = decodeTagged(sink, type, element, value, innerTagging(element), elementLength);
+            if (status != ASN1S_SUCCESS) {
+                return sink.fail(status, {});
+            }
+            status =
+                sink.withinConstraint(*element.type, value, element.constraint, element.parameter);
+            if (status != ASN1S_SUCCESS) {
+                return status;
+            }
+            if ((seen >> i & 1u) != 0) {
+                return sink.fail(ASN1S_DUPLICATE_SET_MEMBER,
+                                 {Expectation::OtherMember, nullptr, &type});
+            }
+            seen |= 1ULL << i;
+            sink.took(type, element, record);
+            found += element.presence == Presence::Mandatory ? 1 : 0;
+        }
+        return found < type.mandatoryCount
+                   ? sink.fail(ASN1S_MISSING_ELEMENT, missingMember(type, seen))
+                   : ASN1S_SUCCESS;
+    }
+
+    static int decodeChoice(Sink sink, const TypeDescription& type, Value record) {
+        ASN1CTXT* const ctxt = sink.ctxt();
+        sink.selects(type, record);
+        const unsigned start = ctxt->buffer.byteIndex;
+        ASN1TAG tag = 0;
+        int length = 0;
+        sink.atHeader();
+        int status = xd_tag_len(ctxt, &tag, &length, ASN1MatchAdvance);
+        if (status != ASN1S_SUCCESS) {
+            return sink.fail(status, {Expectation::OneOf, nullptr, &type, 0, type.elementCount});
+        }
+        const unsigned char octet = ctxt->buffer.data[start];
+        for (unsigned i = 0; i < type.elementCount; ++i) {
+            const ElementDescription& alternative = type.elements[i];
+            // An alternative that is itself a CHOICE or an open type has no tag to compare; it
+            // reads its own from the start.
+            const bool untagged = alternative.tagging == Tagging::Untagged &&
+                                  (alternative.type->tag == 0 || alternative.type->outerTag != 0);
+            const ASN1TAG expected =
+                alternative.tagging == Tagging::Untagged ? alternative.type->tag : alternative.tag;
+            if (untagged ? !alternative.type->identifiers.contains(octet) : tag != expected) {
+                continue;
+            }
+            Value value;
+            if (!sink.alternative(record, alternative, value)) {
+                return sink.fail(ASN1S_NO_MEMORY, {Expectation::Memory});
+            }
+            const typename Sink::Step step(sink, type, alternative);
+            if (untagged) {
+                ctxt->buffer.byteIndex = start;
+                status = decode(sink, *alternative.type, value, ASN1TagExplicit, 0);
+            } else {
+                status =
+                    decodeTagged(sink, type, alternative, value, innerTagging(alternative), length);
+            }
+            if (status != ASN1S_SUCCESS) {
+                return sink.fail(status, {});
+            }
+            status = sink.withinConstraint(*alternative.type, value, alternative.constraint,
+                                           alternative.parameter);
+            if (status != ASN1S_SUCCESS) {
+                return status;
+            }
+            sink.selected(type, record, i + 1);
+            return ASN1S_SUCCESS;
+        }
+        return sink.fail(ASN1S_INVALID_CHOICE,
+                         {Expectation::OneOf, nullptr, &type, 0, type.elementCount});
+    }
+
+    /// The elements of a repeated value, each in the place that `elements` has for it.
+    template <class Elements>
+    static int decodeElements(Sink sink, const TypeDescription& type, Elements& elements,
+                              int length, unsigned capacity) {
+        const ASN1ElementScope scope = scopeAt(sink.ctxt(), length);
+        while (!rtScopeEnded(sink.ctxt(), scope)) {
+            if (elements.count() >= capacity) {
+                return sink.fail(ASN1S_EXTRA_ELEMENT, {Expectation::NoElement, nullptr, &type});
+            }
+            Value place;
+            if (!elements.place(place)) {
+                return sink.fail(ASN1S_NO_MEMORY, {Expectation::Memory});
+            }
+            const typename Sink::Step step(sink, type, elements.count());
+            const int status = decode(sink, *type.element, place, ASN1TagExplicit, 0);
+            if (status != ASN1S_SUCCESS) {
+                return status;
+            }
+            elements.append(place);
+        }
+        return ASN1S_SUCCESS;
+    }
+
+    static int decodeList(Sink sink, const TypeDescription& type, Value value, int length) {
+        typename Sink::List list(sink, type, value);
+        return decodeElements(sink, type, list, length, MaximumListCount);
+    }
+
+    static int decodePlaces(Sink sink, const TypeDescription& type, Value value, int length,
+                            unsigned capacity) {
+        typename Sink::Places places(sink, type, value);
+        return decodeElements(sink, type, places, length, capacity);
+    }
+
+    static int decodeArray(Sink sink, const TypeDescription& type, Value value, int length) {
+        sink.clearArray(type, value);
+        int count = 0;
+        const int status = xd_count(sink.ctxt(), length, &count);
+        if (status != ASN1S_SUCCESS) {
+            return sink.fail(status, {Expectation::Contents, &type});
+        }
+        const unsigned long long size =
+            static_cast<unsigned long long>(count) * type.element->valueSize;
+        if (size > 0x7FFFFFCFu || !sink.makeArray(type, value, static_cast<int>(size))) {
+            return sink.fail(ASN1S_NO_MEMORY, {Expectation::Memory});
+        }
+        return decodePlaces(sink, type, value, length, static_cast<unsigned>(count));
+    }
+
+    static int decodeConstructed(Sink sink, const TypeDescription& type, Value value, int length) {
+        switch (type.shape) {
+        case Shape::Sequence:
+            return decodeSequence(sink, type, value, length);
+        case Shape::Set:
+            return decodeSet(sink, type, value, length);
+        case Shape::List:
+            return decodeList(sink, type, value, length);
+        case Shape::Array:
+            return decodeArray(sink, type, value, length);
+        case Shape::FixedArray:
+            return decodePlaces(sink, type, value, length, type.capacity);
+        default:
+            return sink.fail(ASN1S_NOT_SUPPORTED, {Expectation::Contents, &type});
+        }
+    }
+
+    static int readOwnTag(Sink sink, const TypeDescription& type, ASN1TAG tag, int& length) {
+        sink.atHeader();
+        const int status = xd_match1(sink.ctxt(), identifierOctet(tag), &length);
+        return status == ASN1S_SUCCESS
+                   ? status
+                   : sink.fail(status, {status == ASN1S_TAG_NOT_FOUND ? Expectation::Element
+                                                                      : Expectation::Header,
+                                        &type});
+    }
+
+    /// Reads the type's own tags as far as they are the callee's to read.
+    /// @param tagging comes back as the tagging that is left for the contents
+    static int readOwnTags(Sink sink, const TypeDescription& type, ASN1TagType& tagging,
+                           int& length, int& outerLength) {
+        if (type.outerTag != 0) {
+            if (tagging == ASN1TagExplicit) {
+                const int status = readOwnTag(sink, type, type.outerTag, outerLength);
+                if (status != ASN1S_SUCCESS) {
+                    return status;
+                }
+            }
+            tagging = ASN1TagExplicit;
+        }
+        const bool constructed = (type.tag & ASN1TagConstructed) != 0;
+        if (tagging == ASN1TagExplicit && (constructed || (type.tag & ClassMask) != 0)) {
+            const int status = readOwnTag(sink, type, type.tag, length);
+            if (status != ASN1S_SUCCESS) {
+                return status;
+            }
+            tagging = ASN1TagImplicit;
+        }
+        return ASN1S_SUCCESS;
+    }
+
+    /// Contents of a constructed value and the end-of-contents of the tag that the type has read.
+    static int decodeContents(Sink sink, const TypeDescription& type, Value value, int length,
+                              bool ownsEndOfContents) {
+        typename Sink::Constructed constructed(sink, type, length);
+        int status = constructed.isEntered() ? decodeConstructed(sink, type, value, length)
+                                             : constructed.stepOver();
+        if (status == ASN1S_SUCCESS && type.stepsOverEndOfContents &&
+            length == ASN1IndefiniteLength && ownsEndOfContents) {
+            status = stepOverEndOfContents(sink);
+        }
+        return status == ASN1S_SUCCESS ? constructed.leave() : status;
+    }
+
+    /// Everything of a value but its constraint and its open value.
+    static int decodeTagsAndContents(Sink sink, const TypeDescription& type, Value value,
+                                     ASN1TagType tagging, int length) {
+        const Nesting nesting(sink.ctxt(), type.closesRecursion);
+        if (nesting.tooDeep()) {
+            return sink.fail(ASN1S_NO_MEMORY, {Expectation::LessNesting});
+        }
+        const ASN1TagType callersTagging = tagging;
+        int outerLength = 0;
+        int status = readOwnTags(sink, type, tagging, length, outerLength);
+        if (status != ASN1S_SUCCESS) {
+            return status;
+        }
+        if (type.shape == Shape::Choice) {
+            status = decodeChoice(sink, type, value);
+        } else if ((type.tag & ASN1TagConstructed) != 0) {
+            status = decodeContents(sink, type, value, length,
+                                    callersTagging == ASN1TagExplicit || type.outerTag != 0);
+        } else {
+            status = sink.primitive(type, value, tagging, length);
+        }
+        if (status == ASN1S_SUCCESS && outerLength == ASN1IndefiniteLength &&
+            type.stepsOverEndOfContents) {
+            status = stepOverEndOfContents(sink);
+        }
+        return status;
+    }
+
+    /// Everything of a value but its open value.
+    static int decodeValue(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
+                           int length) {
+        // Most values are primitives with no tag but their universal one, which their coder reads.
+        const int status =
+            type.shape < Shape::Sequence && type.outerTag == 0 && (type.tag & ClassMask) == 0
+                ? sink.primitive(type, value, tagging, length)
+                : decodeTagsAndContents(sink, type, value, tagging, length);
+        if (status != ASN1S_SUCCESS) {
+            return sink.fail(status, {});
+        }
+        return sink.withinConstraint(type, value, type.constraint, type.parameter);
+    }
+
+    /// A record that the sink has to watch for its open value.
+    static int decodeWatched(Sink sink, const TypeDescription& type, Value value,
+                             ASN1TagType tagging, int length) {
+        typename Sink::OpenValue openValue(sink, type);
+        const int status = decodeValue(sink, type, value, tagging, length);
+        return status == ASN1S_SUCCESS ? openValue.resolve() : status;
+    }
+
+    /// A value; the open value of a record is resolved when all else has been read.
+    static int decode(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
+                      int length) {
+        if (!sink.takes(type, value)) {
+            return sink.fail(ASN1S_INVALID_PARAMETER, {});
+        }
+        if constexpr (Sink::watchesOpenValues) {
+            return type.table == nullptr ? decodeValue(sink, type, value, tagging, length)
+                                         : decodeWatched(sink, type, value, tagging, length);
+        } else {
+            const int status = decodeValue(sink, type, value, tagging, length);
+            return status != ASN1S_SUCCESS || type.table == nullptr ? status
+                                                                    : sink.resolve(type, value);
+        }
+    }
+};
+
+} // namespace asn1data::family
+
+#endif

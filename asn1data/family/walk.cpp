@@ -1,0 +1,102 @@
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+#include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/runtime/element_walk.h>
+#include <brevantis/asn1/runtime/measure.h>
+
+#include "walker.h"
+
+namespace asn1data {
+
+namespace {
+
+/// A context to read with, and nothing else: it has no heap and records nothing that counts.
+ASN1CTXT readerOf(const unsigned char* data, unsigned size) {
+    ASN1CTXT reader{};
+    reader.buffer.data = const_cast<unsigned char*>(data); // a reading context does not write
+    reader.buffer.size = size;
+    return reader;
+}
+
+/// Room that the pieces of a string are copied to.
+struct Room {
+    unsigned char* next;
+    std::size_t left;
+
+    static void take(void* state, const unsigned char* octets, unsigned count) noexcept {
+        auto& room = *static_cast<Room*>(state);
+        const std::size_t taken = std::min<std::size_t>(count, room.left);
+        if (taken != 0) {
+            std::memcpy(room.next, octets, taken);
+            room.next += taken;
+            room.left -= taken;
+        }
+    }
+};
+
+bool isBitString(const TypeDescription* type) {
+    return type != nullptr &&
+           (type->shape == Shape::BitString || type->shape == Shape::FixedBitString);
+}
+
+} // namespace
+
+WalkVisitor::~WalkVisitor() = default;
+
+WalkAction WalkVisitor::enter(const WalkElement& /*element*/) {
+    return WalkAction::Continue;
+}
+
+WalkAction WalkVisitor::leave(const WalkElement& /*element*/) {
+    return WalkAction::Continue;
+}
+
+WalkAction WalkVisitor::primitive(const WalkElement& /*element*/) {
+    return WalkAction::Continue;
+}
+
+WalkResult walk(const TypeDescription& type, const unsigned char* message, std::size_t size,
+                WalkVisitor& visitor) {
+    WalkResult result{};
+    if (size > INT_MAX || (message == nullptr && size != 0)) {
+        result.status = size > INT_MAX ? ASN1S_VALUE_TOO_BIG : ASN1S_INVALID_PARAMETER;
+        result.failure.status = result.status;
+        result.failure.expectation = Expectation::Memory;
+        return result;
+    }
+    family::Walker walker(message, static_cast<unsigned>(size), visitor, result.failure);
+    const int status = walker.run(type);
+    result.stopped = status == family::WalkStopped;
+    result.status = result.stopped ? ASN1S_SUCCESS : status;
+    result.failure.status = result.status;
+    result.consumed = walker.position();
+    return result;
+}
+
+unsigned elementSize(const WalkElement& element, const unsigned char* end) noexcept {
+    ASN1CTXT reader = readerOf(element.data, static_cast<unsigned>(end - element.data));
+    return xd_NextElement(&reader) == ASN1S_SUCCESS ? reader.buffer.byteIndex : 0;
+}
+
+std::size_t copyOctets(const WalkElement& element, unsigned char* target,
+                       std::size_t size) noexcept {
+    Room room{target, size};
+    if (!element.segmented) {
+        Room::take(&room, element.value.octets, element.value.octetCount);
+        return element.value.octetCount;
+    }
+    if (isBitString(element.type)) {
+        return 0;
+    }
+    // What the walk has read ends where its lengths say, so no other end is needed.
+    ASN1CTXT reader = readerOf(element.data + element.headerLength, INT_MAX);
+    rtCtxtSetFlag(&reader, ASN1F_CONSTRUCTED);
+    const ASN1OctetSink sink{&Room::take, &room};
+    ASN1Extent extent{};
+    xd_measureOctets(&reader, &extent, &sink, ASN1TagImplicit, element.contentLength);
+    return extent.count;
+}
+
+} // namespace asn1data

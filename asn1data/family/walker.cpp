@@ -1,0 +1,493 @@
+#include <cstring>
+
+#include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/runtime/measure.h>
+#include <brevantis/asn1/runtime/object_identifier_coding.h>
+#include <brevantis/asn1/runtime/octet_string.h>
+#include <brevantis/asn1/runtime/open_type.h>
+#include <brevantis/asn1/runtime/scalar.h>
+#include <brevantis/asn1/runtime/utf8.h>
+
+#include "walker.h"
+
+namespace asn1data::family {
+
+namespace {
+
+/// What rtInitContext leaves in a context that is set up. A walk needs no heap until a string has
+/// to be put together, and the heap functions make one then.
+enum : unsigned { InitialisedCode = 0x1AA2A34Au };
+
+/// Counts the characters of a text that a constraint is about: those in front of a zero octet.
+struct TextCount {
+    ASN1UTF8Count count{};
+    bool utf8;
+
+    static void take(void* state, const unsigned char* octets, unsigned size) noexcept {
+        auto& text = *static_cast<TextCount*>(state);
+        if (text.utf8) {
+            rtUTF8CountPiece(&text.count, octets, size);
+        } else if (!text.count.ended) {
+            const auto* end = static_cast<const unsigned char*>(std::memchr(octets, 0, size));
+            text.count.ended = end != nullptr;
+            text.count.characters += static_cast<int>(end != nullptr ? end - octets : size);
+        }
+    }
+};
+
+bool isString(const TypeDescription* type) {
+    switch (type != nullptr ? type->shape : Shape::OpenType) {
+    case Shape::OctetString:
+    case Shape::FixedOctetString:
+    case Shape::BitString:
+    case Shape::FixedBitString:
+    case Shape::Text:
+    case Shape::Text16:
+    case Shape::Text32:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// A header that has been read.
+struct Header {
+    ASN1TAG tag = 0;
+    unsigned size = 0;
+    bool indefinite = false;
+};
+
+Header headerAt(const unsigned char* start, const unsigned char* end) {
+    if (end - start >= 2 && (start[0] & 0x1Fu) != 0x1F && start[1] < 0x80) {
+        return {(start[0] & 0xE0u) << 24 | (start[0] & 0x1Fu), 2, false};
+    }
+    ASN1CTXT reader{};
+    reader.buffer.data = const_cast<unsigned char*>(start); // a reading context only reads
+    reader.buffer.size = static_cast<unsigned>(end - start);
+    Header header;
+    int length = 0;
+    xd_tag(&reader, &header.tag);
+    xd_len(&reader, &length);
+    header.size = reader.buffer.byteIndex;
+    header.indefinite = length == ASN1IndefiniteLength;
+    return header;
+}
+
+} // namespace
+
+Walker::Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor,
+               WalkFailure& failure)
+    : base(message), visitor_(visitor), failure_(failure) {
+    static const unsigned char nothing = 0;
+    base = message != nullptr ? message : &nothing;
+    ctxt.initCode = InitialisedCode;
+    ctxt.flags = ASN1F_NO_COPY;
+    if (size == 0) {
+        // Without octets there is no size to state, so the message is bound as it is.
+        ctxt.buffer.data = const_cast<unsigned char*>(base); // a reading context only reads
+    } else {
+        // A message that cannot be bound is met by the decoder itself, with the status that fits.
+        xd_setp(&ctxt, base, static_cast<int>(size), nullptr, nullptr);
+    }
+}
+
+Walker::~Walker() {
+    rtMemHeapRelease(&ctxt.memHeap);
+}
+
+int Walker::run(const TypeDescription& type) {
+    const WalkStep root{nullptr, nullptr, 0, StepKind::Message};
+    here.step = &root;
+    atElement();
+    here.data = elementStart;
+    return DecodeFlow<Walking>::decode(Walking(*this), type, {}, ASN1TagExplicit, 0);
+}
+
+WalkElement Walker::report(const TypeDescription* type, const unsigned char* contents,
+                           int contentLength) const {
+    const Header header = headerAt(valueStart, ctxt.buffer.data + ctxt.buffer.size);
+    if (contents == nullptr) {
+        contents = valueStart + header.size;
+        contentLength =
+            header.indefinite ? int{ASN1IndefiniteLength} : static_cast<int>(octets() - contents);
+    }
+    WalkElement element;
+    element.step = here.step;
+    element.type = type;
+    element.element = here.element;
+    element.container = here.container;
+    element.object = here.object;
+    element.data = here.data;
+    element.offset = static_cast<unsigned>(here.data - base);
+    element.valueOffset = static_cast<unsigned>(valueStart - base);
+    element.headerLength = static_cast<unsigned>(contents - here.data);
+    element.contentLength = contentLength;
+    element.tag = header.tag;
+    element.depth = here.depth;
+    element.segmented = (header.tag & ASN1TagConstructed) != 0 && isString(type);
+    element.encapsulates = false;
+    element.assembled = here.assembled;
+    element.value = WalkValue{};
+    return element;
+}
+
+bool Walker::enter(const WalkElement& element) {
+    const WalkAction action = visitor_.enter(element);
+    stopped = stopped || action == WalkAction::Stop;
+    here.depth += action == WalkAction::Continue ? 1 : 0;
+    return action == WalkAction::Continue;
+}
+
+int Walker::leave(const WalkElement& element) {
+    --here.depth;
+    stopped = visitor_.leave(element) == WalkAction::Stop;
+    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+}
+
+int Walker::checkConstraint(const TypeDescription& type, const Constraint& constraint,
+                            const char* parameter) {
+    const int status = checkNumber(&ctxt, type, number, constraint, parameter);
+    if (status != ASN1S_SUCCESS) {
+        failure_.constraint = constraint;
+        fail(status, {Expectation::InRange, &type});
+    }
+    return status;
+}
+
+int Walker::readRaw(WalkValue& value) {
+    atHeader();
+    return xd_OpenType(&ctxt, &value.octets, &value.octetCount);
+}
+
+int Walker::readPrimitive(const TypeDescription& type, ASN1TagType tagging, int length,
+                          WalkValue& value) {
+    ASN1Extent extent{};
+    int status = ASN1S_SUCCESS;
+    switch (type.shape) {
+    case Shape::Boolean: {
+        unsigned char truth = 0;
+        status = xd_boolean(&ctxt, &truth, tagging, length);
+        number = truth;
+        break;
+    }
+    case Shape::Integer: {
+        int integer = 0;
+        status = xd_integer(&ctxt, &integer, tagging, length);
+        number = integer;
+        break;
+    }
+    case Shape::Unsigned: {
+        unsigned integer = 0;
+        status = xd_unsigned(&ctxt, &integer, tagging, length);
+        number = integer;
+        break;
+    }
+    case Shape::Unsigned16: {
+        unsigned short integer = 0;
+        status = xd_uint16(&ctxt, &integer, tagging, length);
+        number = integer;
+        break;
+    }
+    case Shape::Enumerated: {
+        int integer = 0;
+        status = xd_enum(&ctxt, &integer, tagging, length);
+        number = static_cast<unsigned>(integer);
+        break;
+    }
+    case Shape::Null:
+        return xd_null(&ctxt, tagging);
+    case Shape::ObjectIdentifier:
+        value.identifier = &identifier_;
+        return xd_objid(&ctxt, &identifier_, tagging, length);
+    case Shape::OpenType:
+        return readRaw(value);
+    case Shape::BigInteger:
+    case Shape::BigUnsigned:
+        status = xd_measureBigInt(&ctxt, &extent, tagging, length);
+        break;
+    case Shape::OctetString:
+        status = xd_measureOctets(&ctxt, &extent, nullptr, tagging, length);
+        number = extent.count;
+        break;
+    case Shape::FixedOctetString:
+        status = xd_measureFixedOctets(&ctxt, &extent, type.capacity, tagging, length);
+        number = extent.count;
+        break;
+    case Shape::BitString:
+    case Shape::FixedBitString:
+        status = type.shape == Shape::BitString
+                     ? xd_measureBits(&ctxt, &extent, tagging, length)
+                     : xd_measureFixedBits(&ctxt, &extent, type.capacity, tagging, length);
+        number = value.bitCount = extent.count;
+        extent.count = extent.count / 8 + (extent.count % 8 != 0 ? 1 : 0);
+        break;
+    case Shape::Text: {
+        TextCount text{{}, type.tag == Utf8StringTag};
+        const ASN1OctetSink sink{&TextCount::take, &text};
+        status = xd_measureText(&ctxt, &extent, &sink, tagging, type.tag, length);
+        number = static_cast<unsigned>(text.count.characters);
+        break;
+    }
+    case Shape::Text16:
+    case Shape::Text32: {
+        const unsigned width = type.shape == Shape::Text16 ? 2 : 4;
+        status = xd_measureWideText(&ctxt, &extent, width, tagging, type.tag, length);
+        number = extent.count;
+        extent.count *= width;
+        break;
+    }
+    default:
+        return ASN1S_NOT_SUPPORTED;
+    }
+    value.number = type.shape <= Shape::Enumerated ? number : 0;
+    value.octets = extent.count != 0 ? extent.data : nullptr;
+    value.octetCount = extent.count;
+    return status;
+}
+
+int Walker::primitive(const TypeDescription* type, ASN1TagType tagging, int length) {
+    if (tagging == ASN1TagExplicit) {
+        atHeader();
+    }
+    const ASN1SavedState start{ctxt.buffer.byteIndex, ctxt.buffer.bitOffset, ctxt.flags};
+    number = 0;
+    WalkValue value{};
+    const int status =
+        type != nullptr ? readPrimitive(*type, tagging, length, value) : readRaw(value);
+    if (status != ASN1S_SUCCESS) {
+        return fail(
+            status,
+            {status == ASN1S_TAG_NOT_FOUND ? Expectation::Element : Expectation::Contents, type});
+    }
+    if (silence != 0) {
+        return ASN1S_SUCCESS;
+    }
+    const bool raw = type == nullptr || type->shape == Shape::OpenType;
+    if (raw && object != nullptr) {
+        return resolved(value.octets, value.octetCount);
+    }
+    if (raw && value.octetCount == 0) { // none is there
+        return ASN1S_SUCCESS;
+    }
+    WalkElement element = report(type, nullptr, 0);
+    element.value = value;
+    if (object != nullptr && type->shape == Shape::OctetString && value.octetCount != 0) {
+        return resolveOctets(*type, element, start, tagging, length);
+    }
+    stopped = visitor_.primitive(element) == WalkAction::Stop;
+    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+}
+
+int Walker::resolveOctets(const TypeDescription& type, const WalkElement& octetString,
+                          const ASN1SavedState& start, ASN1TagType tagging, int length) {
+    WalkElement element = octetString;
+    element.encapsulates = true;
+    const ASN1Buffer behind = ctxt.buffer;
+    const unsigned short flags = ctxt.flags;
+    if (!enter(element)) {
+        return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+    }
+    const unsigned char* data = element.value.octets;
+    if (element.segmented) {
+        ctxt.buffer.byteIndex = start.byteIndex;
+        ctxt.flags = start.flags;
+        unsigned count = 0;
+        const int status = xd_octstr(&ctxt, &data, &count, tagging, length);
+        if (status != ASN1S_SUCCESS) {
+            return fail(status, {Expectation::Memory, &type});
+        }
+    }
+    const unsigned char* const outerBase = base;
+    const bool outerAssembled = here.assembled;
+    const unsigned char* const outerData = here.data;
+    if (element.segmented) {
+        base = data;
+        here.assembled = true;
+    }
+    here.data = data;
+    int status = resolved(data, element.value.octetCount);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    if (element.segmented) {
+        rtMemHeapFreePtr(&ctxt.memHeap, const_cast<unsigned char*>(data)); // the heap gave it out
+    }
+    base = outerBase;
+    here.assembled = outerAssembled;
+    here.data = outerData;
+    ctxt.buffer = behind;
+    ctxt.flags = flags;
+    number = element.value.octetCount;
+    return leave(element);
+}
+
+/// Goes through the octets of an open value. A failure leaves the context on them, success brings
+/// it back behind the raw value.
+int Walker::resolved(const unsigned char* data, unsigned count) {
+    const ObjectDescription* const selected = object;
+    const ASN1Buffer behind = ctxt.buffer;
+    const unsigned short flags = ctxt.flags;
+    if (count == 0) {
+        ctxt.buffer = openValue->failing_;
+        return fail(ASN1S_END_OF_BUFFER, {Expectation::Octets, selected->type});
+    }
+    const StepWalk step(*this, *selected);
+    valueStart = data;
+    int status = xd_setp(&ctxt, data, static_cast<int>(count), nullptr, nullptr);
+    if (status != ASN1S_SUCCESS) {
+        return fail(status, {Expectation::Header, selected->type});
+    }
+    const Nesting nesting(&ctxt, true);
+    if (nesting.tooDeep()) {
+        return fail(ASN1S_NO_MEMORY, {Expectation::LessNesting, selected->type});
+    }
+    object = nullptr;
+    status = DecodeFlow<Walking>::decode(Walking(*this), *selected->type, {}, ASN1TagExplicit, 0);
+    if (status == ASN1S_SUCCESS) {
+        object = selected;
+        openValue->failing_ = ctxt.buffer;
+        ctxt.buffer = behind;
+        ctxt.flags = flags;
+        number = 0;
+    }
+    return status;
+}
+
+int Walker::fail(int status, const Expected& expected) {
+    if (status == WalkStopped || failure_.expectation != Expectation::Nothing) {
+        return status;
+    }
+    WalkFailure& failure = failure_;
+    failure.status = status;
+    failure.offset = static_cast<unsigned>(octets() - base);
+    failure.partOffset = ctxt.buffer.byteIndex;
+    failure.elementOffset = static_cast<unsigned>(here.data - base);
+    failure.assembled = here.assembled;
+    failure.expectation = expected.expectation;
+    failure.type = expected.type;
+    failure.container = expected.container;
+    failure.firstExpected = expected.first;
+    failure.expectedCount = expected.count;
+    if (status == ASN1S_TAG_NOT_FOUND && octets() == candidateStart && candidateCount > 1) {
+        failure.expectation = Expectation::OneOf;
+        failure.container = candidateOwner;
+        failure.firstExpected = candidateFirst;
+        failure.expectedCount = candidateCount;
+    }
+    failure.pathCut =
+        writePath(*here.step, failure.path, sizeof failure.path) >= sizeof failure.path;
+    findFound(status, expected);
+    if (openValue != nullptr) {
+        openValue->reportRaw();
+    }
+    return status;
+}
+
+void Walker::findFound(int status, const Expected& expected) {
+    const unsigned char* const end = ctxt.buffer.data + ctxt.buffer.size;
+    const auto identifierAt = [&](const unsigned char* place) {
+        failure_.finding = place < end ? Finding::Identifier : Finding::EndOfMessage;
+        failure_.foundNumber = place < end ? *place : 0;
+    };
+    switch (status) {
+    case ASN1S_TAG_NOT_FOUND:
+    case ASN1S_EXTRA_ELEMENT:
+        identifierAt(octets());
+        break;
+    case ASN1S_INVALID_CHOICE:
+        identifierAt(valueStart);
+        break;
+    case ASN1S_UNKNOWN_SET_MEMBER:
+        identifierAt(elementStart);
+        break;
+    case ASN1S_DUPLICATE_SET_MEMBER:
+        identifierAt(here.data);
+        break;
+    case ASN1S_MISSING_ELEMENT:
+        failure_.finding = octets() < end ? Finding::EndOfElement : Finding::EndOfMessage;
+        break;
+    case ASN1S_END_OF_BUFFER:
+        failure_.finding = Finding::EndOfMessage;
+        break;
+    case ASN1S_CONSTRAINT_VIOLATION:
+    case ASN1S_INVALID_ENUM: {
+        const bool text = expected.type != nullptr && expected.type->shape == Shape::Text;
+        const bool bad = text && static_cast<int>(static_cast<unsigned>(number)) < 0;
+        failure_.finding = bad ? Finding::BadText : Finding::Number;
+        failure_.foundNumber = number;
+        break;
+    }
+    case ASN1S_INVALID_LENGTH:
+    case ASN1S_VALUE_TOO_BIG:
+    case ASN1S_STRING_OVERFLOW:
+        if (expected.expectation == Expectation::EndOfContents) {
+            identifierAt(octets());
+        } else if (valueStart < end) {
+            ASN1CTXT reader{};
+            reader.buffer.data = const_cast<unsigned char*>(valueStart); // only read
+            reader.buffer.size = static_cast<unsigned>(end - valueStart);
+            reader.flags = ASN1F_LENGTH_UNCHECKED;
+            ASN1TAG tag = 0;
+            int length = 0;
+            const bool known =
+                xd_tag(&reader, &tag) == ASN1S_SUCCESS && xd_len(&reader, &length) == ASN1S_SUCCESS;
+            failure_.finding = known ? Finding::Length : Finding::Nothing;
+            failure_.foundNumber = length == ASN1IndefiniteLength
+                                       ? length
+                                       : static_cast<long long>(static_cast<unsigned>(length));
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+Walking::Constructed::Constructed(Walker& walker, const TypeDescription& type, int length)
+    : walker_(walker), type_(type), length_(length), reported_(walker_.silence == 0),
+      entered_(true),
+      element_(reported_ ? walker_.report(&type, walker_.octets(), length) : WalkElement{}) {
+    if (reported_) {
+        entered_ = walker_.enter(element_);
+    }
+}
+
+int Walking::Constructed::stepOver() {
+    if (walker_.stopped) {
+        return WalkStopped;
+    }
+    walker_.stepped = true;
+    ASN1CTXT& ctxt = walker_.ctxt;
+    if (length_ == ASN1IndefiniteLength) {
+        const int status = xd_MovePastEOC(&ctxt);
+        if (status != ASN1S_SUCCESS) {
+            return walker_.fail(status, {Expectation::EndOfContents});
+        }
+        // Whoever reads the element takes its end-of-contents, or leaves it.
+        ctxt.buffer.byteIndex -= 2;
+        return ASN1S_SUCCESS;
+    }
+    const unsigned left =
+        ctxt.buffer.byteIndex < ctxt.buffer.size ? ctxt.buffer.size - ctxt.buffer.byteIndex : 0;
+    if (static_cast<unsigned>(length_) > left) {
+        return walker_.fail(ASN1S_END_OF_BUFFER, {Expectation::Contents, &type_});
+    }
+    ctxt.buffer.byteIndex += static_cast<unsigned>(length_);
+    return ASN1S_SUCCESS;
+}
+
+int Walking::Constructed::leave() {
+    if (!entered_) {
+        return ASN1S_SUCCESS;
+    }
+    walker_.stepped = false;
+    if (!reported_) {
+        return ASN1S_SUCCESS;
+    }
+    if (type_.table != nullptr) {
+        walker_.openValue->leaves(element_);
+        return ASN1S_SUCCESS;
+    }
+    return walker_.leave(element_);
+}
+
+} // namespace asn1data::family

@@ -1,0 +1,261 @@
+#ifndef BREVANTIS_ASN1DATA_FAMILY_WALKER_H
+#define BREVANTIS_ASN1DATA_FAMILY_WALKER_H
+
+#include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/object_identifier.h>
+
+#include "decode_flow.h"
+
+// The sink that reports what is read. A walk keeps what it knows of the element at hand, and of the
+// records around it that wait for their open value, on the stack.
+
+namespace asn1data::family {
+
+/// Runs up through the flow like a failure when the visitor has stopped the walk.
+enum : int { WalkStopped = 1 };
+
+class OpenValueWalk;
+
+/// What a walk knows of the element at hand before it is read; as in WalkElement.
+struct WalkPlace {
+    const WalkStep* step;
+    const ElementDescription* element;
+    const TypeDescription* container;
+    const ObjectDescription* object;
+    const unsigned char* data;
+    unsigned depth;
+    bool assembled;
+};
+
+/// State of one walk.
+class Walker {
+public:
+    Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor, WalkFailure& failure);
+    ~Walker();
+    Walker(const Walker&) = delete;
+    Walker& operator=(const Walker&) = delete;
+
+    /// @return 0, WalkStopped, or the decoder's status
+    int run(const TypeDescription& type);
+    unsigned position() const { return ctxt.buffer.byteIndex; }
+
+    /// The first octet that has not been read.
+    const unsigned char* octets() const { return ctxt.buffer.data + ctxt.buffer.byteIndex; }
+    /// The octet at the position belongs to the header of the element at hand, or begins another.
+    void atHeader() { valueStart = octets(); }
+    void atElement() { elementStart = valueStart = octets(); }
+
+    int fail(int status, const Expected& expected);
+    int primitive(const TypeDescription* type, ASN1TagType tagging, int length);
+    int checkConstraint(const TypeDescription& type, const Constraint& constraint,
+                        const char* parameter);
+
+    /// Completes the report on the element at hand.
+    /// @param contents its first contents octet
+    WalkElement report(const TypeDescription* type, const unsigned char* contents,
+                       int contentLength) const;
+    /// Calls the visitor's `enter`. It may not be entered, or the walk be stopped.
+    bool enter(const WalkElement& element);
+    int leave(const WalkElement& element);
+
+    ASN1CTXT ctxt{};
+    WalkPlace here{};
+    const unsigned char* elementStart = nullptr; ///< of the element that a step leads to next
+    const unsigned char* valueStart = nullptr;   ///< of the innermost header
+    const unsigned char* base;                   ///< offset 0
+    OpenValueWalk* openValue = nullptr;          ///< of the innermost record that can have one
+    const ObjectDescription* object = nullptr;   ///< what resolves the open value that is read next
+    unsigned silence = 0;                        ///< above 0 nothing is reported
+    bool stopped = false;
+    bool stepped = false; ///< the value read last was stepped over
+    long long number = 0; ///< that the constraint of the value read last is about
+
+    // The elements of a record that could have stood where its last one was looked for.
+    const TypeDescription* candidateOwner = nullptr;
+    const unsigned char* candidateStart = nullptr;
+    unsigned candidateFirst = 0;
+    unsigned candidateCount = 0;
+
+private:
+    int readPrimitive(const TypeDescription& type, ASN1TagType tagging, int length,
+                      WalkValue& value);
+    int readRaw(WalkValue& value);
+    int resolveOctets(const TypeDescription& type, const WalkElement& element,
+                      const ASN1SavedState& start, ASN1TagType tagging, int length);
+    int resolved(const unsigned char* data, unsigned count);
+    void findFound(int status, const Expected& expected);
+
+    WalkVisitor& visitor_;
+    WalkFailure& failure_;
+    ASN1TObjId identifier_;
+
+    friend class OpenValueWalk;
+};
+
+/// A step on the path, undone at its end.
+class StepWalk {
+public:
+    /// To an element of a SEQUENCE.
+    /// @param next index of the first element that could have been there in its place
+    StepWalk(Walker& walker, const TypeDescription& container, const ElementDescription& element,
+             unsigned next);
+    /// To a member of a SET or an alternative of a CHOICE, whose header has been read.
+    StepWalk(Walker& walker, const TypeDescription& container, const ElementDescription& element);
+    /// To an element of a list, at the position.
+    StepWalk(Walker& walker, const TypeDescription& container, unsigned index);
+    /// To the typed form of an open value.
+    StepWalk(Walker& walker, const ObjectDescription& object);
+    /// To an addition, at the position.
+    StepWalk(Walker& walker, const TypeDescription& container, unsigned place, StepKind kind);
+    ~StepWalk();
+    StepWalk(const StepWalk&) = delete;
+    StepWalk& operator=(const StepWalk&) = delete;
+
+private:
+    void begin(const TypeDescription* container, const ElementDescription* element);
+
+    Walker& walker_;
+    WalkStep step_;
+    const unsigned char* data_;
+    const TypeDescription* container_;
+    const ElementDescription* element_;
+    const ObjectDescription* object_;
+    bool silent_ = false;
+};
+
+/// A record with an open value. The value is read in silence when its turn comes, and again, now
+/// reported and resolved, when the record is complete: only then is it known to be one.
+class OpenValueWalk {
+public:
+    OpenValueWalk(Walker& walker, const TypeDescription& type);
+    ~OpenValueWalk();
+    OpenValueWalk(const OpenValueWalk&) = delete;
+    OpenValueWalk& operator=(const OpenValueWalk&) = delete;
+
+    /// An element of the record begins at Walker::elementStart.
+    /// @return whether it holds the open value and is read for the first time
+    bool begins(const ElementDescription& element);
+    /// An element of the record has been read.
+    void took(const ElementDescription& element);
+    /// The record ends, and is left once the value has been reported.
+    void leaves(const WalkElement& record);
+
+    int resolve();
+    /// Reports the raw value, as far as it is whole, when the record fails behind it; not when it
+    /// fails in another element that has been entered, for the value does not belong in there.
+    void reportRaw();
+
+private:
+    int readAgain(const ObjectDescription* object);
+
+    Walker& walker_;
+    const TypeDescription& type_;
+    OpenValueWalk* outer_;
+    const ElementDescription* element_ = nullptr; ///< begun and not yet reported
+    bool begun_ = false;
+    bool complete_ = false;
+    bool entered_ = false;
+    bool identified_ = false;
+    WalkElement record_; ///< to be left, with `entered_`
+    // How the walk stood when the value began.
+    WalkPlace here_;
+    ASN1Buffer buffer_{};
+    unsigned short flags_ = 0;
+    ASN1Buffer failing_{}; ///< where the decoder stands when a value turns out to have no octets
+    ASN1TObjId identifier_;
+
+    friend class Walker;
+};
+
+/// The handle of a walker that the flow passes around.
+class Walking {
+public:
+    struct Value {};
+    static constexpr bool watchesOpenValues = true;
+
+    explicit Walking(Walker& walker) : walker_(&walker) {}
+
+    ASN1CTXT* ctxt() const { return &walker_->ctxt; }
+    int fail(int status, const Expected& expected) const { return walker_->fail(status, expected); }
+    void atElement() const { walker_->atElement(); }
+    void atHeader() const { walker_->atHeader(); }
+
+    bool takes(const TypeDescription& /*type*/, Value /*value*/) const { return true; }
+    Value member(Value record, const ElementDescription& /*element*/) const { return record; }
+    bool alternative(Value /*record*/, const ElementDescription& /*alternative*/,
+                     Value& /*value*/) const {
+        return true;
+    }
+    void prepare(const TypeDescription& /*type*/, Value /*record*/) const {}
+    void took(const TypeDescription& type, const ElementDescription& element,
+              Value /*record*/) const {
+        if (type.table != nullptr) {
+            walker_->openValue->took(element);
+        }
+    }
+    void selects(const TypeDescription& /*type*/, Value /*record*/) const {}
+    void selected(const TypeDescription& /*type*/, Value /*record*/, unsigned /*selector*/) const {}
+    void clearArray(const TypeDescription& /*type*/, Value /*value*/) const {}
+    bool makeArray(const TypeDescription& /*type*/, Value /*value*/, int /*size*/) const {
+        return true;
+    }
+    int primitive(const TypeDescription& type, Value /*value*/, ASN1TagType tagging,
+                  int length) const {
+        return walker_->primitive(&type, tagging, length);
+    }
+    int addition(const TypeDescription& type, Value /*record*/, unsigned place) const {
+        const StepWalk step(*walker_, type, place, StepKind::Addition);
+        return walker_->primitive(nullptr, ASN1TagExplicit, 0);
+    }
+    int withinConstraint(const TypeDescription& type, Value /*value*/, const Constraint& constraint,
+                         const char* parameter) const {
+        return constraint.count == 0 || walker_->stepped
+                   ? int{ASN1S_SUCCESS}
+                   : walker_->checkConstraint(type, constraint, parameter);
+    }
+
+    operator Walker&() const { return *walker_; }
+    using Step = StepWalk;
+    using OpenValue = OpenValueWalk;
+
+    class Constructed {
+    public:
+        Constructed(Walker& walker, const TypeDescription& type, int length);
+        bool isEntered() const { return entered_; }
+        int stepOver();
+        int leave();
+
+    private:
+        Walker& walker_;
+        const TypeDescription& type_;
+        int length_;
+        bool reported_;
+        bool entered_;
+        WalkElement element_;
+    };
+
+    /// Counts what a list or an array would hold.
+    class List {
+    public:
+        List(Walker& walker, const TypeDescription& /*type*/, Value /*value*/) : walker_(walker) {}
+        ~List() { walker_.number = count_; }
+        List(const List&) = delete;
+        List& operator=(const List&) = delete;
+        unsigned count() const { return count_; }
+        static bool place(Value& /*element*/) { return true; }
+        void append(Value /*element*/) { ++count_; }
+
+    private:
+        Walker& walker_;
+        unsigned count_ = 0;
+    };
+    using Places = List;
+
+private:
+    Walker* walker_;
+};
+
+} // namespace asn1data::family
+
+#endif
