@@ -11,7 +11,7 @@
 std::string displayName(const asn1data::ASN1T_Name& name);
 
 /// Text of an encoded string of any of the types that names are made of, in UTF-8. Characters that
-/// would steer a terminal or turn the direction of the line are written as \u{XXXX}, octets that
+/// would steer a terminal or turn the direction of the line are written as \u{NNNN}, octets that
 /// are no UTF-8 as \xNN, a backslash as two. T61String is taken as Latin-1, as its writers mean it.
 /// @param element the whole element, header included
 /// @return the text, "-" for an element that is not a string

@@ -26,6 +26,7 @@ quietly "$cmake" -S "$consumer" -B "$work/build" -G Ninja -DCMAKE_CXX_COMPILER="
     -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_PREFIX_PATH="$prefix"
 quietly "$cmake" --build "$work/build"
 [[ $("$work/build/consumer") == identical ]]
+[[ $("$work/build/value_classes") == C=RU,O=x ]]
 [[ $("$work/build/own_module") == 300702011980026D6D ]]
 echo "CMake package: works"
 

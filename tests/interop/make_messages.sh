@@ -453,4 +453,4 @@ kill "$server" 2>/dev/null || true
 server=
 
 touch ../complete
-echo "$(find .. -name '*.?er' -not -path '../work/*' | wc -l) messages made by $(openssl version)"
+echo "$(find .. -name '*.?er' -not -path '../work*' | wc -l) messages made by $(openssl version)"

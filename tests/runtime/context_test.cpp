@@ -13,6 +13,7 @@
 #include "support/coding.h"
 #include "support/counting_allocator.h"
 #include "support/data_file.h"
+#include "support/leak_check.h"
 
 namespace {
 
@@ -141,21 +142,14 @@ TEST(Context, ADynamicBufferGoesWithTheContextUnlessKept) {
     }
 }
 
-TEST(Context, FlagsAreOnlyAdded) {
-    Context ctxt;
-    rtCtxtSetFlag(ctxt, 0x0800);
-    rtCtxtSetFlag(ctxt, 0x7FFF0040);
-    EXPECT_EQ(ctxt->flags, 0x0840);
-    rtCtxtSetFlag(ctxt, 0);
-    EXPECT_EQ(ctxt->flags, 0x0840);
-}
-
 TEST(Context, ACopyIsTheDescriptorAndTheFlags) {
     Context source;
     unsigned char octets[4] = {};
     rtInitContextBuffer(source, octets, 4);
     source->buffer.byteIndex = 3;
-    source->flags = 0x0440;
+    for (const int added : {0x0400, 0x7FFF0040, 0}) {
+        rtCtxtSetFlag(source, added);
+    }
     rtErrSetData(&source->errInfo, -5, nullptr, 0);
     ASN1CTXT target;
     std::memset(static_cast<void*>(&target), 0x5A, sizeof target);
@@ -173,60 +167,53 @@ TEST(Context, ACopyIsTheDescriptorAndTheFlags) {
 }
 
 TEST(Context, JoinsAnotherHeap) {
-    CountingAllocator allocator;
-    {
-        Context source;
-        Context target;
-        void* own = target->msgMemHeap;
-        ASSERT_EQ(rtInitContextBuffer(target, nullptr, 8), 0);
-        rtCtxtSetMemHeap(target, source);
-        EXPECT_EQ(target->memHeap, source->memHeap);
-        EXPECT_EQ(references(source->memHeap), 3u);
-        EXPECT_EQ(references(own), 1u);
-        rtCtxtSetMemHeap(target, source);
-        EXPECT_EQ(references(source->memHeap), 3u) << "shared already";
-        rtCtxtSetMemHeap(target, nullptr);
-        rtCtxtSetMemHeap(nullptr, source);
-        EXPECT_EQ(target->memHeap, source->memHeap);
-        target->buffer.data[7] = 1; // the old heap and what lies on it still live
-        ASSERT_NE(rtMemHeapAlloc(&target->memHeap, 1), nullptr);
-    }
-    EXPECT_EQ(CountingAllocator::live(), 0);
-}
+    const tests::LeakCheck allocator;
+    Context source;
+    Context target;
+    void* own = target->msgMemHeap;
+    ASSERT_EQ(rtInitContextBuffer(target, nullptr, 8), 0);
+    rtCtxtSetMemHeap(target, source);
+    EXPECT_EQ(target->memHeap, source->memHeap);
+    EXPECT_EQ(references(source->memHeap), 3u);
+    EXPECT_EQ(references(own), 1u);
+    rtCtxtSetMemHeap(target, source);
+    EXPECT_EQ(references(source->memHeap), 3u) << "shared already";
+    rtCtxtSetMemHeap(target, nullptr);
+    rtCtxtSetMemHeap(nullptr, source);
+    EXPECT_EQ(target->memHeap, source->memHeap);
+    target->buffer.data[7] = 1; // the old heap and what lies on it still live
+    ASSERT_NE(rtMemHeapAlloc(&target->memHeap, 1), nullptr);
 
-TEST(Context, KeepsItsOwnHeapWhenItJoinsItself) {
-    Context ctxt;
-    rtMemHeapRelease(&ctxt->msgMemHeap);
-    ctxt->msgMemHeap = nullptr;
-    auto* block = static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, 1));
-    rtCtxtSetMemHeap(ctxt, ctxt);
-    EXPECT_EQ(references(ctxt->memHeap), 1u);
+    // Even the only reference outlives a context that joins itself.
+    Context alone;
+    rtMemHeapRelease(&alone->msgMemHeap);
+    alone->msgMemHeap = nullptr;
+    auto* block = static_cast<unsigned char*>(rtMemHeapAlloc(&alone->memHeap, 1));
+    rtCtxtSetMemHeap(alone, alone);
+    EXPECT_EQ(references(alone->memHeap), 1u);
     *block = 1;
 }
 
 TEST(Context, LeavesAHeapThatVanishes) {
-    CountingAllocator allocator;
-    {
-        Context source;
-        Context target;
-        ASSERT_EQ(rtInitContextBuffer(target, nullptr, 8), 0);
-        ASSERT_NE(rtSListAppend(&target->headList, nullptr), nullptr);
-        target->stream =
-            static_cast<ASN1Stream*>(rtMemHeapAllocZ(&target->memHeap, int{sizeof(ASN1Stream)}));
-        rtCtxtSetMemHeap(target, source);
-        EXPECT_NE(target->stream, nullptr);
-        ASSERT_NE(rtSListAppend(&target->tailList, nullptr), nullptr);
-        EXPECT_NE(target->buffer.data, nullptr);
-        rtCtxtSetMsgMemHeap(target, source);
-        EXPECT_EQ(references(source->memHeap), 4u);
-        EXPECT_EQ(target->buffer.data, nullptr);
-        EXPECT_EQ(target->buffer.size, 0u);
-        EXPECT_EQ(target->stream, nullptr);
-        EXPECT_EQ(target->headList.count, 0u);
-        EXPECT_EQ(target->tailList.count, 1u);
-        ASSERT_NE(rtSListAppend(&target->headList, nullptr), nullptr);
-    }
-    EXPECT_EQ(CountingAllocator::live(), 0);
+    const tests::LeakCheck allocator;
+    Context source;
+    Context target;
+    ASSERT_EQ(rtInitContextBuffer(target, nullptr, 8), 0);
+    ASSERT_NE(rtSListAppend(&target->headList, nullptr), nullptr);
+    target->stream =
+        static_cast<ASN1Stream*>(rtMemHeapAllocZ(&target->memHeap, int{sizeof(ASN1Stream)}));
+    rtCtxtSetMemHeap(target, source);
+    EXPECT_NE(target->stream, nullptr);
+    ASSERT_NE(rtSListAppend(&target->tailList, nullptr), nullptr);
+    EXPECT_NE(target->buffer.data, nullptr);
+    rtCtxtSetMsgMemHeap(target, source);
+    EXPECT_EQ(references(source->memHeap), 4u);
+    EXPECT_EQ(target->buffer.data, nullptr);
+    EXPECT_EQ(target->buffer.size, 0u);
+    EXPECT_EQ(target->stream, nullptr);
+    EXPECT_EQ(target->headList.count, 0u);
+    EXPECT_EQ(target->tailList.count, 1u);
+    ASSERT_NE(rtSListAppend(&target->headList, nullptr), nullptr);
 }
 
 TEST(SharedContext, DiesWithItsLastReference) {
@@ -263,13 +250,10 @@ TEST(SharedContext, OnTheStackIsHeldByItsOwner) {
     testing::internal::CaptureStdout();
     context.PrintErrorInfo();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "ASN.1 ERROR: Status -2\n");
-}
-
-TEST(SharedContext, WithoutAReferenceDoesNotDeleteItself) {
-    ASN1Context context;
-    context._unref();
-    EXPECT_EQ(context.getRefCount(), 0xFFFFFFFFu);
-    EXPECT_EQ(rtInitContextBuffer(&context, nullptr, 1), 0);
+    ASN1Context unheld;
+    unheld._unref();
+    EXPECT_EQ(unheld.getRefCount(), 0xFFFFFFFFu) << "it does not delete itself";
+    EXPECT_EQ(rtInitContextBuffer(&unheld, nullptr, 1), 0);
 }
 
 TEST(SharedContext, ReportsMissingMemory) {

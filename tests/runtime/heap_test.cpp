@@ -1,6 +1,7 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,8 +10,10 @@
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/single_list.h>
 
+#include "support/coding.h"
 #include "support/counting_allocator.h"
 #include "support/data_file.h"
+#include "support/leak_check.h"
 
 namespace {
 
@@ -61,42 +64,36 @@ TEST(Heap, SizeLimits) {
     });
 }
 
-TEST(Heap, BlocksOfNoOctetsAreDistinct) {
-    Heap heap;
-    char* first = heap.allocate(0);
-    char* second = heap.allocate(0);
-    ASSERT_NE(first, nullptr);
-    EXPECT_NE(first, second);
-}
-
 TEST(Heap, FreeingAnyBlockKeepsTheRest) {
-    CountingAllocator allocator;
-    {
-        Heap heap;
-        char* blocks[] = {heap.allocate(1), heap.allocate(2), heap.allocate(3), heap.allocate(4)};
-        EXPECT_EQ(heap.sizes(), (Sizes{4, 3, 2, 1}));
-        rtMemHeapFreePtr(heap.ref(), blocks[3]); // newest
-        EXPECT_EQ(heap.sizes(), (Sizes{3, 2, 1}));
-        rtMemHeapFreePtr(heap.ref(), blocks[1]); // in the middle
-        EXPECT_EQ(heap.sizes(), (Sizes{3, 1}));
-        rtMemHeapFreePtr(heap.ref(), blocks[0]); // oldest
-        EXPECT_EQ(heap.sizes(), Sizes{3});
-        rtMemHeapFreePtr(heap.ref(), blocks[2]); // the only one
-        EXPECT_EQ(heap.sizes(), Sizes{});
-        EXPECT_NE(heap.allocate(5), nullptr);
-        EXPECT_EQ(CountingAllocator::live(), 2);
-        rtMemHeapFreePtr(heap.ref(), nullptr);
-        rtMemHeapFreePtr(nullptr, blocks[0]);
+    const tests::LeakCheck allocator;
+    Heap heap;
+    char* blocks[] = {heap.allocate(0), heap.allocate(0), heap.allocate(2), heap.allocate(3)};
+    EXPECT_EQ(heap.sizes(), (Sizes{3, 2, 0, 0})) << "blocks of no octets are blocks, too";
+    EXPECT_NE(blocks[0], blocks[1]);
+    // The newest, one in the middle, the oldest, the only one.
+    const std::pair<int, Sizes> steps[] = {{3, {2, 0, 0}}, {1, {2, 0}}, {0, {2}}, {2, {}}};
+    for (const auto& [freed, left] : steps) {
+        rtMemHeapFreePtr(heap.ref(), blocks[freed]);
+        EXPECT_EQ(heap.sizes(), left);
     }
-    EXPECT_EQ(CountingAllocator::live(), 0);
+    EXPECT_NE(heap.allocate(5), nullptr);
+    EXPECT_EQ(CountingAllocator::live(), 2);
+    rtMemHeapFreePtr(heap.ref(), nullptr);
+    rtMemHeapFreePtr(nullptr, blocks[0]);
 }
 
 TEST(Heap, ResizeNotesTheSmallerSizeAndMovesOnGrowth) {
+    CountingAllocator allocator;
     Heap heap;
     char* block = heap.allocate(8);
     std::string("12345678").copy(block, 8);
     EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, 4), block);
     EXPECT_EQ(heap.sizes(), Sizes{4});
+    CountingAllocator::failAfter(0);
+    EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, 8), nullptr);
+    EXPECT_EQ(std::string(block, 4), "1234") << "growth that fails leaves the old block";
+    EXPECT_EQ(heap.sizes(), Sizes{4});
+    CountingAllocator::neverFail();
     auto* grown = static_cast<char*>(rtMemHeapRealloc(heap.ref(), block, 8));
     ASSERT_NE(grown, nullptr);
     EXPECT_NE(grown, block);
@@ -108,17 +105,6 @@ TEST(Heap, ResizeNotesTheSmallerSizeAndMovesOnGrowth) {
     EXPECT_EQ(rtMemHeapRealloc(&none, nullptr, 3), nullptr);
     EXPECT_EQ(none, nullptr);
     EXPECT_EQ(rtMemHeapRealloc(nullptr, nullptr, 3), nullptr);
-}
-
-TEST(Heap, FailedGrowthLeavesTheOldBlock) {
-    CountingAllocator allocator;
-    Heap heap;
-    char* block = heap.allocate(3);
-    std::string("abc").copy(block, 3);
-    CountingAllocator::failAfter(0);
-    EXPECT_EQ(rtMemHeapRealloc(heap.ref(), block, 4), nullptr);
-    EXPECT_EQ(std::string(block, 3), "abc");
-    EXPECT_EQ(heap.sizes(), Sizes{3});
 }
 
 TEST(Heap, TheLastReferenceReleasesAll) {
@@ -169,21 +155,18 @@ TEST(Heap, IsMadeOnTheSpot) {
 }
 
 TEST(Heap, ABlockReturnsToTheHeapThatItCameFrom) {
-    CountingAllocator allocator;
-    {
-        Heap first;
-        Heap second;
-        char* strayed = first.allocate(1);
-        first.allocate(2);
-        char* moving = first.allocate(3);
-        second.allocate(4);
-        rtMemHeapFreePtr(second.ref(), strayed);
-        EXPECT_EQ(first.sizes(), (Sizes{3, 2}));
-        ASSERT_NE(rtMemHeapRealloc(second.ref(), moving, 30), nullptr);
-        EXPECT_EQ(first.sizes(), Sizes{2});
-        EXPECT_EQ(second.sizes(), (Sizes{30, 4}));
-    }
-    EXPECT_EQ(CountingAllocator::live(), 0);
+    const tests::LeakCheck allocator;
+    Heap first;
+    Heap second;
+    char* strayed = first.allocate(1);
+    first.allocate(2);
+    char* moving = first.allocate(3);
+    second.allocate(4);
+    rtMemHeapFreePtr(second.ref(), strayed);
+    EXPECT_EQ(first.sizes(), (Sizes{3, 2}));
+    ASSERT_NE(rtMemHeapRealloc(second.ref(), moving, 30), nullptr);
+    EXPECT_EQ(first.sizes(), Sizes{2});
+    EXPECT_EQ(second.sizes(), (Sizes{30, 4}));
 }
 
 // The hooks see the program's pointer at every call; what they return is dirty memory.
@@ -232,26 +215,22 @@ TEST(Heap, TheDefaultHooksAreThePlatforms) {
 
 TEST(SingleList, NodesOfAContextComeFromItsHeap) {
     CountingAllocator allocator;
-    ASN1CTXT ctxt;
-    ASSERT_EQ(rtInitContext(&ctxt, nullptr), 0);
+    tests::Context context;
     int elements[3] = {1, 2, 3};
     Asn1RTSList list;
-    rtSListInitEx(&ctxt, &list);
+    rtSListInitEx(context, &list);
     const long before = CountingAllocator::live();
     for (int& element : elements) {
         ASSERT_NE(rtSListAppend(&list, &element), nullptr);
     }
+    CountingAllocator::failAfter(0);
+    EXPECT_EQ(rtSListAppend(&list, &elements[0]), nullptr);
     EXPECT_EQ(CountingAllocator::live() - before, 3);
     EXPECT_EQ(list.count, 3u);
     EXPECT_EQ(list.head->data, &elements[0]);
     EXPECT_EQ(list.head->next->data, &elements[1]);
     EXPECT_EQ(list.tail->data, &elements[2]);
     EXPECT_EQ(list.tail->next, nullptr);
-
-    CountingAllocator::failAfter(0);
-    EXPECT_EQ(rtSListAppend(&list, &elements[0]), nullptr);
-    EXPECT_EQ(list.count, 3u);
-    EXPECT_EQ(list.tail->data, &elements[2]);
 
     rtSListFree(&list);
     EXPECT_EQ(CountingAllocator::live(), before);
@@ -260,7 +239,6 @@ TEST(SingleList, NodesOfAContextComeFromItsHeap) {
     EXPECT_EQ(list.tail, nullptr);
     EXPECT_EQ(list.pctxt, nullptr);
     EXPECT_EQ(elements[2], 3);
-    rtFreeContext(&ctxt);
 }
 
 TEST(SingleList, NodesWithoutAContextComeFromTheProcess) {

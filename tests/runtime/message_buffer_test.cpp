@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "support/counting_allocator.h"
 #include "support/data_file.h"
 #include "support/hex.h"
+#include "support/leak_check.h"
 
 namespace {
 
@@ -103,28 +105,26 @@ TEST(EncodeBuffer, CopiesTheUnusedLastOctetToo) {
     buffer.getCtxtPtr()->buffer.byteIndex = 2;
     copy.reset(buffer.getMsgCopy());
     EXPECT_EQ(toHex(copy.get(), 2), "03 04");
-    buffer.getCtxtPtr()->buffer.byteIndex = 4;
-    EXPECT_EQ(buffer.getMsgCopy(), nullptr);
-    buffer.getCtxtPtr()->buffer.byteIndex = 5;
-    EXPECT_EQ(buffer.getMsgCopy(), nullptr);
+    for (const unsigned int end : {4u, 5u}) {
+        buffer.getCtxtPtr()->buffer.byteIndex = end;
+        EXPECT_EQ(buffer.getMsgCopy(), nullptr);
+    }
 }
 
 TEST(EncodeBuffer, KeepsToABlockOfTheCallers) {
 
     tests::forEachRow("message_buffer.txt", "blocks", [&](const tests::DataRow& row) {
-        Octets block(static_cast<std::size_t>(row.number("size")) + 1);
-        block.pop_back();
+        Octets block(std::max(row.number<std::size_t>("room"), std::size_t{1}));
+        block.resize(row.number<std::size_t>("room"));
         ASN1BEREncodeBuffer buffer;
         EXPECT_EQ(buffer.setBuffer(block.data(), row.number("size")), row.number("made"));
-        Repeated object(buffer, 2, 0xAB);
-        EXPECT_EQ(object.Encode(), row.number("result"));
+        if (row["result"] != "any") {
+            Repeated object(buffer, 2, 0xAB);
+            EXPECT_EQ(object.Encode(), row.number("result"));
+        }
         EXPECT_EQ(thrownStatus([&] { ASN1BEREncodeBuffer made(block.data(), row.number("size")); }),
                   row.number("made"));
     });
-    unsigned char block[4];
-    ASN1BEREncodeBuffer buffer;
-    EXPECT_EQ(buffer.setBuffer(block, -1), ASN1S_INVALID_PARAMETER);
-    EXPECT_EQ(thrownStatus([&] { ASN1BEREncodeBuffer made(block, -5); }), ASN1S_INVALID_PARAMETER);
 }
 
 TEST(EncodeBuffer, TheStreamOperatorThrowsEveryResultButNone) {
@@ -181,8 +181,9 @@ TEST(DecodeBuffer, WithoutAMessageNothingDecodes) {
     Repeated object(buffer, 0, 0);
     EXPECT_EQ(object.Decode(), ASN1S_TAG_NOT_FOUND);
     EXPECT_EQ(buffer.setBuffer(nullptr, 2), ASN1S_NOT_SUPPORTED);
-    EXPECT_EQ(buffer.setBuffer(message.data(), 0), ASN1S_NOT_SUPPORTED);
-    EXPECT_EQ(buffer.setBuffer(message.data(), -1), ASN1S_NOT_SUPPORTED);
+    for (const int size : {0, -1}) {
+        EXPECT_EQ(buffer.setBuffer(message.data(), size), ASN1S_NOT_SUPPORTED);
+    }
     EXPECT_EQ(buffer.init(), ASN1S_NOT_SUPPORTED) << "what was refused is remembered";
     const Octets tooLong = fromHex("04 82 01 00 AB");
     EXPECT_EQ(buffer.setBuffer(tooLong.data(), 5), ASN1S_INVALID_LENGTH);
@@ -211,22 +212,6 @@ TEST(DecodeBuffer, FindsElements) {
     EXPECT_EQ(empty.findElement(2, length, 1), nullptr);
 }
 
-TEST(MessageBuffer, KnowsItsDirection) {
-    ASN1BEREncodeBuffer encode;
-    ASN1BERDecodeBuffer decode;
-    EXPECT_TRUE(encode.isA(ASN1MessageBufferIF::EncodeBuffer));
-    EXPECT_FALSE(encode.isA(ASN1MessageBufferIF::DecodeBuffer));
-    EXPECT_TRUE(decode.isA(ASN1MessageBufferIF::DecodeBuffer));
-    EXPECT_FALSE(decode.isA(ASN1MessageBufferIF::EncodeBuffer));
-    EXPECT_EQ(static_cast<int>(ASN1MessageBufferIF::EncodeBuffer), 0);
-    EXPECT_EQ(static_cast<int>(ASN1MessageBufferIF::DecodeBuffer), 1);
-    char narrow[] = "30";
-    unsigned short wide[] = {'3', '0', 0};
-    EXPECT_EQ(encode.initBuffer(narrow), ASN1S_NOT_SUPPORTED);
-    EXPECT_EQ(decode.initBuffer(wide), ASN1S_NOT_SUPPORTED);
-    EXPECT_EQ(decode.getMsgCopy(), nullptr);
-}
-
 // What a buffer of a program's own gets when it overrides the pure operations alone.
 class Bare : public ASN1MessageBufferIF {
 public:
@@ -235,7 +220,14 @@ public:
     bool isA(Type /*type*/) override { return false; }
 };
 
-TEST(MessageBuffer, TheInterfaceOffersNothing) {
+TEST(MessageBuffer, OffersWhatItsDirectionAllows) {
+    ASN1BEREncodeBuffer encode;
+    ASN1BERDecodeBuffer decode;
+    for (const auto type : {ASN1MessageBufferIF::EncodeBuffer, ASN1MessageBufferIF::DecodeBuffer}) {
+        EXPECT_EQ(encode.isA(type), type == ASN1MessageBufferIF::EncodeBuffer);
+        EXPECT_EQ(decode.isA(type), type == ASN1MessageBufferIF::DecodeBuffer);
+    }
+    EXPECT_EQ(decode.getMsgCopy(), nullptr);
     Bare bare;
     ASN1MessageBufferIF& buffer = bare;
     ASN1MemBuf memory{};
@@ -245,8 +237,11 @@ TEST(MessageBuffer, TheInterfaceOffersNothing) {
     EXPECT_EQ(buffer.getMsgCopy(), nullptr);
     EXPECT_EQ(buffer.getMsgPtr(), nullptr);
     EXPECT_EQ(buffer.initBuffer(memory), ASN1S_NOT_SUPPORTED);
-    EXPECT_EQ(buffer.initBuffer(narrow), ASN1S_NOT_SUPPORTED);
-    EXPECT_EQ(buffer.initBuffer(wide), ASN1S_NOT_SUPPORTED);
+    for (ASN1MessageBufferIF* any : {&buffer, static_cast<ASN1MessageBufferIF*>(&encode),
+                                     static_cast<ASN1MessageBufferIF*>(&decode)}) {
+        EXPECT_EQ(any->initBuffer(narrow), ASN1S_NOT_SUPPORTED);
+        EXPECT_EQ(any->initBuffer(wide), ASN1S_NOT_SUPPORTED);
+    }
     ASN1CType control(buffer);
     EXPECT_EQ(control.getCtxtPtr(), nullptr);
     control.setMsgBuf(buffer);
@@ -290,52 +285,46 @@ TEST(Control, NeedsABufferToCode) {
 }
 
 TEST(Control, CountsReferencesToContextAndHeap) {
-    CountingAllocator allocator;
+    const tests::LeakCheck allocator;
+    ASN1BEREncodeBuffer buffer;
+    ASN1CTXT* ctxt = buffer.getCtxtPtr();
+    EXPECT_EQ(buffer.getContext()->getRefCount(), 2u) << "the buffer's and this one";
+    ASN1ContextRef held = buffer.getContext();
     {
-        ASN1BEREncodeBuffer buffer;
-        ASN1CTXT* ctxt = buffer.getCtxtPtr();
-        EXPECT_EQ(buffer.getContext()->getRefCount(), 2u) << "the buffer's and this one";
-        ASN1ContextRef held = buffer.getContext();
-        {
-            ASN1CType on(buffer);
-            ASN1CType copy(on);
-            ASN1CType plain(*held);
-            ASN1BEREncodeBuffer second(buffer);
-            EXPECT_EQ(held->getRefCount(), 6u);
-            EXPECT_EQ(copy.getMsgBuf(), &buffer);
-            EXPECT_EQ(copy.getCtxtPtr(), ctxt);
-            EXPECT_EQ(plain.getMsgBuf(), nullptr);
-            EXPECT_EQ(second.getCtxtPtr(), ctxt);
-            on.setMsgBuf(buffer);
-            EXPECT_EQ(references(ctxt), 2u) << "one context, one heap";
+        ASN1CType on(buffer);
+        ASN1CType copy(on);
+        ASN1CType plain(*held);
+        ASN1BEREncodeBuffer second(buffer);
+        EXPECT_EQ(held->getRefCount(), 6u);
+        EXPECT_EQ(copy.getMsgBuf(), &buffer);
+        EXPECT_EQ(copy.getCtxtPtr(), ctxt);
+        EXPECT_EQ(plain.getMsgBuf(), nullptr);
+        EXPECT_EQ(second.getCtxtPtr(), ctxt);
+        on.setMsgBuf(buffer);
+        EXPECT_EQ(references(ctxt), 2u) << "one context, one heap";
 
-            ASN1CType apart;
-            EXPECT_EQ(apart.getContext()->getRefCount(), 2u);
-            EXPECT_NE(apart.getCtxtPtr(), ctxt);
-            apart.setMsgBuf(buffer);
-            apart.setMsgBuf(buffer);
-            EXPECT_EQ(references(ctxt), 3u);
-            EXPECT_EQ(apart.getCtxtPtr()->memHeap, ctxt->memHeap);
-            second = ASN1BEREncodeBuffer();
-            EXPECT_EQ(held->getRefCount(), 5u);
-        }
-        EXPECT_EQ(held->getRefCount(), 2u);
-        EXPECT_EQ(references(ctxt), 2u);
+        ASN1CType apart;
+        EXPECT_EQ(apart.getContext()->getRefCount(), 2u);
+        EXPECT_NE(apart.getCtxtPtr(), ctxt);
+        apart.setMsgBuf(buffer);
+        apart.setMsgBuf(buffer);
+        EXPECT_EQ(references(ctxt), 3u);
+        EXPECT_EQ(apart.getCtxtPtr()->memHeap, ctxt->memHeap);
+        second = ASN1BEREncodeBuffer();
+        EXPECT_EQ(held->getRefCount(), 5u);
     }
-    EXPECT_EQ(CountingAllocator::live(), 0);
+    EXPECT_EQ(held->getRefCount(), 2u);
+    EXPECT_EQ(references(ctxt), 2u);
 }
 
 TEST(Control, KeepsTheHeapOfItsValueBeyondTheBuffer) {
-    CountingAllocator allocator;
-    {
-        const Octets message = fromHex("04 02 AB CD");
-        Repeated own(0, 0);
-        auto buffer = std::make_unique<ASN1BERDecodeBuffer>(message.data(), 4);
-        ASSERT_EQ(own.DecodeFrom(*buffer), 0);
-        buffer.reset();
-        EXPECT_EQ(own.hex(), "AB CD");
-    }
-    EXPECT_EQ(CountingAllocator::live(), 0);
+    const tests::LeakCheck allocator;
+    const Octets message = fromHex("04 02 AB CD");
+    Repeated own(0, 0);
+    auto buffer = std::make_unique<ASN1BERDecodeBuffer>(message.data(), 4);
+    ASSERT_EQ(own.DecodeFrom(*buffer), 0);
+    buffer.reset();
+    EXPECT_EQ(own.hex(), "AB CD");
 }
 
 // A control object on one buffer is coded with another: the first buffer's block lies on a heap

@@ -6,6 +6,7 @@
 #include <brevantis/asn1/runtime/sequence_of_list.h>
 
 #include "support/counting_allocator.h"
+#include "support/leak_check.h"
 
 namespace {
 
@@ -150,54 +151,51 @@ TEST_F(SequenceOfList, iteratorWalksAndChanges) {
 }
 
 TEST(SequenceOfListMemory, constructorsShareOrOwn) {
-    tests::CountingAllocator allocator;
+    const tests::LeakCheck allocator;
+    ASN1BERDecodeBuffer buffer;
+    const ASN1ContextRef context = buffer.getContext();
+    const unsigned int references = context->getRefCount();
+    const long live = allocator.live();
+    _Asn1RTDList plain = {7, nullptr, nullptr};
+    ASN1TSeqOfList sequence;
+    ASN1TPDUSeqOfList message;
     {
-        ASN1BERDecodeBuffer buffer;
-        const ASN1ContextRef context = buffer.getContext();
-        const unsigned int references = context->getRefCount();
-        const long live = allocator.live();
-        _Asn1RTDList plain = {7, nullptr, nullptr};
-        ASN1TSeqOfList sequence;
-        ASN1TPDUSeqOfList message;
-        {
-            std::vector<std::unique_ptr<List>> lists;
-            lists.push_back(std::make_unique<List>(buffer, sequence));
-            lists.push_back(std::make_unique<List>(buffer, message));
-            lists.push_back(std::make_unique<List>(*context, sequence));
-            lists.push_back(std::make_unique<List>(*context, message));
-            lists.push_back(std::make_unique<List>(*context, plain, static_cast<unsigned char>(0)));
-            EXPECT_EQ(plain.count, 7u);
-            lists.push_back(std::make_unique<List>(buffer, plain, static_cast<unsigned char>(1)));
-            EXPECT_EQ(plain.count, 0u);
-            EXPECT_EQ(allocator.live(), live) << "a caller's list needs no memory";
-            for (const auto& list : lists) {
-                EXPECT_EQ(list->wasAssigned, 1);
-                EXPECT_EQ(list->getCtxtPtr(), context.get());
-            }
-            EXPECT_EQ(lists[0]->getMsgBuf(), &buffer);
-            EXPECT_EQ(context->getRefCount(), references + 6);
-            lists[0]->append(A);
+        std::vector<std::unique_ptr<List>> lists;
+        lists.push_back(std::make_unique<List>(buffer, sequence));
+        lists.push_back(std::make_unique<List>(buffer, message));
+        lists.push_back(std::make_unique<List>(*context, sequence));
+        lists.push_back(std::make_unique<List>(*context, message));
+        lists.push_back(std::make_unique<List>(*context, plain, static_cast<unsigned char>(0)));
+        EXPECT_EQ(plain.count, 7u);
+        lists.push_back(std::make_unique<List>(buffer, plain, static_cast<unsigned char>(1)));
+        EXPECT_EQ(plain.count, 0u);
+        EXPECT_EQ(allocator.live(), live) << "a caller's list needs no memory";
+        for (const auto& list : lists) {
+            EXPECT_EQ(list->wasAssigned, 1);
+            EXPECT_EQ(list->getCtxtPtr(), context.get());
         }
-        EXPECT_EQ(context->getRefCount(), references);
-        EXPECT_EQ(sequence.count, 1u) << "a caller's list outlives the object";
-        const long withNode = allocator.live();
-        {
-            List own(buffer);
-            List alsoOwn(*context);
-            EXPECT_EQ(own.wasAssigned, 0);
-            own.append(A);
-            alsoOwn.append(B);
-            EXPECT_EQ(allocator.live(), withNode + 4);
-        }
-        EXPECT_EQ(allocator.live(), withNode) << "an own list goes with its nodes";
-        List own(buffer);
-        own.append(rtMemHeapAlloc(&context->memHeap, 1));
-        own.freeAll();
-        EXPECT_EQ(allocator.live(), withNode + 1);
-        EXPECT_NE(List(sequence).getCtxtPtr(), context.get());
-        EXPECT_NE(List(message).getCtxtPtr(), context.get());
+        EXPECT_EQ(lists[0]->getMsgBuf(), &buffer);
+        EXPECT_EQ(context->getRefCount(), references + 6);
+        lists[0]->append(A);
     }
-    EXPECT_EQ(allocator.live(), 0);
+    EXPECT_EQ(context->getRefCount(), references);
+    EXPECT_EQ(sequence.count, 1u) << "a caller's list outlives the object";
+    const long withNode = allocator.live();
+    {
+        List own(buffer);
+        List alsoOwn(*context);
+        EXPECT_EQ(own.wasAssigned, 0);
+        own.append(A);
+        alsoOwn.append(B);
+        EXPECT_EQ(allocator.live(), withNode + 4);
+    }
+    EXPECT_EQ(allocator.live(), withNode) << "an own list goes with its nodes";
+    List own(buffer);
+    own.append(rtMemHeapAlloc(&context->memHeap, 1));
+    own.freeAll();
+    EXPECT_EQ(allocator.live(), withNode + 1);
+    EXPECT_NE(List(sequence).getCtxtPtr(), context.get());
+    EXPECT_NE(List(message).getCtxtPtr(), context.get());
 }
 
 TEST(SequenceOfListMemory, doesNothingWithoutAContext) {

@@ -8,6 +8,7 @@
 #include "support/coding.h"
 #include "support/counting_allocator.h"
 #include "support/data_file.h"
+#include "support/leak_check.h"
 
 namespace {
 
@@ -63,20 +64,16 @@ public:
 
 TEST(Stream, GathersAndPassesOnInOrder) {
     SinkContext ctxt(8);
-    EXPECT_EQ(ctxt.write("abc"), 0);
-    EXPECT_EQ(ctxt.write("defgh"), 0);
-    EXPECT_EQ(ctxt.taken, "") << "eight octets just fit";
-    EXPECT_EQ(ctxt.write("i"), 0);
-    EXPECT_EQ(ctxt.taken, "abcdefgh");
-    EXPECT_EQ(ctxt.write("12345678"), 0);
-    EXPECT_EQ(ctxt.taken, "abcdefghi12345678") << "a piece of the buffer's size goes straight on";
-    EXPECT_EQ(ctxt.write("x"), 0);
-    EXPECT_EQ(ctxt.write("a piece beyond the size"), 0);
-    EXPECT_EQ(ctxt.write("yz"), 0);
+    std::string all;
+    tests::forEachRow("stream.txt", "pieces", [&](const tests::DataRow& row) {
+        EXPECT_EQ(ctxt.write(row["piece"]), 0);
+        all += row["piece"];
+        EXPECT_EQ(ctxt.taken, all.substr(0, all.size() - row.number<std::size_t>("kept")));
+    });
     EXPECT_EQ(ctxt.flushes, 0);
     EXPECT_EQ(rtStreamBufFlush(ctxt), 0);
     EXPECT_EQ(ctxt.flushes, 1);
-    EXPECT_EQ(ctxt.taken, "abcdefghi12345678xa piece beyond the sizeyz");
+    EXPECT_EQ(ctxt.taken, all);
     EXPECT_EQ(ctxt.sink->byteCount, ctxt.taken.size());
     EXPECT_EQ(ctxt->buffer.byteIndex, 0u);
     EXPECT_EQ(ctxt->errInfo.status, 0);
@@ -222,20 +219,17 @@ TEST(ForwardWriting, FlushesBeforeItGrows) {
 }
 
 TEST(ForwardWriting, MissingMemoryKeepsWhatIsThere) {
-    CountingAllocator allocator;
-    {
-        Context ctxt;
-        ASSERT_EQ(rtInitContextBuffer(ctxt, nullptr, 2), 0);
-        const unsigned char octets[] = {1, 2, 3};
-        ASSERT_EQ(rtWriteBytes(ctxt, octets, 2), 0);
-        CountingAllocator::failAfter(0);
-        EXPECT_EQ(rtWriteBytes(ctxt, octets, 3), ASN1S_NO_MEMORY);
-        EXPECT_EQ(ctxt->errInfo.status, ASN1S_NO_MEMORY);
-        CountingAllocator::neverFail();
-        EXPECT_EQ(rtWriteBytes(ctxt, octets, 3), 0);
-        EXPECT_EQ(tests::toHex(ctxt->buffer.data, 5), "01 02 01 02 03");
-    }
-    EXPECT_EQ(CountingAllocator::live(), 0);
+    const tests::LeakCheck allocator;
+    Context ctxt;
+    ASSERT_EQ(rtInitContextBuffer(ctxt, nullptr, 2), 0);
+    const unsigned char octets[] = {1, 2, 3};
+    ASSERT_EQ(rtWriteBytes(ctxt, octets, 2), 0);
+    CountingAllocator::failAfter(0);
+    EXPECT_EQ(rtWriteBytes(ctxt, octets, 3), ASN1S_NO_MEMORY);
+    EXPECT_EQ(ctxt->errInfo.status, ASN1S_NO_MEMORY);
+    CountingAllocator::neverFail();
+    EXPECT_EQ(rtWriteBytes(ctxt, octets, 3), 0);
+    EXPECT_EQ(tests::toHex(ctxt->buffer.data, 5), "01 02 01 02 03");
 }
 
 } // namespace

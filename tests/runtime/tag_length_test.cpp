@@ -10,6 +10,7 @@
 #include "support/coding.h"
 #include "support/counting_allocator.h"
 #include "support/heap_copy.h"
+#include "support/leak_check.h"
 #include "support/row_reader.h"
 
 namespace {
@@ -236,29 +237,26 @@ TEST(TagLength, ADynamicBufferKeepsEverythingAsItGrows) {
 }
 
 TEST(TagLength, GrowthThatFailsLeavesTheBufferAlone) {
-    const CountingAllocator allocator;
-    {
-        Writer writer;
-        ASSERT_EQ(xe_memcpy(writer, "abc", 3), 3);
-        const ASN1Buffer before = writer->buffer;
-        const Octets large(20000, 1);
-        const long calls = CountingAllocator::calls();
-        EXPECT_EQ(xe_expandBuffer(writer, std::numeric_limits<int>::max()), ASN1S_NO_MEMORY);
-        EXPECT_EQ(xe_expandBuffer(writer, 0x7FFFFFCF - 16383), ASN1S_NO_MEMORY);
-        EXPECT_EQ(xe_memcpy(writer, large.data(), 0xFFFFFFFF), ASN1S_NO_MEMORY);
-        EXPECT_EQ(CountingAllocator::calls(), calls) << "sizes that cannot be are not tried";
-        CountingAllocator::failAfter(0);
-        EXPECT_EQ(xe_memcpy(writer, large.data(), 20000), ASN1S_NO_MEMORY);
-        EXPECT_EQ(writer->buffer.data, before.data);
-        EXPECT_EQ(writer->buffer.size, before.size);
-        EXPECT_EQ(writer.hex(), "61 62 63");
-        CountingAllocator::neverFail();
-        EXPECT_EQ(xe_expandBuffer(writer, -1), 0);
-        EXPECT_EQ(writer->buffer.size, 2 * before.size);
-        EXPECT_EQ(writer.hex(), "61 62 63");
-        EXPECT_EQ(CountingAllocator::live(), 2) << "the heap and one block";
-    }
-    EXPECT_EQ(CountingAllocator::live(), 0);
+    const tests::LeakCheck allocator;
+    Writer writer;
+    ASSERT_EQ(xe_memcpy(writer, "abc", 3), 3);
+    const ASN1Buffer before = writer->buffer;
+    const Octets large(20000, 1);
+    const long calls = CountingAllocator::calls();
+    EXPECT_EQ(xe_expandBuffer(writer, std::numeric_limits<int>::max()), ASN1S_NO_MEMORY);
+    EXPECT_EQ(xe_expandBuffer(writer, 0x7FFFFFCF - 16383), ASN1S_NO_MEMORY);
+    EXPECT_EQ(xe_memcpy(writer, large.data(), 0xFFFFFFFF), ASN1S_NO_MEMORY);
+    EXPECT_EQ(CountingAllocator::calls(), calls) << "sizes that cannot be are not tried";
+    CountingAllocator::failAfter(0);
+    EXPECT_EQ(xe_memcpy(writer, large.data(), 20000), ASN1S_NO_MEMORY);
+    EXPECT_EQ(writer->buffer.data, before.data);
+    EXPECT_EQ(writer->buffer.size, before.size);
+    EXPECT_EQ(writer.hex(), "61 62 63");
+    CountingAllocator::neverFail();
+    EXPECT_EQ(xe_expandBuffer(writer, -1), 0);
+    EXPECT_EQ(writer->buffer.size, 2 * before.size);
+    EXPECT_EQ(writer.hex(), "61 62 63");
+    EXPECT_EQ(CountingAllocator::live(), 2) << "the heap and one block";
 }
 
 } // namespace

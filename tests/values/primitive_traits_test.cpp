@@ -1,0 +1,186 @@
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+#include <brevantis/asn1/values/types_traits/primitive_traits.h>
+#include <brevantis/asn1/values/util/context_handle.h>
+#include <brevantis/asn1/values/util/object_identifier_text.h>
+#include <brevantis/asn1/values/util/optional_member.h>
+#include <brevantis/asn1/values/util/text_conversion.h>
+
+#include "support/blob.h"
+#include "support/data_file.h"
+#include "support/failing_allocations.h"
+#include "support/thrown_code.h"
+
+using namespace Brevantis;
+using namespace Brevantis::ASN1;
+using tests::blob;
+using tests::thrownCode;
+
+namespace {
+
+TEST(ObjectIdentifierText, IsReadAsToldAndWrittenInOneForm) {
+    const auto expectWritten = [](const char* text, const char* written) {
+        SCOPED_TRACE(text);
+        ASN1OBJID oid{};
+        EXPECT_EQ(str2oid(text, &oid), written != nullptr ? 0u : 1u);
+        if (written != nullptr) {
+            EXPECT_EQ(toOID(oid), written);
+            EXPECT_EQ(toASN1OBJID(text), oid);
+        } else {
+            EXPECT_EQ(thrownCode([&] { toASN1OBJID(text); }), E_INVALIDARG);
+        }
+    };
+    tests::forEachRow("object_identifier_text.txt", "read", [&](const tests::DataRow& row) {
+        expectWritten(row["text"].c_str(), row.text("written"));
+    });
+    std::string longest = "1";
+    for (int i = 1; i < 128; ++i) {
+        longest += ".1";
+    }
+    expectWritten(longest.c_str(), longest.c_str());
+    expectWritten((longest + ".1").c_str(), nullptr);
+    CBlob text;
+    const ASN1OBJID none{};
+    EXPECT_TRUE(oid2str(text, &none));
+    EXPECT_EQ(text, blob("00"));
+}
+
+TEST(TextConversion, NarrowsWhatTakesOneOctetACharacter) {
+    EXPECT_EQ(tostring(L"abc"), "abc");
+    EXPECT_EQ(tostring(L""), "");
+    EXPECT_EQ(thrownCode([] { tostring(L"\u0416"); }), static_cast<int>(0x8007007Au));
+    EXPECT_EQ(towstring("\xD0\x96z"), L"\u0416z");
+    EXPECT_EQ(towstring("a\xFF"), L"a\uFFFD");
+    EXPECT_EQ(tostring(-17), "-17");
+    EXPECT_EQ(towstring(1234567), L"1234567");
+}
+
+TEST(OptionalMember, TakesACopyOrNothing) {
+    OptionalMember<CBlob> member;
+    const CBlob source = blob("0102");
+    copy_to_auto_ptr(member, &source);
+    ASSERT_NE(member.get(), nullptr);
+    EXPECT_EQ(*member, source);
+    const CBlob* held = member.get();
+    copy_to_auto_ptr(member, held);
+    EXPECT_EQ(member.get(), held);
+    copy_to_auto_ptr<CBlob>(member, nullptr);
+    EXPECT_EQ(member.get(), nullptr);
+}
+
+/// Sets a record from a value, copies the record, and reads the copy back.
+template <class Traits, class Value, class Read>
+Read throughRecord(const Value& value) {
+    ScopedContext first;
+    ScopedContext second;
+    typename Traits::ASN1_T record{};
+    typename Traits::ASN1_T copied{};
+    Traits::set(first.get(), record, value);
+    Traits::copy(second.get(), record, copied);
+    Read read;
+    Traits::get(copied, read);
+    return read;
+}
+
+TEST(PrimitiveTraits, KeepValuesThroughRecords) {
+    for (const char* hex : {"", "00", "0102FF"}) {
+        const CBlob value = blob(hex);
+        EXPECT_EQ((throughRecord<ASN1TDynOctStr_traits, CBlob, CBlob>(value)), value) << hex;
+        EXPECT_EQ((throughRecord<ASN1TDynBitStr_traits, CBlob, CBlob>(value)), value) << hex;
+        EXPECT_EQ((throughRecord<ASN1TOpenType_traits, CBlob, CBlob>(value)), value) << hex;
+        EXPECT_EQ((throughRecord<Asn1TObject_traits, CBlob, CBlob>(value)), value) << hex;
+    }
+    EXPECT_EQ((throughRecord<ASN1IA5String_traits, const char*, CStringProxy>("ab")), "ab");
+    EXPECT_EQ(
+        (throughRecord<ASN1UTF8String_traits, const wchar_t*, CWStringProxy>(L"\u0416\U0001F600")),
+        L"\u0416\U0001F600");
+    EXPECT_EQ((throughRecord<ASN1TObjId_traits, const char*, CStringProxy>("1.2.840")), "1.2.840");
+    EXPECT_EQ((throughRecord<ASN1GeneralizedTime_traits, CDateTime, CDateTime>(
+                  CDateTime(2030, 12, 31, 23, 59, 59, 999))),
+              CDateTime(2030, 12, 31, 23, 59, 59));
+}
+
+TEST(PrimitiveTraits, EmptyOctetsHaveABlockOfTheirOwn) {
+    ScopedContext context;
+    ASN1TDynOctStr record{};
+    ASN1TDynOctStr_traits::set(context.get(), record, CBlob());
+    EXPECT_EQ(record.numocts, 0u);
+    EXPECT_NE(record.data, nullptr);
+}
+
+TEST(PrimitiveTraits, ABitStringComesBackAsWholeOctets) {
+    const unsigned char octets[] = {0xAA, 0x80};
+    CBlob value;
+    for (const auto& [bits, size] : {std::pair{0u, 0ul}, {1u, 1ul}, {8u, 1ul}, {9u, 2ul}}) {
+        ASN1TDynBitStr_traits::get({bits, octets}, value);
+        EXPECT_EQ(value.cbData(), size) << bits;
+    }
+}
+
+TEST(PrimitiveTraits, ACopyOfIa5TextIsTheSourceItself) {
+    ScopedContext context;
+    const char* const source = "text";
+    const char* target = nullptr;
+    ASN1IA5String_traits::copy(context.get(), source, target);
+    EXPECT_EQ(target, source);
+}
+
+TEST(PrimitiveTraits, RefuseTextThatDoesNotConvert) {
+    ScopedContext context;
+    const char* record = nullptr;
+    const wchar_t bad[] = {static_cast<wchar_t>(-1), 0};
+    EXPECT_EQ(thrownCode([&] { ASN1UTF8String_traits::set(context.get(), record, bad); }),
+              E_INVALIDARG);
+    CWStringProxy wide;
+    for (const char* text : {"a\x80", "A\xC3", "\xE2\x82", "\xF0\x9F\x98"}) {
+        EXPECT_EQ(thrownCode([&] { ASN1UTF8String_traits::get(text, wide); }),
+                  CRYPT_E_ASN1_INTERNAL)
+            << text;
+    }
+    EXPECT_EQ(tostring(static_cast<const wchar_t*>(nullptr)), "");
+    EXPECT_EQ(towstring(nullptr), L"");
+    ASN1OBJID oid{};
+    EXPECT_EQ(str2oid(nullptr, &oid), 1u);
+    CDateTime time;
+    EXPECT_EQ(thrownCode([&] { ASN1GeneralizedTime_traits::get("2030", time); }), E_INVALIDARG);
+}
+
+TEST(Coding, TakesIdentifiersAndTimesBothWays) {
+    const CBlob oid = asn1Encode<ASN1TObjId_traits, const char*>("1.2.840.113549");
+    EXPECT_EQ(oid, blob("06062A864886F70D"));
+    CStringProxy text("before");
+    asn1Decode<ASN1TObjId_traits, CStringProxy>(blob("06062A864886F70D0500"), text);
+    EXPECT_EQ(text, "1.2.840.113549");
+    for (const char* hex : {"", "06", "0605", "0500"}) {
+        EXPECT_EQ(thrownCode([&] { asn1Decode<ASN1TObjId_traits, CStringProxy>(blob(hex), text); }),
+                  CRYPT_E_ASN1_INTERNAL)
+            << hex;
+        EXPECT_EQ(text, "1.2.840.113549") << "unchanged by a failure";
+    }
+    const CBlob time =
+        asn1Encode<ASN1GeneralizedTime_traits, CDateTime>(CDateTime(2030, 1, 2, 3, 4, 5));
+    EXPECT_EQ(time, blob("180F32303330303130323033303430355A"));
+    CDateTime read;
+    asn1Decode<ASN1GeneralizedTime_traits, CDateTime>(time, read);
+    EXPECT_EQ(read, CDateTime(2030, 1, 2, 3, 4, 5));
+}
+
+TEST(Coding, GivesEverythingBackWhenMemoryIsOut) {
+    const CBlob encoded = blob("06062A864886F70D");
+    EXPECT_GT(tests::failEveryAllocation(
+                  [] { asn1Encode<ASN1TObjId_traits, const char*>("1.2.840.113549"); }),
+              3);
+    EXPECT_GT(tests::failEveryAllocation([&] {
+                  CStringProxy text;
+                  asn1Decode<ASN1TObjId_traits, CStringProxy>(encoded, text);
+              }),
+              1);
+    EXPECT_GT(tests::failEveryAllocation([&] {
+                  throughRecord<ASN1UTF8String_traits, const wchar_t*, CWStringProxy>(L"\u0416");
+              }),
+              3);
+}
+
+} // namespace

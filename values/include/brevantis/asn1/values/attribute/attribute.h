@@ -1,0 +1,110 @@
+#ifndef BREVANTIS_ASN1_VALUES_ATTRIBUTE_ATTRIBUTE_H
+#define BREVANTIS_ASN1_VALUES_ATTRIBUTE_ATTRIBUTE_H
+
+#include <cstddef>
+#include <list>
+#include <string>
+
+#include <brevantis/asn1/export.h>
+#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/util/owned_copy.h>
+#include <brevantis/support/blob.h>
+
+/// @file
+/// Attributes (X.501, 8.2), and the sets of them that signatures cover (RFC 5652, 5.3).
+
+namespace Brevantis::ASN1 {
+
+/// An attribute: the identifier of its type and a set of values. One that was moved from is as new.
+class BREVANTIS_ASN1_API CAttribute {
+public:
+    using iterator = CAttrValueList::iterator;
+    using const_iterator = CAttrValueList::const_iterator;
+
+    /// An empty identifier and no values.
+    CAttribute() = default;
+    /// No values.
+    /// @param oid dotted text, copied; null stands for the empty text
+    explicit CAttribute(const char* oid);
+
+    /// @return the identifier as dotted text, valid until it changes or goes
+    const char* get_oid() const { return content_.read().oid.c_str(); }
+
+    iterator begin() { return content_.edit().values.begin(); }
+    iterator end() { return content_.edit().values.end(); }
+    const_iterator begin() const { return content_.read().values.begin(); }
+    const_iterator end() const { return content_.read().values.end(); }
+    /// The count of values, found by counting.
+    std::size_t size() const;
+
+    /// Appends a copy of a value.
+    /// @warning The identifier in @p value is kept but not compared with the attribute's, and
+    ///          `encode` does not write it.
+    void add(const CAttrValue& value) { content_.edit().values.push_back(value); }
+    /// Appends a value of the attribute's own type.
+    /// @param value its DER
+    void add(const CBlob& value) { add(CAttrValue(get_oid(), value)); }
+    /// Removes a value.
+    /// @param position of this attribute, not its end
+    void erase(iterator position) { content_.edit().values.erase(position); }
+
+    /// @return the DER
+    /// @throws ATL::CAtlException with E_INVALIDARG when the identifier is none, with
+    ///         CRYPT_E_ASN1_INTERNAL when there are no values or when the library knows the
+    ///         attribute and a value does not decode, with CRYPT_E_ASN1_MEMORY when memory is out.
+    ///         An unknown attribute's values are not looked at
+    CBlob encode() const;
+    /// Each value gets the identifier of the attribute.
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no Attribute, with
+    ///         CRYPT_E_ASN1_MEMORY when memory is out; the object stays as it was
+    void decode(const CBlob& blob);
+
+private:
+    struct Content {
+        CAttrValueList values;
+        std::string oid;
+    };
+
+    OwnedCopy<Content> content_;
+};
+
+/// Whether the identifiers differ as texts.
+/// @warning Where they do not, these two never return.
+[[deprecated("compare the encode() results instead")]] BREVANTIS_ASN1_API bool
+operator==(const CAttribute& a, const CAttribute& b);
+[[deprecated("compare the encode() results instead")]] BREVANTIS_ASN1_API bool
+operator!=(const CAttribute& a, const CAttribute& b);
+
+/// The attributes that a signature covers, encoded as SignedAttributes. The list keeps its order,
+/// the encoding is in the order of DER.
+class BREVANTIS_ASN1_API CAttributes : public std::list<CAttribute> {
+public:
+    using std::list<CAttribute>::list;
+    using std::list<CAttribute>::erase;
+
+    /// The first attribute with an identifier.
+    /// @param oid dotted text, compared as text; null stands for the empty text
+    /// @return its position, or the end
+    iterator find(const char* oid);
+    const_iterator find(const char* oid) const;
+    /// Removes the first attribute with an identifier, if there is one.
+    void erase(const char* oid);
+
+    /// @return the DER
+    /// @throws as CAttribute::encode, and with CRYPT_E_ASN1_INTERNAL for an empty list, which
+    ///         SignedAttributes must not be
+    CBlob encode() const;
+    /// @param blob with the tag of a SET, not the [0] that it has inside a SignerInfo
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no SignedAttributes;
+    ///         the list stays as it was. std::bad_alloc may leave the first of the new attributes
+    void decode(const CBlob& blob);
+};
+
+/// Sets of attributes have no comparison. That of their list, which would take its place, does not
+/// return as soon as two identifiers agree. Compare the encodings.
+bool operator==(const CAttributes& a, const CAttributes& b) = delete;
+bool operator!=(const CAttributes& a, const CAttributes& b) = delete;
+
+} // namespace Brevantis::ASN1
+
+#endif

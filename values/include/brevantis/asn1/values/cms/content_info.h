@@ -1,0 +1,55 @@
+#ifndef BREVANTIS_ASN1_VALUES_CMS_CONTENT_INFO_H
+#define BREVANTIS_ASN1_VALUES_CMS_CONTENT_INFO_H
+
+#include <brevantis/asn1/export.h>
+#include <brevantis/asn1/values/util/whole_assignment.h>
+#include <brevantis/support/blob.h>
+#include <brevantis/support/text.h>
+
+/// @file
+/// The outermost structure of a cryptographic message (RFC 5652, 3).
+
+namespace Brevantis::ASN1 {
+
+/// ContentInfo of RFC 5652, 3: the identifier of a content type and a content of that type.
+class BREVANTIS_ASN1_API CContentInfo {
+public:
+    /// Empty type and empty content.
+    CContentInfo() = default;
+    /// @param oid dotted text, looked at when the value is encoded; null stands for the empty text
+    /// @param content the encoded content, without the tag [0] around it
+    CContentInfo(const char* oid, const CBlob& content);
+
+    CContentInfo(const CContentInfo&) = default;
+    CContentInfo(CContentInfo&&) noexcept = default;
+    CContentInfo& operator=(const CContentInfo& other) { return assignWhole(*this, other); }
+    CContentInfo& operator=(CContentInfo&&) noexcept = default;
+    ~CContentInfo() = default;
+
+    /// Dotted text, valid until the type changes or the object goes.
+    const char* get_contentType() const { return contentType_.c_str(); }
+    const CBlob& get_content() const { return content_; }
+    void put_contentType(const char* oid);
+    void put_content(const CBlob& content) { content_ = content; }
+
+    /// A content of a type that the library knows has to decode, and is written anew as DER; any
+    /// other goes out as it is. An empty content of such another type leaves nothing within the
+    /// tag [0].
+    /// @return the complete ContentInfo
+    /// @throws ATL::CAtlException with E_INVALIDARG for a type that is no object identifier, with
+    ///         CRYPT_E_ASN1_INTERNAL for a known type's content that does not decode, with
+    ///         CRYPT_E_ASN1_MEMORY when memory is out
+    CBlob encode() const;
+    /// Reads a ContentInfo, and leaves the object as it was on failure.
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob does not decode, with
+    ///         CRYPT_E_ASN1_MEMORY when memory is out
+    void decode(const CBlob& blob);
+
+private:
+    CStringProxy contentType_;
+    CBlob content_;
+};
+
+} // namespace Brevantis::ASN1
+
+#endif

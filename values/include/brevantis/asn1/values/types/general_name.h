@@ -1,0 +1,125 @@
+#ifndef BREVANTIS_ASN1_VALUES_TYPES_GENERAL_NAME_H
+#define BREVANTIS_ASN1_VALUES_TYPES_GENERAL_NAME_H
+
+#include <list>
+#include <string>
+
+#include <brevantis/asn1/values/types/choice.h>
+#include <brevantis/support/blob.h>
+#include <brevantis/support/text.h>
+
+/// @file
+/// GeneralName and GeneralNames (RFC 5280, 4.2.1.6).
+
+namespace Brevantis::ASN1 {
+
+extern template class ChoiceValueTraitsT<std::wstring, 2>;
+extern template class ChoiceValueTraitsT<std::wstring, 3>;
+extern template class ChoiceValueTraitsT<CBlob, 5>;
+extern template class ChoiceValueTraitsT<std::wstring, 7>;
+extern template class ChoiceValueTraitsT<CBlob, 8>;
+extern template class ChoiceValueTraitsT<std::wstring, 9>;
+
+/// Alternatives of CGeneralName.
+class BREVANTIS_ASN1_API CGeneralNameImpl final
+    : public ChoiceOf<ChoiceValueTraitsT<std::wstring, 2>, ChoiceValueTraitsT<std::wstring, 3>,
+                      ChoiceValueTraitsT<CBlob, 5>, ChoiceValueTraitsT<std::wstring, 7>,
+                      ChoiceValueTraitsT<CBlob, 8>, ChoiceValueTraitsT<std::wstring, 9>> {};
+
+/// A name of one of six kinds. Alternatives have the numbers of their places in the published type,
+/// counted from 1: 2 rfc822Name, 3 dNSName, 5 directoryName, 7 uniformResourceIdentifier,
+/// 8 iPAddress, 9 registeredID. The others, otherName, x400Address and ediPartyName, are not
+/// carried.
+///
+/// Narrow text is UTF-8 where it is converted; octets of a message that are none become U+FFFD, so
+/// that different octets can read as equal texts.
+/// @warning A decoded text ends at an octet 0 in it, if there is one. Whoever decides by such names
+///          compares the encoding too.
+/// @warning Two texts are equal when their first characters are, and `toString` shows no more of
+///          them than that. To compare names, compare what the getters give, or the encodings.
+class BREVANTIS_ASN1_API CGeneralName {
+public:
+    /// No name: alternative 0.
+    CGeneralName() = default;
+
+    /// @return number of the alternative, 0 for none
+    unsigned int get_type() const;
+
+    /// The getters give null for any other alternative. What they give is valid until the name
+    /// changes or goes.
+    const wchar_t* get_rfc822Name() const;
+    const wchar_t* get_dNSName() const;
+    /// @return the DER of a Name, for CName::decode
+    const CBlob* get_directoryName() const;
+    const wchar_t* get_uniformResourceIdentifier() const;
+    /// @return the octets of an address: 4 or 16, and as many again for a mask
+    const CBlob* get_iPAddress() const;
+    /// @return an object identifier as dotted text
+    const wchar_t* get_registeredID() const;
+
+    /// The setters copy their argument and choose its alternative. Its content is first looked at
+    /// when it is encoded. Text is terminated.
+    /// @throws ATL::CAtlException with E_INVALIDARG for null
+    void put_rfc822Name(const wchar_t* name);
+    void put_dNSName(const wchar_t* name);
+    /// @param name the DER of a Name, as CName::encode gives it
+    void put_directoryName(const CBlob& name);
+    void put_uniformResourceIdentifier(const wchar_t* identifier);
+    void put_iPAddress(const CBlob& address);
+    /// @param identifier dotted text
+    void put_registeredID(const wchar_t* identifier);
+
+    /// Takes the name away.
+    void clear();
+
+    /// The kind and the value, as "dNSName: e"; empty for no name.
+    /// @warning Of a text just the first character is shown, of an address nothing.
+    /// @throws what CName::decode and CName::toString throw, for a directoryName
+    CWStringProxy toString() const;
+
+    /// @return the DER
+    /// @throws ATL::CAtlException with E_INVALIDARG for no name or an identifier whose text is
+    ///         none, with CRYPT_E_ASN1_INTERNAL when the coder refuses the value
+    CBlob encode() const;
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no GeneralName, with
+    ///         E_INVALIDARG when it is of a kind that is not carried; the name stays as it was
+    void decode(const CBlob& blob);
+
+private:
+    using Rfc822Name = ChoiceValueTraitsT<std::wstring, 2>;
+    using DNSName = ChoiceValueTraitsT<std::wstring, 3>;
+    using DirectoryName = ChoiceValueTraitsT<CBlob, 5>;
+    using UniformResourceIdentifier = ChoiceValueTraitsT<std::wstring, 7>;
+    using IPAddress = ChoiceValueTraitsT<CBlob, 8>;
+    using RegisteredID = ChoiceValueTraitsT<std::wstring, 9>;
+
+    template <class Traits>
+    const wchar_t* text() const;
+    template <class Traits>
+    void putText(const wchar_t* text);
+
+    ChoicePointer<CGeneralNameImpl> choice_;
+};
+
+/// Compares the alternatives, then the values.
+/// @warning Texts are compared by their first characters alone.
+BREVANTIS_ASN1_API bool operator==(const CGeneralName& a, const CGeneralName& b);
+BREVANTIS_ASN1_API bool operator!=(const CGeneralName& a, const CGeneralName& b);
+
+/// A list of names.
+class BREVANTIS_ASN1_API CGeneralNames : public std::list<CGeneralName> {
+public:
+    using std::list<CGeneralName>::list;
+
+    /// @return the DER
+    /// @warning A list without a name is encoded too, though RFC 5280 asks for one at least.
+    /// @throws as CGeneralName::encode
+    CBlob encode() const;
+    /// @throws as CGeneralName::decode. The list stays as it was when @p blob is no GeneralNames;
+    ///         when it has a name of a kind that is not carried, the list holds the names before it
+    void decode(const CBlob& blob);
+};
+
+} // namespace Brevantis::ASN1
+
+#endif

@@ -1,0 +1,54 @@
+#ifndef BREVANTIS_ASN1_VALUES_UTIL_VALUE_WITH_FIELD_H
+#define BREVANTIS_ASN1_VALUES_UTIL_VALUE_WITH_FIELD_H
+
+#include <brevantis/asn1/export.h>
+#include <brevantis/asn1/values/util/whole_assignment.h>
+#include <brevantis/support/blob.h>
+
+/// @file
+/// Values of extensions and attributes that consist of one field.
+///
+/// Field and encoded value agree: a constructor or setter that takes the field encodes it, a
+/// constructor that takes the encoded value decodes it. Only who changes the value through
+/// `value()` has to call `decode()`. An operation that throws leaves the object as it was.
+
+namespace Brevantis::ASN1 {
+
+/// What these classes share. The library has the instances that their headers declare.
+/// @tparam Base CExtValue or CAttrValue
+/// @tparam Field what the value is decoded to
+template <class Base, class Field>
+class BREVANTIS_ASN1_API ValueWithField : public Base {
+public:
+    ValueWithField(const ValueWithField&) = default;
+    ValueWithField(ValueWithField&&) noexcept = default;
+    ValueWithField& operator=(const ValueWithField& other) { return assignWhole(*this, other); }
+    ValueWithField& operator=(ValueWithField&&) noexcept = default;
+    ~ValueWithField() = default;
+
+    /// Replaces the value by the DER of the field.
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when the coder refuses the field,
+    ///         with E_INVALIDARG when it is a text or name without meaning, with
+    ///         CRYPT_E_ASN1_MEMORY when memory is out
+    void encode();
+    /// Reads the field from the value. Octets behind it in the value are not looked at.
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when the value does not decode, with
+    ///         E_INVALIDARG when it has a time or name that the field cannot hold, with
+    ///         CRYPT_E_ASN1_MEMORY when memory is out
+    void decode();
+
+protected:
+    /// An empty field and no value.
+    explicit ValueWithField(const char* oid) : Base(oid) {}
+    ValueWithField(const char* oid, const CBlob& encoded);
+
+    void putField(Field field);
+    const Field& field() const { return field_; }
+
+private:
+    Field field_{};
+};
+
+} // namespace Brevantis::ASN1
+
+#endif

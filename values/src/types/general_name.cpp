@@ -1,0 +1,159 @@
+#include <brevantis/asn1/values/types/general_name.h>
+
+#include <brevantis/asn1/values/types/name.h>
+#include <brevantis/asn1/values/types_traits/general_name_traits.h>
+
+namespace Brevantis::ASN1 {
+
+template class ChoiceValueTraitsT<std::wstring, 2>;
+template class ChoiceValueTraitsT<std::wstring, 3>;
+template class ChoiceValueTraitsT<CBlob, 5>;
+template class ChoiceValueTraitsT<std::wstring, 7>;
+template class ChoiceValueTraitsT<CBlob, 8>;
+template class ChoiceValueTraitsT<std::wstring, 9>;
+
+namespace {
+
+bool sameBlobs(const CBlob* a, const CBlob* b) {
+    return a == nullptr || b == nullptr ? a == b : *a == *b;
+}
+
+bool sameTexts(const wchar_t* a, const wchar_t* b) {
+    return a == nullptr || b == nullptr ? a == b : *a == *b;
+}
+
+} // namespace
+
+unsigned int CGeneralName::get_type() const {
+    return choice_.type();
+}
+
+template <class Traits>
+const wchar_t* CGeneralName::text() const {
+    const std::wstring* value = choice_.get<Traits>();
+    return value != nullptr ? value->c_str() : nullptr;
+}
+
+template <class Traits>
+void CGeneralName::putText(const wchar_t* text) {
+    if (text == nullptr) {
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
+    choice_.put<Traits>(text);
+}
+
+const wchar_t* CGeneralName::get_rfc822Name() const {
+    return text<Rfc822Name>();
+}
+
+const wchar_t* CGeneralName::get_dNSName() const {
+    return text<DNSName>();
+}
+
+const CBlob* CGeneralName::get_directoryName() const {
+    return choice_.get<DirectoryName>();
+}
+
+const wchar_t* CGeneralName::get_uniformResourceIdentifier() const {
+    return text<UniformResourceIdentifier>();
+}
+
+const CBlob* CGeneralName::get_iPAddress() const {
+    return choice_.get<IPAddress>();
+}
+
+const wchar_t* CGeneralName::get_registeredID() const {
+    return text<RegisteredID>();
+}
+
+void CGeneralName::put_rfc822Name(const wchar_t* name) {
+    putText<Rfc822Name>(name);
+}
+
+void CGeneralName::put_dNSName(const wchar_t* name) {
+    putText<DNSName>(name);
+}
+
+void CGeneralName::put_directoryName(const CBlob& name) {
+    choice_.put<DirectoryName>(name);
+}
+
+void CGeneralName::put_uniformResourceIdentifier(const wchar_t* identifier) {
+    putText<UniformResourceIdentifier>(identifier);
+}
+
+void CGeneralName::put_iPAddress(const CBlob& address) {
+    choice_.put<IPAddress>(address);
+}
+
+void CGeneralName::put_registeredID(const wchar_t* identifier) {
+    putText<RegisteredID>(identifier);
+}
+
+void CGeneralName::clear() {
+    choice_.clear();
+}
+
+CWStringProxy CGeneralName::toString() const {
+    std::wstring text;
+    // Of a text the first character is shown and no more.
+    switch (get_type()) {
+    case Rfc822Name::number:
+        text = std::wstring(L"rfc822Name: ") + *get_rfc822Name();
+        break;
+    case DNSName::number:
+        text = std::wstring(L"dNSName: ") + *get_dNSName();
+        break;
+    case DirectoryName::number: {
+        CName name;
+        name.decode(*get_directoryName());
+        text = std::wstring(L"directoryName: ") + name.toString().c_str();
+        break;
+    }
+    case UniformResourceIdentifier::number:
+        text = std::wstring(L"uniformResourceIdentifier: ") + *get_uniformResourceIdentifier();
+        break;
+    case IPAddress::number:
+        text = L"iPAddress: (to string is not implemented)";
+        break;
+    case RegisteredID::number:
+        text = std::wstring(L"registeredID: ") + *get_registeredID();
+        break;
+    default:
+        break;
+    }
+    // The first character of an empty text is its terminator, which ends this text too.
+    return CWStringProxy(text.c_str());
+}
+
+CBlob CGeneralName::encode() const {
+    return asn1Encode<ASN1T_GeneralName_traits>(*this);
+}
+
+void CGeneralName::decode(const CBlob& blob) {
+    asn1Decode<ASN1T_GeneralName_traits>(blob, *this);
+}
+
+bool operator==(const CGeneralName& a, const CGeneralName& b) {
+    return a.get_type() == b.get_type() &&
+           sameBlobs(a.get_directoryName(), b.get_directoryName()) &&
+           sameTexts(a.get_dNSName(), b.get_dNSName()) &&
+           sameBlobs(a.get_iPAddress(), b.get_iPAddress()) &&
+           sameTexts(a.get_registeredID(), b.get_registeredID()) &&
+           sameTexts(a.get_rfc822Name(), b.get_rfc822Name()) &&
+           sameTexts(a.get_uniformResourceIdentifier(), b.get_uniformResourceIdentifier());
+}
+
+bool operator!=(const CGeneralName& a, const CGeneralName& b) {
+    return !(a == b);
+}
+
+CBlob CGeneralNames::encode() const {
+    return asn1Encode<ASN1T_GeneralNames_traits>(*this);
+}
+
+void CGeneralNames::decode(const CBlob& blob) {
+    asn1Decode<ASN1T_GeneralNames_traits>(blob, *this);
+}
+
+} // namespace Brevantis::ASN1

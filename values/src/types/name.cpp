@@ -1,0 +1,117 @@
+#include <brevantis/asn1/values/types/name.h>
+
+#include <string>
+
+#include <brevantis/asn1/values/types_traits/name_traits.h>
+
+#include "util/block_for_ever.h"
+
+namespace Brevantis::ASN1 {
+
+namespace {
+
+/// Appends an element for each piece of a text.
+/// @param make makes one of a terminated piece
+template <class List, class Make>
+void appendPieces(List& list, const wchar_t* text, wchar_t separator, Make make) {
+    const std::wstring pieces(CWStringProxy(text).c_str());
+    std::size_t position = 0;
+    for (;;) {
+        const std::size_t end = pieces.find(separator, position);
+        list.push_back(make(pieces.substr(position, end - position).c_str()));
+        if (end == std::wstring::npos) {
+            return;
+        }
+        position = end + 1;
+    }
+}
+
+/// The texts of the elements with a separator between them.
+template <class List>
+std::wstring joined(const List& list, wchar_t separator) {
+    std::wstring text;
+    for (const auto& element : list) {
+        if (&element != &list.front()) {
+            text += separator;
+        }
+        const CWStringProxy piece = element.toString();
+        text.append(piece.c_str(), piece.length());
+    }
+    return text;
+}
+
+/// Text whose declared type does not tell its units.
+const wchar_t* wideUnits(const unsigned short* text) {
+    return static_cast<const wchar_t*>(static_cast<const void*>(text));
+}
+
+} // namespace
+
+CRelativeDistinguishedName::CRelativeDistinguishedName(const wchar_t* text) {
+    fromString(text);
+}
+
+CWStringProxy CRelativeDistinguishedName::toString() const {
+    return joined(*this, L'+');
+}
+
+void CRelativeDistinguishedName::fromString(const wchar_t* text) {
+    appendPieces(*this, text, L'+', [](const wchar_t* piece) {
+        return CAttributeTypeAndValue(piece, StringTypeDefault);
+    });
+}
+
+CBlob CRelativeDistinguishedName::encode() const {
+    return asn1Encode<ASN1T_RelativeDistinguishedName_traits>(*this);
+}
+
+void CRelativeDistinguishedName::decode(const CBlob& blob) {
+    asn1Decode<ASN1T_RelativeDistinguishedName_traits>(blob, *this);
+}
+
+CName::CName(const wchar_t* text) {
+    fromString(text);
+}
+
+CWStringProxy CName::toString() const {
+    return joined(*this, L',');
+}
+
+void CName::fromString(const wchar_t* text) {
+    appendPieces(*this, text, L',',
+                 [](const wchar_t* piece) { return CRelativeDistinguishedName(piece); });
+}
+
+CBlob CName::encode() const {
+    return asn1Encode<ASN1T_Name_traits>(*this);
+}
+
+void CName::decode(const CBlob& blob) {
+    asn1Decode<ASN1T_Name_traits>(blob, *this);
+}
+
+void fromString(CRelativeDistinguishedName& rdn, const unsigned short* text) {
+    rdn.fromString(wideUnits(text));
+}
+
+void fromString(CName& name, const unsigned short* text) {
+    name.fromString(wideUnits(text));
+}
+
+bool operator==(const CRelativeDistinguishedName& /*a*/, const CRelativeDistinguishedName& /*b*/) {
+    blockForEver();
+}
+
+bool operator!=(const CRelativeDistinguishedName& /*a*/, const CRelativeDistinguishedName& /*b*/) {
+    blockForEver();
+}
+
+bool operator==(const CAttributeTypeAndValueSet& /*a*/, const CAttributeTypeAndValueSet& /*b*/) {
+    blockForEver();
+}
+
+bool operator!=(const CAttributeTypeAndValueSet& /*a*/, const CAttributeTypeAndValueSet& /*b*/) {
+    blockForEver();
+}
+
+} // namespace Brevantis::ASN1

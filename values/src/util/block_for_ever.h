@@ -1,0 +1,18 @@
+#ifndef BREVANTIS_ASN1_VALUES_UTIL_BLOCK_FOR_EVER_H
+#define BREVANTIS_ASN1_VALUES_UTIL_BLOCK_FOR_EVER_H
+
+#include <chrono>
+#include <thread>
+
+namespace Brevantis::ASN1 {
+
+/// What the comparisons do that must not return. It costs no processor time.
+[[noreturn]] inline void blockForEver() {
+    for (;;) {
+        std::this_thread::sleep_for(std::chrono::hours(1));
+    }
+}
+
+} // namespace Brevantis::ASN1
+
+#endif
