@@ -7,7 +7,8 @@ set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
-install_missing g++ cmake ninja-build ca-certificates libgtest-dev libssl-dev openssl binutils
+install_missing g++ cmake ninja-build ca-certificates libgtest-dev libssl-dev openssl binutils \
+    nlohmann-json3-dev libcli11-dev
 
 # Other releases of the formatter lay the same code out differently.
 if clang-format --version 2>/dev/null | grep -q 'version 14\.'; then

@@ -21,6 +21,8 @@ is_provided() {
         binutils) command -v nm ;;
         openssl) command -v openssl ;;
         libssl-dev) test -e /usr/include/openssl/x509.h ;;
+        nlohmann-json3-dev) test -e /usr/include/nlohmann/json.hpp ;;
+        libcli11-dev) test -e /usr/include/CLI/CLI.hpp ;;
         ca-certificates) test -s "$ca_bundle" ;;
         libgtest-dev) compgen -G '/usr/lib/*/cmake/GTest/GTestConfig.cmake' ||
             compgen -G '/usr/local/lib/cmake/GTest/GTestConfig.cmake' ;;

@@ -1,0 +1,179 @@
+#include "arguments.h"
+
+#include <cstdio>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "escape.h"
+
+namespace derview {
+
+namespace {
+
+using asn1data::TypeDescription;
+
+constexpr const char* Purpose =
+    "Shows, checks and compares ASN.1 messages of public-key infrastructure: certificates, CRLs,\n"
+    "signed and encrypted messages, requests, responses, keys.";
+
+constexpr const char* Remarks =
+    "Files hold DER or BER, PEM, base64 or hexadecimal digits, one message or several.\n"
+    "Exit status: 0 all good, 1 some input failed, 2 wrong usage.";
+
+template <class Value>
+using Choices = std::vector<std::pair<std::string, Value>>;
+
+/// An option that takes one of some words.
+template <class Value>
+void addChoice(CLI::App& app, const std::string& name, Value& value, const Choices<Value>& choices,
+               const std::string& description) {
+    std::string words;
+    for (const auto& choice : choices) {
+        words += (words.empty() ? "" : "|") + choice.first;
+    }
+    app.add_option_function<std::string>(
+           name,
+           [choices, words, name, &value](const std::string& word) {
+               for (const auto& choice : choices) {
+                   if (choice.first == word) {
+                       value = choice.second;
+                       return;
+                   }
+               }
+               throw CLI::ValidationError(name, "'" + word + "' is none of " + words);
+           },
+           description)
+        ->type_name(words);
+}
+
+/// An option that takes the name of a type.
+void addType(CLI::App& app, const std::string& name, const TypeDescription*& type,
+             const std::string& description) {
+    app.add_option_function<std::string>(
+           name,
+           [name, &type](const std::string& word) {
+               type = asn1data::findType(word.c_str());
+               if (type == nullptr) {
+                   throw CLI::ValidationError(name, "'" + escapeName(word) +
+                                                        "' is no type; --list-types tells them");
+               }
+           },
+           description)
+        ->type_name("TYPE");
+}
+
+/// @return what is wrong with the number of a message; empty when nothing is
+std::string checkNumber(const std::string& word) {
+    const bool isNumber = word.find_first_not_of("0123456789") == std::string::npos &&
+                          word.find_first_not_of('0') != std::string::npos;
+    return isNumber ? "" : "'" + word + "' is no number of a message; they count from 1";
+}
+
+void addOptions(CLI::App& app, Arguments& arguments) {
+    app.add_option("FILE", arguments.files, "Files to read; none or \"-\" is standard input");
+    addType(app, "--type", arguments.type, "What the messages are; recognised if left out");
+    addChoice<InputForm>(app, "--input", arguments.input,
+                         {{"auto", InputForm::Auto},
+                          {"der", InputForm::Der},
+                          {"pem", InputForm::Pem},
+                          {"base64", InputForm::Base64},
+                          {"hex", InputForm::Hex}},
+                         "How the files hold them");
+    app.add_option("--message", arguments.message, "Look at one message of each file only")
+        ->type_name("NUMBER")
+        ->check(CLI::Validator(checkNumber, ""));
+    addChoice<Format>(app, "--format", arguments.format,
+                      {{"tree", Format::Tree}, {"json", Format::Json}, {"der", Format::Der}},
+                      "How they are shown; der encodes them again");
+    app.add_flag("--lines", arguments.lines, "JSON: one message a line");
+    app.add_flag("--offsets", arguments.offsets,
+                 "Tree: offset, octets of header and of contents in front of each line");
+    app.add_flag("--full", arguments.full, "Tree: cut no value");
+    app.add_option("--at", arguments.path, "Show one element, as tbsCertificate.extensions[0]")
+        ->type_name("PATH");
+    app.add_flag("--raw", arguments.raw, "With --at: write the element's octets");
+    app.add_flag("--check", arguments.check, "Decode, encode again and compare; a line a message");
+    app.add_flag("--lint", arguments.lint, "Tell what is not DER");
+    app.add_flag("--diff", arguments.diff, "Compare the messages of two files, field by field");
+    app.add_flag("--list-types", arguments.listTypes, "Names of all types");
+    addType(app, "--describe", arguments.describe, "The ASN.1 of a type");
+    addChoice<ColorChoice>(app, "--color", arguments.color,
+                           {{"auto", ColorChoice::Auto},
+                            {"always", ColorChoice::Always},
+                            {"never", ColorChoice::Never}},
+                           "Whether to use colours");
+    app.add_option("--width", arguments.width, "Columns; those of the terminal, or 80")
+        ->type_name("COLUMNS")
+        ->check(CLI::Range(20, 10000));
+}
+
+/// @return what does not go together; null when everything does
+const char* contradiction(const Arguments& arguments) {
+    const int modes = (arguments.check || arguments.lint ? 1 : 0) + (arguments.diff ? 1 : 0) +
+                      (arguments.path ? 1 : 0) + (arguments.listTypes ? 1 : 0) +
+                      (arguments.describe != nullptr ? 1 : 0);
+    if (modes > 1) {
+        return "--check and --lint, --at, --diff, --list-types and --describe exclude each other";
+    }
+    if (arguments.raw && !arguments.path) {
+        return "--raw needs --at";
+    }
+    if (arguments.diff && arguments.files.size() != 2) {
+        return "--diff needs two files";
+    }
+    if (arguments.diff && arguments.message != 0) {
+        return "--message does not go with --diff";
+    }
+    if (arguments.format == Format::Der && modes != 0) {
+        return "--format der encodes whole messages";
+    }
+    const bool writesOthers = arguments.raw || (modes != 0 && !arguments.path);
+    if (arguments.format == Format::Json && writesOthers) {
+        return "--format json does not go with --raw, --check, --lint, --diff, --list-types and "
+               "--describe";
+    }
+    if ((arguments.offsets || arguments.full) &&
+        (writesOthers || arguments.format != Format::Tree)) {
+        return "--offsets and --full are for the tree";
+    }
+    if (arguments.lines && arguments.format != Format::Json) {
+        return "--lines needs --format json";
+    }
+    const bool octets = arguments.raw || arguments.format == Format::Der;
+    return octets && isTerminal(1) ? "octets are not written to a terminal" : nullptr;
+}
+
+} // namespace
+
+std::optional<int> parseArguments(int argc, char** argv, Arguments& arguments) {
+    CLI::App app(Purpose, "derview");
+    app.footer(Remarks);
+    app.get_formatter()->column_width(26);
+    app.set_version_flag("--version", "derview " DERVIEW_VERSION);
+    addOptions(app, arguments);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& success) {
+        const int status = app.exit(success);
+        if (std::cout.flush()) {
+            return status;
+        }
+        std::fputs("derview: the output cannot be written\n", stderr);
+        return SomeFailed;
+    } catch (const CLI::ParseError& error) {
+        std::fprintf(stderr, "derview: %s\nderview --help tells more\n",
+                     escapeName(error.what()).c_str());
+        return BadUsage;
+    }
+    if (const char* const problem = contradiction(arguments)) {
+        std::fprintf(stderr, "derview: %s\n", problem);
+        return BadUsage;
+    }
+    if (arguments.files.empty()) {
+        arguments.files.emplace_back("-");
+    }
+    return std::nullopt;
+}
+
+} // namespace derview

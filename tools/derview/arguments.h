@@ -1,0 +1,50 @@
+#ifndef DERVIEW_ARGUMENTS_H
+#define DERVIEW_ARGUMENTS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <brevantis/asn1/asn1data/describe.h>
+
+#include "input_reader.h"
+#include "terminal.h"
+
+namespace derview {
+
+/// How messages are written.
+enum class Format : unsigned char { Tree, Json, Der };
+
+/// What a command line asks for.
+struct Arguments {
+    std::vector<std::string> files; ///< "-" is standard input; never empty
+    InputForm input = InputForm::Auto;
+    const asn1data::TypeDescription* type = nullptr; ///< null: recognised
+    Format format = Format::Tree;
+    bool lines = false;
+    bool offsets = false;
+    bool full = false;
+    std::size_t message = 0;         ///< number of the one in each file to look at; 0: all
+    std::optional<std::string> path; ///< of the element to show
+    bool raw = false;
+    bool check = false;
+    bool lint = false;
+    bool diff = false;
+    bool listTypes = false;
+    const asn1data::TypeDescription* describe = nullptr;
+    ColorChoice color = ColorChoice::Auto;
+    std::size_t width = 0; ///< columns; 0: as wide as the terminal
+};
+
+/// Exit statuses.
+enum : int { AllGood = 0, SomeFailed = 1, BadUsage = 2 };
+
+/// Reads a command line. What is wrong with it is told on standard error; what it asks for and can
+/// be answered at once (--help, --version) on standard output.
+/// @param arguments receives what it asks for
+/// @return nothing, or the status to end with
+std::optional<int> parseArguments(int argc, char** argv, Arguments& arguments);
+
+} // namespace derview
+
+#endif

@@ -1,0 +1,38 @@
+#ifndef DERVIEW_CONTENTS_END_H
+#define DERVIEW_CONTENTS_END_H
+
+#include <cstddef>
+#include <vector>
+
+#include <brevantis/asn1/asn1data/walk.h>
+
+namespace derview {
+
+/// Keeps where the contents of the elements around end: a header may promise more octets than the
+/// values take, or fewer, and the decoder does not mind.
+class ContentsEnd {
+public:
+    /// Octets between the end of the last value in an element and the end of its contents.
+    struct Gap {
+        long long octets = 0;   ///< below 0 when the values reach beyond the contents
+        std::size_t offset = 0; ///< where the last value ends, as in WalkElement
+    };
+
+    void enter(const asn1data::WalkElement& element);
+    void primitive(const asn1data::WalkElement& element);
+    /// @return no octets either where the element or the last one in it is of indefinite length
+    Gap leave(const asn1data::WalkElement& element);
+
+private:
+    struct Reached {
+        std::size_t offset;
+        bool known;
+    };
+    void reach(const Reached& end);
+
+    std::vector<Reached> reached_; ///< in each of the elements that are entered
+};
+
+} // namespace derview
+
+#endif

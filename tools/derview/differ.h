@@ -1,0 +1,24 @@
+#ifndef DERVIEW_DIFFER_H
+#define DERVIEW_DIFFER_H
+
+#include "message.h"
+#include "output.h"
+
+namespace derview {
+
+/// A message to compare, and what it is.
+struct DiffSide {
+    const Message& message;
+    const asn1data::TypeDescription& type;
+    asn1data::WalkResult decoded; ///< what the decoder makes of it
+};
+
+/// Compares two messages field by field, by path, and writes what differs. It keeps the paths of
+/// both in memory. A damaged message is compared as far as it decodes.
+/// @param width columns that a line should keep to
+/// @return whether they decode and are the same, octet for octet
+bool diffMessages(Output& output, const DiffSide& one, const DiffSide& other, std::size_t width);
+
+} // namespace derview
+
+#endif

@@ -1,0 +1,159 @@
+#include "json_writer.h"
+
+#include <limits>
+
+#include "value_text.h"
+
+namespace derview {
+
+using asn1data::WalkAction;
+using asn1data::WalkElement;
+
+namespace {
+
+/// The largest number that every reader of JSON takes exactly (RFC 8259, 6).
+constexpr long long LargestExact = (1LL << 53) - 1;
+constexpr std::size_t Endless = std::numeric_limits<std::size_t>::max();
+
+void writeNumber(JsonStream& json, const WalkElement& element) {
+    const long long number = element.value.number;
+    if (element.type->nameCount == 0) {
+        json.number(number);
+        return;
+    }
+    json.beginObject();
+    json.key("number");
+    json.number(number);
+    json.key("name");
+    json.stringOrNull(asn1data::numberName(*element.type, number));
+    json.end();
+}
+
+void writeBigNumber(JsonStream& json, const WalkElement& element) {
+    OctetStore store;
+    const Magnitude magnitude = magnitudeOf(valueOctets(element, Endless, store),
+                                            element.type->shape == asn1data::Shape::BigUnsigned);
+    if (const auto number = magnitude.within(LargestExact)) {
+        json.number(*number);
+    } else {
+        json.string((magnitude.negative ? "-0x" : "0x") + hexText(magnitude.octets));
+    }
+}
+
+void writeIdentifier(JsonStream& json, const ASN1OBJID& identifier) {
+    json.beginObject();
+    json.key("oid");
+    json.string(dottedText(identifier));
+    json.key("name");
+    json.stringOrNull(asn1data::identifierName(identifier));
+    json.end();
+}
+
+void writeBits(JsonStream& json, const WalkElement& element) {
+    OctetStore store;
+    const Octets octets = valueOctets(element, Endless, store);
+    json.beginObject();
+    json.key("bits");
+    json.number(element.value.bitCount);
+    json.key("hex");
+    json.hex(octets);
+    if (element.type->nameCount != 0) {
+        json.key("names");
+        json.beginArray();
+        for (const std::string& name :
+             bitNames(*element.type, octets, element.value.bitCount, Endless)) {
+            json.string(name);
+        }
+        json.end();
+    }
+    json.end();
+}
+
+} // namespace
+
+void JsonWriter::beginElement(const WalkElement& element) {
+    wrote_ = true;
+    const Label label = labels_.labelOf(element);
+    // The outermost element is the value of a key that stands already.
+    if (labels_.depth() != 0 && label.name.front() != '[') {
+        json_.key(label.name);
+    }
+    for (const std::string& choice : label.choices) {
+        json_.beginObject();
+        json_.key(choice);
+    }
+}
+
+WalkAction JsonWriter::enter(const WalkElement& element) {
+    ends_.enter(element);
+    depths_.push_back(json_.depth());
+    beginElement(element);
+    if (isList(*element.type)) {
+        json_.beginArray();
+    } else {
+        json_.beginObject();
+    }
+    labels_.enter(element);
+    return WalkAction::Continue;
+}
+
+WalkAction JsonWriter::leave(const WalkElement& element) {
+    const ContentsEnd::Gap gap = ends_.leave(element);
+    if (element.encapsulates && gap.octets > 0) {
+        hidesOctets_ = true;
+        json_.key("trailing");
+        json_.number(gap.octets);
+    }
+    labels_.leave();
+    json_.endTo(depths_.back());
+    depths_.pop_back();
+    return WalkAction::Continue;
+}
+
+WalkAction JsonWriter::primitive(const WalkElement& element) {
+    ends_.primitive(element);
+    const std::size_t depth = json_.depth();
+    beginElement(element);
+    writeValue(element);
+    json_.endTo(depth);
+    return WalkAction::Continue;
+}
+
+void JsonWriter::writeValue(const WalkElement& element) {
+    OctetStore store;
+    switch (valueKind(element)) {
+    case ValueKind::Null:
+        json_.literal("null");
+        break;
+    case ValueKind::Boolean:
+        json_.literal(element.value.number != 0 ? "true" : "false");
+        break;
+    case ValueKind::Number:
+        writeNumber(json_, element);
+        break;
+    case ValueKind::BigNumber:
+        writeBigNumber(json_, element);
+        break;
+    case ValueKind::Identifier:
+        writeIdentifier(json_, *element.value.identifier);
+        break;
+    case ValueKind::Time:
+        if (const auto iso = isoTime(element)) {
+            json_.string(*iso);
+            break;
+        }
+        [[fallthrough]];
+    case ValueKind::Text:
+        json_.string(toUtf8(valueOctets(element, Endless, store), codingOf(element)));
+        break;
+    case ValueKind::Bits:
+        writeBits(json_, element);
+        break;
+    case ValueKind::OctetString:
+    case ValueKind::Raw:
+        json_.hex(valueOctets(element, Endless, store));
+        break;
+    }
+}
+
+} // namespace derview

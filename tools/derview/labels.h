@@ -1,0 +1,45 @@
+#ifndef DERVIEW_LABELS_H
+#define DERVIEW_LABELS_H
+
+#include <string>
+#include <vector>
+
+#include <brevantis/asn1/asn1data/walk.h>
+
+namespace derview {
+
+/// What an element is called in the element around it.
+struct Label {
+    std::string name; ///< "issuer", "[3]", "addition[0]"; empty for the message itself
+    /// Names of the alternatives and of the object that it is: "rdnSequence", "keyUsage".
+    std::vector<std::string> choices;
+};
+
+/// Keeps what a visitor has entered, so that it can tell what it comes across.
+class Labels {
+public:
+    Label labelOf(const asn1data::WalkElement& element) const;
+
+    void enter(const asn1data::WalkElement& element);
+    void leave() { entered_.pop_back(); }
+    std::size_t depth() const { return entered_.size(); }
+    /// The type of the element around; null for the message itself.
+    const asn1data::TypeDescription* container() const;
+
+private:
+    struct Entered {
+        const asn1data::TypeDescription* type;
+        bool encapsulates;
+    };
+    std::vector<Entered> entered_;
+};
+
+/// A type as it is shown: its name, or the notation's for a type that has no name of its own.
+std::string typeText(const asn1data::TypeDescription& type);
+
+/// Whether values of a type are lists.
+bool isList(const asn1data::TypeDescription& type);
+
+} // namespace derview
+
+#endif

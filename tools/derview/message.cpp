@@ -1,0 +1,31 @@
+#include "message.h"
+
+namespace derview {
+
+using asn1data::WalkResult;
+
+Leftover Message::leftover(const WalkResult& result) const {
+    const bool walked = result.status == 0 && !result.stopped && result.consumed < octets.size();
+    const std::size_t count = trailing + (walked ? octets.size() - result.consumed : 0);
+    return {count, offset + octets.size() + trailing - count};
+}
+
+WalkResult decoderResult(const Message& message, const asn1data::TypeDescription& type) {
+    asn1data::WalkVisitor nothing;
+    return asn1data::walk(type, message.octets.data(), message.octets.size(), nothing);
+}
+
+std::string octetsText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " octet" : " octets");
+}
+
+std::string trailingText(std::size_t count) {
+    return std::to_string(count) + " trailing " + (count == 1 ? "octet" : "octets");
+}
+
+std::string missingText(const Message& message) {
+    return octetsText(message.missing()) + " of " + std::to_string(message.shown.size()) +
+           " missing";
+}
+
+} // namespace derview

@@ -1,0 +1,24 @@
+#ifndef DERVIEW_RAW_VALUE_H
+#define DERVIEW_RAW_VALUE_H
+
+#include <optional>
+#include <string>
+
+#include "value_text.h"
+
+namespace derview {
+
+/// The value of an element whose type only its tag tells.
+struct RawValue {
+    std::string typeName; ///< "UTF8String"
+    ValueKind kind;
+    ValueText value;
+};
+
+/// Reads an unknown element as the primitive that its universal tag stands for.
+/// @return nothing when it is none, or not a well-formed one
+std::optional<RawValue> rawValueText(const asn1data::WalkElement& element, std::size_t room);
+
+} // namespace derview
+
+#endif

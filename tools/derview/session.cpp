@@ -1,0 +1,193 @@
+#include "session.h"
+
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "checker.h"
+#include "differ.h"
+#include "escape.h"
+#include "progress.h"
+#include "type_printer.h"
+#include "viewer.h"
+
+namespace derview {
+
+namespace {
+
+/// Goes through the files and does with each message what is asked for.
+class Session {
+public:
+    explicit Session(const Arguments& arguments)
+        : arguments_(arguments), output_(usesColor(arguments.color)),
+          // A tree that scrolls by on the same terminal tells by itself how far it has come.
+          progress_(isTerminal(2) && (arguments.check || arguments.lint || !isTerminal(1))),
+          width_(arguments.width != 0 ? arguments.width : terminalWidth()),
+          checker_(output_, progress_, arguments.check, arguments.lint),
+          viewer_(output_, progress_, arguments, width_) {}
+
+    int run();
+
+private:
+    bool checks() const { return arguments_.check || arguments_.lint; }
+    void readFile(const std::string& path);
+    void take(const Message& message);
+    /// @return without a type when there is none, which has been told then
+    Recognition recogniseOrTell(const Message& message);
+    void diff();
+    /// Opens a file.
+    /// @return whether it can be read; if not, that has been told
+    bool open(std::optional<InputReader>& reader, const std::string& path);
+    void tellTrailing(const DiffSide& side);
+    /// Tells why there is nothing to show or to check.
+    void tellProblem(const std::string& place, const std::string& problem);
+    void tell(const std::string& text);
+
+    const Arguments& arguments_;
+    Output output_;
+    Progress progress_;
+    std::size_t width_;
+    Checker checker_;
+    Viewer viewer_;
+    bool good_ = true;
+};
+
+/// Tells something that no message can be shown for.
+void Session::tell(const std::string& text) {
+    good_ = false;
+    progress_.clear();
+    output_.flush();
+    std::fprintf(stderr, "%s\n", text.c_str());
+}
+
+void Session::tellProblem(const std::string& place, const std::string& problem) {
+    good_ = false;
+    if (checks()) {
+        checker_.countFailure(place, problem);
+    } else {
+        tell(place + ": " + problem);
+    }
+}
+
+Recognition Session::recogniseOrTell(const Message& message) {
+    std::string problem = message.problem;
+    if (problem.empty()) {
+        Recognition recognition = recognise(message, arguments_.type);
+        if (recognition.type != nullptr) {
+            return recognition;
+        }
+        problem = recognition.reason + "; --type tells what it is";
+    }
+    tellProblem(message.place, problem);
+    return {};
+}
+
+void Session::take(const Message& message) {
+    const Recognition recognition = recogniseOrTell(message);
+    if (recognition.type == nullptr) {
+        return;
+    }
+    progress_.begin(message);
+    good_ = (checks() ? checker_.check(message, *recognition.type)
+                      : viewer_.show(message, recognition)) &&
+            good_;
+}
+
+bool Session::open(std::optional<InputReader>& reader, const std::string& path) {
+    try {
+        reader.emplace(path, arguments_.input);
+        return true;
+    } catch (const std::system_error& error) {
+        tellProblem(escapeName(path), error.code().message());
+        return false;
+    }
+}
+
+void Session::readFile(const std::string& path) {
+    std::optional<InputReader> reader;
+    if (!open(reader, path)) {
+        return;
+    }
+    bool found = false;
+    while (const std::optional<Message> message = reader->next()) {
+        if (output_.failed()) {
+            return;
+        }
+        const bool wanted = arguments_.message == 0 || message->number == arguments_.message;
+        if (wanted) {
+            take(*message);
+            found = true;
+        }
+    }
+    if (!found) {
+        tellProblem(escapeName(path), "there is no message " + std::to_string(arguments_.message));
+    }
+}
+
+void Session::tellTrailing(const DiffSide& side) {
+    const std::size_t left = side.message.leftover(side.decoded).count;
+    if (left != 0) {
+        tell(side.message.place + ": " + trailingText(left));
+    }
+}
+
+void Session::diff() {
+    std::optional<InputReader> one;
+    std::optional<InputReader> other;
+    const bool hasOne = open(one, arguments_.files[0]);
+    if (!open(other, arguments_.files[1]) || !hasOne) {
+        return;
+    }
+    for (;;) {
+        const std::optional<Message> left = one->next();
+        const std::optional<Message> right = other->next();
+        if (!left || !right) {
+            if (left || right) {
+                tell((left ? left : right)->place + " and what follows it has no counterpart");
+            }
+            return;
+        }
+        const Recognition leftType = recogniseOrTell(*left);
+        const Recognition rightType = recogniseOrTell(*right);
+        if (leftType.type == nullptr || rightType.type == nullptr) {
+            continue;
+        }
+        const DiffSide leftSide{*left, *leftType.type, decoderResult(*left, *leftType.type)};
+        const DiffSide rightSide{*right, *rightType.type, decoderResult(*right, *rightType.type)};
+        good_ = diffMessages(output_, leftSide, rightSide, width_) && good_;
+        tellTrailing(leftSide);
+        tellTrailing(rightSide);
+    }
+}
+
+int Session::run() {
+    if (arguments_.listTypes) {
+        listTypes(output_);
+    } else if (arguments_.describe != nullptr) {
+        describeType(output_, *arguments_.describe);
+    } else if (arguments_.diff) {
+        diff();
+    } else {
+        for (const std::string& path : arguments_.files) {
+            readFile(path);
+        }
+        if (checks()) {
+            checker_.writeTotal();
+        }
+    }
+    progress_.clear();
+    output_.flush();
+    if (output_.failed()) {
+        tell("derview: the output cannot be written");
+    }
+    return good_ ? AllGood : SomeFailed;
+}
+
+} // namespace
+
+int runSession(const Arguments& arguments) {
+    return Session(arguments).run();
+}
+
+} // namespace derview
