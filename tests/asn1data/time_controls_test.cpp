@@ -29,7 +29,7 @@ struct Cutoff {
     using Control = ASN1C_ArchiveCutoff;
 };
 using Types = testing::Types<Invalidity, Cutoff>;
-TYPED_TEST_SUITE(TimeControls, Types);
+TYPED_TEST_SUITE(TimeControls, Types, );
 
 /// A GeneralizedTime element of the given text.
 Octets encoded(const std::string& text) {
