@@ -51,23 +51,6 @@ struct DecodeFlow {
         return ASN1S_SUCCESS;
     }
 
-    /// Whether the coder of a type steps over the end-of-contents of an indefinite form by itself,
-    /// also when its tag was read by the caller: the string coders do.
-    static bool closesItself(const TypeDescription& type) {
-        switch (type.shape) {
-        case Shape::OctetString:
-        case Shape::FixedOctetString:
-        case Shape::BitString:
-        case Shape::FixedBitString:
-        case Shape::Text:
-        case Shape::Text16:
-        case Shape::Text32:
-            return true;
-        default:
-            return false;
-        }
-    }
-
     /// Decodes the value of an element whose tag, if it has one, was read with the given length.
     /// Whoever reads a tag in indefinite form steps over its end-of-contents, where the element
     /// belongs to the structures that streaming producers write so (RFC 5652, section 5.1 and the
@@ -82,7 +65,7 @@ struct DecodeFlow {
         if (!container.stepsOverEndOfContents && !element.type->stepsOverEndOfContents) {
             return ASN1S_SUCCESS;
         }
-        if (inner == ASN1TagImplicit && closesItself(*element.type)) {
+        if (inner == ASN1TagImplicit && isString(*element.type)) {
             return ASN1S_SUCCESS;
         }
         return stepOverEndOfContents(sink);

@@ -49,6 +49,23 @@ inline bool isPresent(const TypeDescription& type, const ElementDescription& ele
            ((presenceBits(record, type.presenceOffset) >> element.presenceBit) & 1u) != 0;
 }
 
+/// Whether a type is a string. The string coders step over the end-of-contents of an indefinite
+/// form by themselves, also when its tag was read by the caller.
+inline bool isString(const TypeDescription& type) {
+    switch (type.shape) {
+    case Shape::OctetString:
+    case Shape::FixedOctetString:
+    case Shape::BitString:
+    case Shape::FixedBitString:
+    case Shape::Text:
+    case Shape::Text16:
+    case Shape::Text32:
+        return true;
+    default:
+        return false;
+    }
+}
+
 /// What is left of a type's own tag inside an element's: all of it under an EXPLICIT one.
 inline ASN1TagType innerTagging(const ElementDescription& element) {
     return element.tagging == Tagging::Explicit ? ASN1TagExplicit : ASN1TagImplicit;

@@ -36,18 +36,7 @@ struct TextCount {
 };
 
 bool isString(const TypeDescription* type) {
-    switch (type != nullptr ? type->shape : Shape::OpenType) {
-    case Shape::OctetString:
-    case Shape::FixedOctetString:
-    case Shape::BitString:
-    case Shape::FixedBitString:
-    case Shape::Text:
-    case Shape::Text16:
-    case Shape::Text32:
-        return true;
-    default:
-        return false;
-    }
+    return type != nullptr && family::isString(*type);
 }
 
 /// A header that has been read.
