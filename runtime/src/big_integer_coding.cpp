@@ -9,6 +9,7 @@
 
 #include "big_integer_digits.h"
 #include "octet_reader.h"
+#include "octet_writer.h"
 
 using namespace runtime_detail;
 
@@ -56,8 +57,8 @@ bool findDigits(const char* text, Digits* digits) noexcept {
     return true;
 }
 
-int writeOctet(ASN1CTXT* ctxt, unsigned char octet) noexcept {
-    const int status = xe_memcpy(ctxt, &octet, 1);
+inline int writeOctet(ASN1CTXT* ctxt, unsigned char octet) noexcept {
+    const int status = putOctet(ctxt, octet);
     return status < 0 ? record(ctxt, status) : status;
 }
 
@@ -74,24 +75,39 @@ int makeRoom(ASN1CTXT* ctxt, std::size_t octets) noexcept {
     return ASN1S_SUCCESS;
 }
 
-/// Writes the octets that digits stand for, from the last to the first; the first may be filled in
-/// part.
+constexpr unsigned int noOctet = 0x100;
+
+/// The octet of @p count digits of @p bits bits.
+/// @return noOctet for other characters
+inline unsigned int octetOf(const char* text, std::size_t count, unsigned int bits) noexcept {
+    unsigned int octet = 0;
+    unsigned int all = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned int value = digitValue(text[i]);
+        octet = octet << bits | value;
+        all |= value;
+    }
+    return all >> bits == 0 ? octet : noOctet;
+}
+
+/// Writes the octets that digits of @p bits bits stand for, from the last to the first; the first
+/// may be filled in part.
 /// @param top receives the first octet
 /// @return the octets written, or a recorded status
+template <unsigned int bits>
 int writeDigits(ASN1CTXT* ctxt, const Digits& digits, unsigned char* top) noexcept {
-    const std::size_t octets = digits.count / digits.perOctet() + (digits.fillOctets() ? 0 : 1);
+    constexpr std::size_t perOctet = 8 / bits;
+    const std::size_t octets = digits.count / perOctet + (digits.fillOctets() ? 0 : 1);
     if (const int status = makeRoom(ctxt, octets)) {
         return status;
     }
-    std::size_t rest = digits.count;
-    while (rest != 0) {
-        unsigned int octet = 0;
-        for (unsigned int shift = 0; shift < 8 && rest != 0; shift += digits.bits) {
-            const unsigned int value = digitValue(digits.text[--rest]);
-            if (value >> digits.bits != 0) {
-                return record(ctxt, ASN1S_BAD_VALUE);
-            }
-            octet |= value << shift;
+    for (std::size_t rest = digits.count; rest != 0;) {
+        const std::size_t count = rest < perOctet ? rest : perOctet;
+        rest -= count;
+        const unsigned int octet = count == perOctet ? octetOf(digits.text + rest, perOctet, bits)
+                                                     : octetOf(digits.text, count, bits);
+        if (octet == noOctet) {
+            return record(ctxt, ASN1S_BAD_VALUE);
         }
         *top = static_cast<unsigned char>(octet);
         if (const int status = writeOctet(ctxt, *top); status < 0) {
@@ -99,6 +115,10 @@ int writeDigits(ASN1CTXT* ctxt, const Digits& digits, unsigned char* top) noexce
         }
     }
     return static_cast<int>(octets);
+}
+
+int writeDigits(ASN1CTXT* ctxt, const Digits& digits, unsigned char* top) noexcept {
+    return digits.bits == 4 ? writeDigits<4>(ctxt, digits, top) : writeDigits<1>(ctxt, digits, top);
 }
 
 /// Puts one octet in front of @p count octets that are written.

@@ -8,6 +8,7 @@
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "octet_reader.h"
+#include "octet_writer.h"
 #include "string_contents.h"
 
 using namespace runtime_detail;
@@ -210,7 +211,7 @@ int xe_bitstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numbits,
         }
     }
     const auto unused = static_cast<unsigned char>(partial != 0 ? 8 - partial : 0);
-    const int written = xe_memcpy(ctxt, &unused, 1);
+    const int written = putOctet(ctxt, unused);
     if (written < 0) {
         return written;
     }

@@ -6,11 +6,13 @@
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "octet_reader.h"
+#include "octet_writer.h"
 
 namespace {
 
 using runtime_detail::fits;
 using runtime_detail::octetAt;
+using runtime_detail::putOctet;
 using runtime_detail::record;
 using runtime_detail::remaining;
 using runtime_detail::takeOctet;
@@ -61,7 +63,7 @@ int xe_boolean(ASN1CTXT* ctxt, unsigned char* value, ASN1TagType tagging) noexce
         return ASN1S_BAD_VALUE;
     }
     const unsigned char octet = *value != 0 ? 0xFF : 0;
-    return completeElement(ctxt, tagging, booleanTag, xe_memcpy(ctxt, &octet, 1));
+    return completeElement(ctxt, tagging, booleanTag, putOctet(ctxt, octet));
 }
 
 int xd_boolean(ASN1CTXT* ctxt, unsigned char* value, ASN1TagType tagging, int length) noexcept {

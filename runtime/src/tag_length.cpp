@@ -8,9 +8,12 @@
 #include <brevantis/asn1/runtime/heap.h>
 
 #include "octet_reader.h"
+#include "octet_writer.h"
 
 namespace {
 
+using runtime_detail::growBuffer;
+using runtime_detail::putOctet;
 using runtime_detail::record;
 using runtime_detail::remaining;
 using runtime_detail::takeOctet;
@@ -32,51 +35,6 @@ constexpr ASN1TAG shortTag(unsigned char identifierOctet) noexcept {
 /// First identifier octet with class and form of @p tag and @p lowBits as its low five bits.
 constexpr unsigned char leadingOctet(ASN1TAG tag, std::uint32_t lowBits) noexcept {
     return static_cast<unsigned char>((tag >> 29 << 5) | lowBits);
-}
-
-/// Makes room for @p count more octets in front of the message.
-int makeRoom(ASN1CTXT* ctxt, std::uint32_t count) noexcept {
-    ASN1Buffer& buffer = ctxt->buffer;
-    if (buffer.dynamic == 0) {
-        return ASN1S_BUFFER_OVERFLOW;
-    }
-    // By half of what there is once that is more: with equal steps alone, each of which copies
-    // everything, a message would take time in the square of its size.
-    const std::uint32_t room = largestBlock - std::min(largestBlock, buffer.size);
-    const std::uint32_t growth = std::max({count, growthStep, std::min(buffer.size / 2, room)});
-    if (buffer.size > largestBlock || growth > largestBlock - buffer.size) {
-        return ASN1S_NO_MEMORY;
-    }
-    const std::uint32_t newSize = buffer.size + growth;
-    auto* block =
-        static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(newSize)));
-    if (block == nullptr) {
-        return ASN1S_NO_MEMORY;
-    }
-    // The unused last octet moves along, so that distances from the end stay valid.
-    const std::uint32_t used = buffer.size - buffer.byteIndex;
-    if (used != 0) {
-        std::memcpy(block + (newSize - used), buffer.data + buffer.byteIndex, used);
-    }
-    rtMemHeapFreePtr(&ctxt->memHeap, buffer.data);
-    buffer.data = block;
-    buffer.size = newSize;
-    buffer.byteIndex += growth;
-    return ASN1S_SUCCESS;
-}
-
-/// Writes one octet, as headers do: a plain store, no copy call.
-/// @return 1, or the failure of makeRoom
-inline int putOctet(ASN1CTXT* ctxt, std::uint32_t octet) noexcept {
-    ASN1Buffer& buffer = ctxt->buffer;
-    if (buffer.byteIndex == 0) {
-        const int status = makeRoom(ctxt, 1);
-        if (status != ASN1S_SUCCESS) {
-            return status;
-        }
-    }
-    buffer.data[--buffer.byteIndex] = static_cast<unsigned char>(octet);
-    return 1;
 }
 
 constexpr unsigned short closedMessage = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
@@ -269,6 +227,36 @@ unsigned char* xe_getp(ASN1CTXT* ctxt) noexcept {
     return ctxt->buffer.data + ctxt->buffer.byteIndex;
 }
 
+int runtime_detail::growBuffer(ASN1CTXT* ctxt, std::uint32_t count) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (buffer.dynamic == 0) {
+        return ASN1S_BUFFER_OVERFLOW;
+    }
+    // By half of what there is once that is more: with equal steps alone, each of which copies
+    // everything, a message would take time in the square of its size.
+    const std::uint32_t room = largestBlock - std::min(largestBlock, buffer.size);
+    const std::uint32_t growth = std::max({count, growthStep, std::min(buffer.size / 2, room)});
+    if (buffer.size > largestBlock || growth > largestBlock - buffer.size) {
+        return ASN1S_NO_MEMORY;
+    }
+    const std::uint32_t newSize = buffer.size + growth;
+    auto* block =
+        static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(newSize)));
+    if (block == nullptr) {
+        return ASN1S_NO_MEMORY;
+    }
+    // The unused last octet moves along, so that distances from the end stay valid.
+    const std::uint32_t used = buffer.size - buffer.byteIndex;
+    if (used != 0) {
+        std::memcpy(block + (newSize - used), buffer.data + buffer.byteIndex, used);
+    }
+    rtMemHeapFreePtr(&ctxt->memHeap, buffer.data);
+    buffer.data = block;
+    buffer.size = newSize;
+    buffer.byteIndex += growth;
+    return ASN1S_SUCCESS;
+}
+
 int xe_memcpy(ASN1CTXT* ctxt, const void* source, unsigned int count) noexcept {
     if (source == nullptr) {
         return ASN1S_BAD_VALUE;
@@ -282,7 +270,7 @@ int xe_memcpy(ASN1CTXT* ctxt, const void* source, unsigned int count) noexcept {
         return buffer.dynamic == 0 ? ASN1S_BUFFER_OVERFLOW : ASN1S_NO_MEMORY;
     }
     if (buffer.byteIndex < count) {
-        const int status = makeRoom(ctxt, count);
+        const int status = growBuffer(ctxt, count);
         if (status != ASN1S_SUCCESS) {
             return status;
         }
@@ -295,7 +283,7 @@ int xe_memcpy(ASN1CTXT* ctxt, const void* source, unsigned int count) noexcept {
 }
 
 int xe_expandBuffer(ASN1CTXT* ctxt, int count) noexcept {
-    return makeRoom(ctxt, static_cast<std::uint32_t>(std::max(count, 0)));
+    return growBuffer(ctxt, static_cast<std::uint32_t>(std::max(count, 0)));
 }
 
 int xe_identifier(ASN1CTXT* ctxt, unsigned int value) noexcept {

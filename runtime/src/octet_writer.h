@@ -1,0 +1,36 @@
+#ifndef BREVANTIS_ASN1_RUNTIME_SRC_OCTET_WRITER_H
+#define BREVANTIS_ASN1_RUNTIME_SRC_OCTET_WRITER_H
+
+#include <cstdint>
+
+#include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/status.h>
+
+/// @file
+/// What every encoder does with the room in front of the message: the one place that asks whether
+/// there is some, and for more.
+
+namespace runtime_detail {
+
+/// Makes room for @p count more octets in front of the message. Defined beside the coders of tags
+/// and lengths.
+/// @return 0; -1 for a static buffer; -12
+int growBuffer(ASN1CTXT* ctxt, std::uint32_t count) noexcept;
+
+/// Writes one octet: a plain store, no copy call.
+/// @return 1, or the failure of growBuffer
+inline int putOctet(ASN1CTXT* ctxt, std::uint32_t octet) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (buffer.byteIndex == 0) {
+        const int status = growBuffer(ctxt, 1);
+        if (status != ASN1S_SUCCESS) {
+            return status;
+        }
+    }
+    buffer.data[--buffer.byteIndex] = static_cast<unsigned char>(octet);
+    return 1;
+}
+
+} // namespace runtime_detail
+
+#endif
