@@ -28,7 +28,12 @@ if [[ ${1:-} == --format ]]; then
 fi
 
 say "building with $(clang++ --version | head -n 1)"
-cmake -S . -B build/lint -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ >/dev/null
+bench=OFF
+if is_provided libbenchmark-dev; then
+    bench=ON
+fi
+cmake -S . -B build/lint -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
+    -DBREVANTIS_BUILD_BENCH=$bench >/dev/null
 cmake --build build/lint -j "$jobs"
 
 # Only what the build compiles has flags to be checked with: fuzz targets, for one, have none here.

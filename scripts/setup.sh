@@ -20,7 +20,16 @@ is_provided() {
         ninja-build) command -v ninja ;;
         binutils) command -v nm ;;
         openssl) command -v openssl ;;
+        pkg-config) command -v pkg-config ;;
+        valgrind) test -e /usr/include/valgrind/callgrind.h && command -v valgrind ;;
         libssl-dev) test -e /usr/include/openssl/x509.h ;;
+        libgnutls28-dev) test -e /usr/include/gnutls/gnutls.h ;;
+        libtasn1-6-dev) test -e /usr/include/libtasn1.h ;;
+        libmbedtls-dev) test -e /usr/include/mbedtls/x509_crt.h ;;
+        libbotan-2-dev) test -e /usr/include/botan-2/botan/x509cert.h ;;
+        libnss3-dev) test -e /usr/include/nss/nss.h ;;
+        libbenchmark-dev) compgen -G '/usr/lib/*/cmake/benchmark/benchmarkConfig.cmake' ||
+            compgen -G '/usr/local/lib/cmake/benchmark/benchmarkConfig.cmake' ;;
         nlohmann-json3-dev) test -e /usr/include/nlohmann/json.hpp ;;
         libcli11-dev) test -e /usr/include/CLI/CLI.hpp ;;
         ca-certificates) test -s "$ca_bundle" ;;

@@ -1,0 +1,90 @@
+#include "allocations.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <malloc.h>
+
+// The allocator of the C library under its own names. The functions below take the public ones, for
+// the whole process: the program comes before every library in the search for a symbol.
+extern "C" {
+void* __libc_malloc(std::size_t size);                    // NOLINT(bugprone-reserved-identifier)
+void* __libc_calloc(std::size_t count, std::size_t size); // NOLINT(bugprone-reserved-identifier)
+void* __libc_realloc(void* block, std::size_t size);      // NOLINT(bugprone-reserved-identifier)
+void* __libc_memalign(std::size_t alignment,
+                      std::size_t size); // NOLINT(bugprone-reserved-identifier)
+void __libc_free(void* block);           // NOLINT(bugprone-reserved-identifier)
+}
+
+namespace {
+
+bool counting = false;
+std::ptrdiff_t alive = 0;
+bench::Allocations counted;
+
+void* taken(void* block, std::size_t size) noexcept {
+    if (counting && block != nullptr) {
+        ++counted.calls;
+        counted.octets += size;
+        alive += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+        counted.peak =
+            std::max(counted.peak, static_cast<std::size_t>(std::max<std::ptrdiff_t>(alive, 0)));
+    }
+    return block;
+}
+
+std::ptrdiff_t usable(void* block) noexcept {
+    return counting ? static_cast<std::ptrdiff_t>(malloc_usable_size(block)) : 0;
+}
+
+} // namespace
+
+extern "C" {
+
+void* malloc(std::size_t size) {
+    return taken(__libc_malloc(size), size);
+}
+
+void* calloc(std::size_t count, std::size_t size) {
+    return taken(__libc_calloc(count, size), count * size);
+}
+
+void* realloc(void* block, std::size_t size) {
+    const std::ptrdiff_t before = usable(block);
+    void* resized = __libc_realloc(block, size);
+    if (resized != nullptr || size == 0) {
+        alive -= before;
+    }
+    return taken(resized, size);
+}
+
+void* memalign(std::size_t alignment, std::size_t size) {
+    return taken(__libc_memalign(alignment, size), size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    return memalign(alignment, size);
+}
+
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
+    *block = memalign(alignment, size);
+    return *block != nullptr ? 0 : ENOMEM;
+}
+
+void free(void* block) {
+    alive -= usable(block);
+    __libc_free(block);
+}
+
+} // extern "C"
+
+void bench::startCounting() noexcept {
+    counted = Allocations();
+    alive = 0;
+    counting = true;
+}
+
+bench::Allocations bench::stopCounting() noexcept {
+    counting = false;
+    counted.left = alive;
+    return counted;
+}

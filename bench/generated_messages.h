@@ -1,0 +1,26 @@
+#ifndef BENCH_GENERATED_MESSAGES_H
+#define BENCH_GENERATED_MESSAGES_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// The content of a file.
+/// @throws std::runtime_error when it cannot be read
+std::vector<unsigned char> readFile(const std::string& path);
+
+/// The certification request of the corpus with one attribute, whose SET OF has @p members members,
+/// in no order.
+/// @throws std::runtime_error
+std::vector<unsigned char> makeCertificationRequest(std::size_t members,
+                                                    const std::string& directory);
+
+/// The signed message of the corpus with a content of @p mebibytes MiB.
+/// @throws std::runtime_error
+std::vector<unsigned char> makeSignedData(std::size_t mebibytes, const std::string& directory);
+
+} // namespace bench
+
+#endif

@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# Measures this library beside others, on the same messages and in one run, and prints tables in
+# Markdown. Installs what a bare Debian 12 lacks, the other libraries among it, and builds first.
+#
+# Usage: scripts/bench.sh [--check | --growth | --instructions] [--benchmark_...=VALUE]...
+#
+#   --check         does everything once and tells what is refused
+#   --growth        how time and memory grow with a message, in place of the other tables
+#   --instructions  counts instructions too, with callgrind
+set -euo pipefail
+# shellcheck source=scripts/setup.sh
+source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+
+mode=
+if [[ ${1:-} == --check || ${1:-} == --growth || ${1:-} == --instructions ]]; then
+    mode=$1
+    shift
+fi
+
+# The tables alone go to the standard output.
+exec 3>&1 1>&2
+install_missing g++ cmake ninja-build ca-certificates openssl pkg-config libbenchmark-dev \
+    nlohmann-json3-dev libcli11-dev \
+    libssl-dev libgnutls28-dev libtasn1-6-dev libmbedtls-dev libbotan-2-dev libnss3-dev valgrind
+# Tests need a package that this script does without.
+build release -DBREVANTIS_BUILD_TESTS=OFF -DBREVANTIS_BUILD_BENCH=ON -- asn1_bench
+
+program=$root/build/release/bin/asn1_bench
+corpus=$root/build/release/bench/corpus
+say "making the messages"
+"$root/bench/make_corpus.sh" "$corpus"
+lscpu | sed -n 's/^Model name: */Machine: /p'
+
+# A core of its own keeps the scheduler from moving what is measured.
+core=$(taskset -cp $$ | sed 's/.*[ ,-]//')
+measure() {
+    taskset -c "$core" "$program" "$corpus" "$@" >&3
+}
+
+timing=(--benchmark_min_time=0.05 --benchmark_repetitions=9
+    --benchmark_enable_random_interleaving=true)
+
+case $mode in
+    --check | --growth)
+        measure "$mode" "$@"
+        ;;
+    --instructions)
+        folder=$(mktemp -d)
+        trap 'rm -rf "$folder"' EXIT
+        say "counting instructions"
+        valgrind --tool=callgrind --collect-atstart=no --callgrind-out-file="$folder/out" \
+            "$program" "$corpus" --count-instructions >"$folder/log" 2>&1 ||
+            fail "$(tail -n 20 "$folder/log")"
+        # Each file names what triggered it, then the count.
+        awk -F': ' '/^desc: Trigger: Client Request: / { name = substr($0, 32) }
+            /^(summary|totals): / && name != "" { print name "\t" $2; name = "" }' \
+            "$folder"/out.* >"$folder/instructions"
+        measure --instructions="$folder/instructions" "${timing[@]}" "$@"
+        ;;
+    *)
+        measure "${timing[@]}" "$@"
+        ;;
+esac
