@@ -154,6 +154,10 @@ void putBound(BoundedText& out, long long bound) {
 }
 
 void putRanges(BoundedText& out, const WalkFailure& failure) {
+    if (failure.finding == Finding::BadText) {
+        out << "UTF-8 text";
+        return;
+    }
     out << (isNumber(failure.type) ? "a value of " : "a size of ");
     for (unsigned i = 0; i < failure.constraint.count; ++i) {
         const ValueRange& range = failure.constraint.ranges[i];
@@ -188,10 +192,17 @@ void putExpected(BoundedText& out, const WalkFailure& failure) {
         out << "a member of " << failure.container->name << " that is not there yet";
         break;
     case Expectation::Header:
-        out << "a header that fits the message";
+        if (failure.finding != Finding::Length) {
+            out << "identifier and length octets";
+        } else {
+            out << (failure.foundNumber == ASN1IndefiniteLength
+                        ? "a definite length"
+                        : "a length within the octets that are there");
+        }
         break;
     case Expectation::Contents:
-        out << "contents of " << name;
+        out << (failure.finding == Finding::Nothing ? "well-formed contents of " : "contents of ")
+            << name;
         break;
     case Expectation::EndOfContents:
         out << "end of contents";
@@ -211,10 +222,28 @@ void putExpected(BoundedText& out, const WalkFailure& failure) {
     }
 }
 
+/// What the status alone tells of what was found: octets that could not be read.
+void putInvalid(BoundedText& out, int status) {
+    switch (status) {
+    case ASN1S_BAD_TAG:
+        out << "an invalid tag";
+        break;
+    case ASN1S_INVALID_LENGTH:
+    case ASN1S_VALUE_TOO_BIG:
+    case ASN1S_STRING_OVERFLOW:
+        out << "an invalid length";
+        break;
+    default:
+        break;
+    }
+}
+
 void putFound(BoundedText& out, const WalkFailure& failure) {
     switch (failure.finding) {
     case Finding::Nothing:
-        out << "another";
+        if (failure.expectation != Expectation::Memory) {
+            putInvalid(out, failure.status);
+        }
         break;
     case Finding::EndOfMessage:
         out << "end of message";
@@ -247,7 +276,7 @@ void putFound(BoundedText& out, const WalkFailure& failure) {
         out << (isNumber(failure.type) ? "a value of " : "a size of ") << failure.foundNumber;
         break;
     case Finding::BadText:
-        out << "text that is no UTF-8";
+        out << "octets that are no UTF-8";
         break;
     }
 }
@@ -293,7 +322,7 @@ std::size_t writeFailure(const WalkFailure& failure, char* text, std::size_t siz
         << (failure.pathCut ? "..." : "") << " at offset " << static_cast<long long>(failure.offset)
         << (failure.assembled ? " of the assembled octets: expected " : ": expected ");
     putExpected(out, failure);
-    if (failure.finding != Finding::Nothing) {
+    if (writeFound(failure, nullptr, 0) != 0) {
         out << ", found ";
         putFound(out, failure);
     }

@@ -116,6 +116,9 @@ const char* contradiction(const Arguments& arguments) {
     if (modes > 1) {
         return "--check and --lint, --at, --diff, --list-types and --describe exclude each other";
     }
+    if ((arguments.listTypes || arguments.describe != nullptr) && !arguments.files.empty()) {
+        return "--list-types and --describe take no files";
+    }
     if (arguments.raw && !arguments.path) {
         return "--raw needs --at";
     }

@@ -1,5 +1,10 @@
 #include "contents_end.h"
 
+#include <limits>
+
+#include "input_reader.h"
+#include "value_text.h"
+
 namespace derview {
 
 using asn1data::WalkElement;
@@ -20,6 +25,18 @@ std::size_t promisedEnd(const WalkElement& element) {
            (isDefinite(element) ? static_cast<unsigned>(element.contentLength) : 0);
 }
 
+/// Where what is in the element begins. Offsets in segments that have been put together count from
+/// their start.
+std::size_t insideStart(const WalkElement& element) {
+    return element.segmented ? 0 : contentsStart(element);
+}
+
+/// Size of the typed value in an OCTET STRING with its end-of-contents; 0 if these are not there.
+std::size_t typedSize(const WalkElement& element) {
+    OctetStore store;
+    return firstElementSize(valueOctets(element, std::numeric_limits<std::size_t>::max(), store));
+}
+
 } // namespace
 
 void ContentsEnd::reach(const Reached& end) {
@@ -30,8 +47,7 @@ void ContentsEnd::reach(const Reached& end) {
 }
 
 void ContentsEnd::enter(const WalkElement& element) {
-    // Offsets in segments that have been put together count from their start.
-    reached_.push_back({element.segmented ? 0 : contentsStart(element), true});
+    reached_.push_back({insideStart(element), true});
 }
 
 void ContentsEnd::primitive(const WalkElement& element) {
@@ -39,11 +55,15 @@ void ContentsEnd::primitive(const WalkElement& element) {
 }
 
 ContentsEnd::Gap ContentsEnd::leave(const WalkElement& element) {
-    const Reached inside = reached_.back();
+    Reached inside = reached_.back();
     reached_.pop_back();
     const bool definite = isDefinite(element);
     if (element.encapsulates) {
         reach({promisedEnd(element), definite});
+        if (!inside.known) {
+            const std::size_t size = typedSize(element);
+            inside = {insideStart(element) + size, size != 0};
+        }
     } else {
         reach({inside.offset, inside.known && definite});
     }
@@ -51,7 +71,9 @@ ContentsEnd::Gap ContentsEnd::leave(const WalkElement& element) {
         return {};
     }
     const std::size_t end = element.segmented ? element.value.octetCount : promisedEnd(element);
-    return {static_cast<long long>(end) - static_cast<long long>(inside.offset), inside.offset};
+    const bool hides = element.encapsulates && end > inside.offset;
+    return {static_cast<long long>(end) - static_cast<long long>(inside.offset), inside.offset,
+            hides ? end - inside.offset : 0};
 }
 
 } // namespace derview

@@ -16,11 +16,13 @@ public:
     struct Gap {
         long long octets = 0;   ///< below 0 when the values reach beyond the contents
         std::size_t offset = 0; ///< where the last value ends, as in WalkElement
+        std::size_t hidden = 0; ///< `octets` behind the typed value in an OCTET STRING
     };
 
     void enter(const asn1data::WalkElement& element);
     void primitive(const asn1data::WalkElement& element);
-    /// @return no octets either where the element or the last one in it is of indefinite length
+    /// @return no octets either where the element is of indefinite length, or the last one in it
+    ///         is and the element is no OCTET STRING
     Gap leave(const asn1data::WalkElement& element);
 
 private:

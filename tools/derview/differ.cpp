@@ -7,6 +7,7 @@
 
 #include <brevantis/asn1/asn1data/walk.h>
 
+#include "contents_end.h"
 #include "failure_text.h"
 #include "labels.h"
 #include "path_filter.h"
@@ -33,39 +34,63 @@ public:
     explicit FieldCollector(std::size_t room) : room_(room) {}
 
     WalkAction enter(const WalkElement& element) override {
-        if (element.contentLength == 0) {
+        ends_.enter(element);
+        justEntered_ = true;
+        return WalkAction::Continue;
+    }
+
+    WalkAction leave(const WalkElement& element) override {
+        if (justEntered_) {
             fields.push_back({asn1data::pathText(*element.step), element.type, {}, "(empty)"});
+        }
+        justEntered_ = false;
+        if (const std::size_t hidden = ends_.leave(element).hidden; hidden != 0) {
+            OctetStore store;
+            WalkElement behind = element;
+            behind.value.octets = valueOctets(element, Endless, store).last(hidden).data();
+            behind.value.octetCount = static_cast<unsigned>(hidden);
+            behind.segmented = false;
+            add(behind, ", behind the value");
         }
         return WalkAction::Continue;
     }
 
     WalkAction primitive(const WalkElement& element) override {
-        OctetStore store;
-        const ValueText value = valueText(element, room_);
-        fields.push_back({asn1data::pathText(*element.step), element.type, comparable(element),
-                          value.text + (value.rest != 0 ? " " + restText(value.rest) : "")});
+        ends_.primitive(element);
+        justEntered_ = false;
+        add(element, "");
         return WalkAction::Continue;
     }
 
     std::vector<Field> fields;
 
 private:
+    void add(const WalkElement& element, const char* place) {
+        const ValueText value = valueText(element, room_);
+        fields.push_back({asn1data::pathText(*element.step) + place, element.type,
+                          comparable(element),
+                          value.text + (value.rest != 0 ? " " + restText(value.rest) : "")});
+    }
+
     /// Octets that are the same when the values are.
     static OctetStore comparable(const WalkElement& element) {
         const bool hasOctets = element.value.octets != nullptr || element.segmented;
         if (!hasOctets) {
-            const std::string text =
-                valueText(element, std::numeric_limits<std::size_t>::max()).text;
+            const std::string text = valueText(element, Endless).text;
             return {text.begin(), text.end()};
         }
         OctetStore store;
-        const Octets octets = valueOctets(element, std::numeric_limits<std::size_t>::max(), store);
+        const Octets octets = valueOctets(element, Endless, store);
         OctetStore result(octets.begin(), octets.end());
         result.push_back(static_cast<unsigned char>(element.value.bitCount % 8));
         return result;
     }
 
+    static constexpr std::size_t Endless = std::numeric_limits<std::size_t>::max();
+
     std::size_t room_;
+    ContentsEnd ends_;
+    bool justEntered_ = false;
 };
 
 /// Whether a message can be compared to its end.

@@ -19,6 +19,9 @@ struct Header {
     std::size_t length = 0;
 };
 
+/// Octets that close an indefinite length (X.690, 8.1.5).
+constexpr std::size_t EndOfContentsSize = 2;
+
 /// Reads the header that octets begin with.
 Header readHeader(Octets octets);
 

@@ -138,14 +138,17 @@ std::string decodeHex(Octets text, std::size_t start, OctetStore& octets) {
 
 /// Size of the message of indefinite length that octets begin with, counting what is missing: the
 /// rest of the last element in it and the end-of-contents octets of those that are open.
-std::size_t sizeWithEnd(Octets octets) {
+/// @param open receives how many are open
+std::size_t sizeWithEnd(Octets octets, std::size_t& open) {
     // The end of a tag number, and a length in as many octets as its first one can announce.
     constexpr std::size_t longestHeader = 1 + 1 + 127;
     std::size_t place = 0;
-    std::size_t open = 0;
     do {
         const Octets rest = octets.subspan(place);
         Header header = readHeader(rest);
+        if (header.size == 0 && rest[0] == 0) { // half an end-of-contents
+            break;
+        }
         if (header.size == 0) {
             OctetStore filled(rest.begin(), rest.end());
             filled.resize(filled.size() + longestHeader);
@@ -161,7 +164,7 @@ std::size_t sizeWithEnd(Octets octets) {
         }
         place += header.size + header.length;
     } while (open != 0 && place < octets.size());
-    return std::max(place, octets.size()) + 2 * open;
+    return std::max(place + EndOfContentsSize * open, octets.size());
 }
 
 /// Whether what follows a message is another one, rather than something left behind it.
@@ -257,7 +260,7 @@ void InputReader::pad(Message& message) {
         return;
     }
     const std::size_t size =
-        header.indefinite ? sizeWithEnd(message.octets) : header.size + header.length;
+        header.indefinite ? sizeWithEnd(message.octets, message.open) : header.size + header.length;
     if (size > message.octets.size() && size <= largest) {
         padded_ = std::make_unique<PaddedOctets>(message.octets, size);
         message.shown = padded_->octets().empty() ? message.octets : padded_->octets();
@@ -278,6 +281,8 @@ std::optional<Message> InputReader::next() {
     message.problem = part.problem;
     if (message.problem.empty() && rest.empty()) {
         message.problem = "there are no octets";
+    } else if (message.problem.empty() && rest[0] == 0) {
+        message.problem = "no message begins with the octet 00 (end-of-contents)";
     }
     const std::size_t size = message.problem.empty() ? firstElementSize(rest) : 0;
     message.octets =

@@ -99,7 +99,7 @@ WalkAction JsonWriter::enter(const WalkElement& element) {
 
 WalkAction JsonWriter::leave(const WalkElement& element) {
     const ContentsEnd::Gap gap = ends_.leave(element);
-    if (element.encapsulates && gap.octets > 0) {
+    if (gap.hidden != 0) {
         hidesOctets_ = true;
         json_.key("trailing");
         json_.number(gap.octets);

@@ -1,5 +1,7 @@
 #include "message.h"
 
+#include "header.h"
+
 namespace derview {
 
 using asn1data::WalkResult;
@@ -24,7 +26,13 @@ std::string trailingText(std::size_t count) {
 }
 
 std::string missingText(const Message& message) {
-    return octetsText(message.missing()) + " of " + std::to_string(message.shown.size()) +
+    const std::size_t missing = message.missing();
+    if (message.open == 0) {
+        return octetsText(missing) + " of " + std::to_string(message.shown.size()) + " missing";
+    }
+    const std::size_t ends = EndOfContentsSize * message.open;
+    return (missing > ends ? octetsText(missing - ends) + " and " : "") + "end-of-contents" +
+           (message.open > 1 ? " of " + std::to_string(message.open) + " elements" : "") +
            " missing";
 }
 

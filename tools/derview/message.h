@@ -25,6 +25,9 @@ struct Message {
     Octets octets;          ///< lives as long as the input
     /// What to go through in order to show it: the octets, with zeros for those that are missing.
     Octets shown;
+    /// Elements of indefinite length whose end-of-contents are missing; 0 where the message is of
+    /// definite length.
+    std::size_t open = 0;
     std::string problem;      ///< why there are no octets; empty when there are
     std::size_t trailing = 0; ///< octets behind it that belong to no message
 
@@ -46,7 +49,8 @@ std::string octetsText(std::size_t count);
 /// "4 trailing octets"
 std::string trailingText(std::size_t count);
 
-/// "2 octets of 7 missing"
+/// "2 octets of 7 missing", "end-of-contents missing", "1 octet and end-of-contents of 3 elements
+/// missing"
 std::string missingText(const Message& message);
 
 } // namespace derview

@@ -210,10 +210,9 @@ WalkAction TreeWriter::enter(const WalkElement& element) {
 
 WalkAction TreeWriter::leave(const WalkElement& element) {
     const ContentsEnd::Gap gap = ends_.leave(element);
-    if (element.encapsulates && gap.octets > 0) {
+    if (gap.hidden != 0) {
         hidesOctets_ = true;
-        writeFailure(octetsText(static_cast<std::size_t>(gap.octets)) +
-                     " behind the value not shown");
+        writeFailure(octetsText(gap.hidden) + " behind the value not shown");
     }
     labels_.leave();
     return WalkAction::Continue;

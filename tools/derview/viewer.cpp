@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "contents_end.h"
 #include "failure_text.h"
 #include "json_writer.h"
 #include "path_filter.h"
@@ -37,6 +38,32 @@ void writeError(JsonStream& json, const asn1data::WalkFailure& failure) {
     json.string(foundText(failure));
     json.end();
 }
+
+/// Finds the octets that a message loses when it is encoded again: those behind the typed values in
+/// its OCTET STRINGs.
+class HiddenOctets : public asn1data::WalkVisitor {
+public:
+    asn1data::WalkAction enter(const asn1data::WalkElement& element) override {
+        ends_.enter(element);
+        return asn1data::WalkAction::Continue;
+    }
+    asn1data::WalkAction leave(const asn1data::WalkElement& element) override {
+        if (const std::size_t hidden = ends_.leave(element).hidden; hidden != 0) {
+            places.push_back(asn1data::pathText(*element.step) + ": " + octetsText(hidden) +
+                             " behind the value left out");
+        }
+        return asn1data::WalkAction::Continue;
+    }
+    asn1data::WalkAction primitive(const asn1data::WalkElement& element) override {
+        ends_.primitive(element);
+        return asn1data::WalkAction::Continue;
+    }
+
+    std::vector<std::string> places; ///< what to tell of each
+
+private:
+    ContentsEnd ends_;
+};
 
 } // namespace
 
@@ -217,7 +244,9 @@ bool Viewer::showJson(const View& view) {
 bool Viewer::showDer(const View& view) {
     const Message& message = view.message;
     const asn1data::TypeDescription& type = *view.recognition.type;
-    const WalkResult decoded = decoderResult(message, type);
+    HiddenOctets hidden;
+    const WalkResult decoded =
+        asn1data::walk(type, message.octets.data(), message.octets.size(), hidden);
     if (decoded.status != 0) {
         tell(message, std::string(type.name) + " " + errorText(decoded.failure));
         return false;
@@ -231,11 +260,14 @@ bool Viewer::showDer(const View& view) {
         return false;
     }
     output_.writeOctets(recoder_.encoded());
+    for (const std::string& place : hidden.places) {
+        tell(message, place);
+    }
     const std::size_t left = message.leftover(decoded).count;
     if (left != 0) {
         tell(message, trailingText(left));
     }
-    return left == 0;
+    return left == 0 && hidden.places.empty();
 }
 
 } // namespace derview
