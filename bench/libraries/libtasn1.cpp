@@ -4,11 +4,11 @@
 
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <stdexcept>
 
 #include <libtasn1.h>
 
+#include "holder.h"
 #include "operation.h"
 
 namespace {
@@ -17,10 +17,10 @@ using bench::Kind;
 using bench::Octets;
 using bench::Task;
 
-struct DeleteTree {
-    void operator()(asn1_node tree) const { asn1_delete_structure(&tree); }
-};
-using Tree = std::unique_ptr<asn1_node_st, DeleteTree>;
+void deleteTree(asn1_node tree) {
+    asn1_delete_structure(&tree);
+}
+using Tree = bench::Holder<asn1_node_st, deleteTree>;
 
 Tree readModule() {
     asn1_node definitions = nullptr;

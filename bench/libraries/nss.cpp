@@ -3,7 +3,6 @@
 // attributes, while times, attribute values and extension values stay raw.
 
 #include <cstddef>
-#include <memory>
 
 #include <cert.h>
 #include <certdb.h>
@@ -14,6 +13,7 @@
 #include <secder.h>
 #include <secoid.h>
 
+#include "holder.h"
 #include "operation.h"
 
 /// The name that the shared library exports for CERT_DecodeDERCertificate.
@@ -21,20 +21,10 @@ extern "C" CERTCertificate* __CERT_DecodeDERCertificate(SECItem* octets, PRBool 
 
 namespace {
 
+using bench::Holder;
 using bench::Kind;
 using bench::Octets;
 using bench::Task;
-
-template <auto destroy>
-struct Destroy {
-    template <typename Value>
-    void operator()(Value* value) const {
-        destroy(value);
-    }
-};
-
-template <typename Value, auto destroy>
-using Holder = std::unique_ptr<Value, Destroy<destroy>>;
 
 void freeArena(PLArenaPool* arena) {
     PORT_FreeArena(arena, PR_FALSE);

@@ -3,8 +3,6 @@
 // of extensions and attributes stay octets until they are asked for. Encoding writes these values
 // and the names from the octets they had.
 
-#include <memory>
-
 #include <openssl/cms.h>
 #include <openssl/err.h>
 #include <openssl/ocsp.h>
@@ -13,25 +11,16 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
+#include "holder.h"
 #include "operation.h"
 
 namespace {
 
+using bench::Holder;
 using bench::Kind;
 using bench::Octets;
 using bench::Operation;
 using bench::Task;
-
-template <auto release>
-struct Releaser {
-    template <typename Value>
-    void operator()(Value* value) const {
-        release(value);
-    }
-};
-
-template <typename Value, auto release>
-using Holder = std::unique_ptr<Value, Releaser<release>>;
 
 void releaseStack(STACK_OF(X509) * stack) {
     sk_X509_pop_free(stack, X509_free);
