@@ -2,6 +2,8 @@
 
 #include <climits>
 #include <cstring>
+#include <cwchar>
+#include <string>
 
 #include <brevantis/asn1/runtime/status.h>
 
@@ -186,7 +188,7 @@ int rtWCSToUTF8(ASN1CTXT* /*ctxt*/, const wchar_t* text, std::size_t count, char
     const std::size_t limit = countable(size);
     std::size_t written = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        const auto value = static_cast<unsigned int>(text[i]);
+        const std::wint_t value = std::char_traits<wchar_t>::to_int_type(text[i]);
         if (value > 0x7FFFFFFF) {
             return ASN1S_INVALID_UTF8;
         }

@@ -14,7 +14,6 @@
 namespace {
 
 using namespace asn1data;
-using tests::fromHex;
 using tests::Octets;
 
 template <class Type>

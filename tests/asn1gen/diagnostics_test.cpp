@@ -27,6 +27,7 @@ TEST(Diagnostics, PointsAtEveryMistake) {
     for (const std::vector<std::string>& modules : runs) {
         SCOPED_TRACE(modules.back());
         std::vector<asn1gen::SourceFile> files;
+        files.reserve(modules.size());
         for (const std::string& name : modules) {
             files.push_back({name + ".asn1", readFile(name + ".asn1")});
         }

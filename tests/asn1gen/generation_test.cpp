@@ -33,7 +33,7 @@ asn1gen::Options options() {
 
 std::map<std::string, std::string> generate(const std::string& name, const std::string& text) {
     asn1gen::Diagnostics diagnostics;
-    const auto result = asn1gen::compile({{name, text}}, options(), diagnostics);
+    auto result = asn1gen::compile({{name, text}}, options(), diagnostics);
     std::ostringstream printed;
     diagnostics.print(printed);
     EXPECT_EQ(printed.str(), "");

@@ -243,7 +243,7 @@ TEST(List, staysWholeWhenMemoryIsOut) {
                   calls < 3 ? static_cast<int>(ASN1S_NO_MEMORY) : 0);
         EXPECT_EQ(pointers.count, std::min(calls, 3L));
         const long live = allocator.live();
-        const auto blocks = static_cast<long>(2 * copies.count + pointers.count);
+        const long blocks = 2L * copies.count + pointers.count;
         rtDListFreeAll(context, &copies);
         rtDListFreeNodes(context, &pointers);
         EXPECT_EQ(allocator.live(), live - blocks);

@@ -1,6 +1,8 @@
 #include <brevantis/asn1/runtime/time_text.h>
 
 #include <climits>
+#include <cstdio>
+#include <cstring>
 
 #include <gtest/gtest.h>
 
@@ -59,7 +61,7 @@ ASN1TimeFields fieldsOf(const tests::DataRow& row) {
     fields.second = number("second");
     fields.diffHour = number("hours off");
     fields.diffMinute = number("minutes off");
-    std::strcpy(fields.fraction, row.text("fraction"));
+    std::snprintf(fields.fraction, sizeof fields.fraction, "%s", row.text("fraction"));
     fields.utc = row.number<unsigned char>("utc");
     return fields;
 }
