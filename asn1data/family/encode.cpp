@@ -241,6 +241,8 @@ int encodeList(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
     const auto& list = at<Asn1RTDList>(value, 0);
     MemberEncoder members(ctxt, type, list.count, openType);
     for (const Asn1RTDListNode* node = list.tail; node != nullptr; node = node->prev) {
+        // In a long list each node is a wait for memory, which encoding this one can fill.
+        __builtin_prefetch(node->prev);
         if (!members.add(node->data)) {
             break;
         }

@@ -144,6 +144,7 @@ void rtMemHeapRelease(void* heapRef) noexcept {
     }
     for (ASN1MemBlock* block = heap->blockList; block != nullptr;) {
         ASN1MemBlock* next = block->next;
+        __builtin_prefetch(next); // comes while the allocator is busy with this one
         g_free_func(heap->userData, block);
         block = next;
     }
