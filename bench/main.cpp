@@ -7,6 +7,7 @@
 #include <string>
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include "corpus.h"
 #include "growth.h"
@@ -63,6 +64,9 @@ void measureTimes(std::vector<Measurement>& measurements) {
         byName[measurement.name()] = &measurement;
         benchmark::RegisterBenchmark(measurement.name().c_str(),
                                      [&measurement](benchmark::State& state) {
+                                         // What others left in the allocator would scatter the
+                                         // blocks of this one.
+                                         malloc_trim(0);
                                          for ([[maybe_unused]] auto iteration : state) {
                                              measurement.run();
                                          }
