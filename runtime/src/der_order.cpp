@@ -1,7 +1,7 @@
 #include <brevantis/asn1/runtime/der_order.h>
 
 #include <algorithm>
-#include <array>
+#include <climits>
 #include <cstddef>
 #include <cstring>
 #include <utility>
@@ -14,79 +14,66 @@ Asn1BufLocDescr* descriptorOf(const Asn1RTSListNode* node) noexcept {
     return static_cast<Asn1BufLocDescr*>(node->data);
 }
 
-/// The encoded members behind the nodes, with their order.
-class Members {
-public:
-    explicit Members(const ASN1Buffer& buffer) noexcept
-        : anchor_(buffer.data + (buffer.size - 1)) {}
-
-    const unsigned char* octetsOf(const Asn1RTSListNode* node) const noexcept {
-        return anchor_ - descriptorOf(node)->offset;
-    }
-
-    /// Whether the encoding of @p left is the greater octet string. A prefix is the lesser one,
-    /// which is what padding with zero octets (X.690 11.6) comes to for whole elements.
-    bool isGreater(const Asn1RTSListNode* left, const Asn1RTSListNode* right) const noexcept {
-        const int leftCount = descriptorOf(left)->numocts;
-        const int rightCount = descriptorOf(right)->numocts;
-        const int order = std::memcmp(octetsOf(left), octetsOf(right),
-                                      static_cast<std::size_t>(std::min(leftCount, rightCount)));
-        return order != 0 ? order > 0 : leftCount > rightCount;
-    }
-
-private:
-    const unsigned char* anchor_; ///< the unused last octet, from which offsets count
+/// An encoded member.
+struct Member {
+    const unsigned char* octets;
+    std::size_t count;
 };
 
-/// Merges two runs that descend from their heads; of equal members those of @p earlier come first.
-Asn1RTSListNode* mergeRuns(const Members& members, Asn1RTSListNode* earlier,
-                           Asn1RTSListNode* later) noexcept {
-    Asn1RTSListNode* merged = nullptr;
-    Asn1RTSListNode** end = &merged;
-    while (earlier != nullptr && later != nullptr) {
-        Asn1RTSListNode*& source = members.isGreater(later, earlier) ? later : earlier;
-        *end = source;
-        end = &source->next;
-        source = source->next;
-    }
-    *end = earlier != nullptr ? earlier : later;
-    return merged;
+/// The member behind a node, whose offset counts from the unused last octet of the buffer.
+Member memberOf(const ASN1Buffer& buffer, const Asn1RTSListNode* node) noexcept {
+    const Asn1BufLocDescr& descriptor = *descriptorOf(node);
+    return {buffer.data + (buffer.size - 1) - descriptor.offset,
+            static_cast<std::size_t>(descriptor.numocts)};
 }
 
-/// Sorts nodes from the greatest member to the least, the order in which a buffer that fills
-/// backwards takes them. A merge of runs of doubling length needs no memory and cannot be driven
-/// into quadratic time.
-Asn1RTSListNode* sortDescending(const Members& members, Asn1RTSListNode* head) noexcept {
-    std::array<Asn1RTSListNode*, 32> runs{}; // runs[i] holds 2^i nodes, or none
-    while (head != nullptr) {
-        Asn1RTSListNode* carry = std::exchange(head, head->next);
-        carry->next = nullptr;
-        std::size_t level = 0;
-        while (runs[level] != nullptr) {
-            carry = mergeRuns(members, std::exchange(runs[level], nullptr), carry);
-            ++level;
-        }
-        runs[level] = carry;
-    }
-    Asn1RTSListNode* sorted = nullptr;
-    for (Asn1RTSListNode* run : runs) {
-        sorted = mergeRuns(members, run, sorted); // longer runs hold earlier nodes
-    }
-    return sorted;
+/// Whether the encoding of @p left is the greater octet string. A prefix is the lesser one, which
+/// is what padding with zero octets (X.690 11.6) comes to for whole elements.
+bool isGreater(const Member& left, const Member& right) noexcept {
+    const int order = std::memcmp(left.octets, right.octets, std::min(left.count, right.count));
+    return order != 0 ? order > 0 : left.count > right.count;
 }
 
-bool isDescending(const Members& members, const Asn1RTSListNode* head) noexcept {
+bool isDescending(const ASN1Buffer& buffer, const Asn1RTSListNode* head) noexcept {
     for (; head->next != nullptr; head = head->next) {
-        if (members.isGreater(head->next, head)) {
+        if (isGreater(memberOf(buffer, head->next), memberOf(buffer, head))) {
             return false;
         }
     }
     return true;
 }
 
+/// Merges neighbouring runs of @p width members, each of which descends, into runs of twice as
+/// many.
+void mergeRuns(const Member* from, Member* to, std::size_t count, std::size_t width) noexcept {
+    for (std::size_t start = 0; start < count; start += 2 * width) {
+        const std::size_t middle = std::min(start + width, count);
+        const std::size_t end = std::min(middle + width, count);
+        std::size_t left = start;
+        std::size_t right = middle;
+        for (std::size_t place = start; place < end; ++place) {
+            const bool takesRight =
+                left == middle || (right != end && isGreater(from[right], from[left]));
+            to[place] = from[takesRight ? right++ : left++];
+        }
+    }
+}
+
+/// Sorts members from the greatest to the least, the order in which a buffer that fills backwards
+/// takes them; equal ones stay as they are. Merging cannot be driven into quadratic time.
+/// @param room for as many members
+/// @return the array of the two that holds them in order
+const Member* sortDescending(Member* members, Member* room, std::size_t count) noexcept {
+    for (std::size_t width = 1; width < count; width *= 2) {
+        mergeRuns(members, room, count, width);
+        std::swap(members, room);
+    }
+    return members;
+}
+
 /// Frees nodes and descriptors and leaves the list empty, so that nothing dangles.
-void freeMembers(ASN1CTXT* ctxt, Asn1RTSList* list, Asn1RTSListNode* head) noexcept {
-    while (head != nullptr) {
+void freeMembers(ASN1CTXT* ctxt, Asn1RTSList* list) noexcept {
+    for (Asn1RTSListNode* head = list->head; head != nullptr;) {
         Asn1RTSListNode* node = std::exchange(head, head->next);
         rtMemHeapFreePtr(&ctxt->memHeap, node->data);
         rtMemHeapFreePtr(&ctxt->memHeap, node);
@@ -118,28 +105,36 @@ int xe_derCanonicalSort(ASN1CTXT* ctxt, Asn1RTSList* list) noexcept {
     if (list->head == nullptr) {
         return 0;
     }
-    const Members members(ctxt->buffer);
+    ASN1Buffer& buffer = ctxt->buffer;
+    std::size_t count = 0;
     std::size_t total = 0;
     for (const Asn1RTSListNode* node = list->head; node != nullptr; node = node->next) {
+        ++count;
         total += static_cast<std::size_t>(descriptorOf(node)->numocts);
     }
-    Asn1RTSListNode* head = list->head;
-    if (!isDescending(members, head)) {
-        auto* sorted =
-            static_cast<unsigned char*>(rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(total)));
-        if (sorted == nullptr) {
+    if (!isDescending(buffer, list->head)) {
+        // Arrays in one piece are sorted many times as fast as nodes that lie about.
+        const std::size_t size = 2 * count * sizeof(Member) + total;
+        void* scratch =
+            size <= INT_MAX ? rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(size)) : nullptr;
+        if (scratch == nullptr) {
             return ASN1S_NO_MEMORY;
         }
-        head = sortDescending(members, head);
-        unsigned char* end = sorted + total;
-        for (const Asn1RTSListNode* node = head; node != nullptr; node = node->next) {
-            const auto count = static_cast<std::size_t>(descriptorOf(node)->numocts);
-            end -= count;
-            std::memcpy(end, members.octetsOf(node), count);
+        auto* const members = static_cast<Member*>(scratch);
+        Member* next = members;
+        for (const Asn1RTSListNode* node = list->head; node != nullptr; node = node->next) {
+            *next++ = memberOf(buffer, node);
         }
-        std::memcpy(ctxt->buffer.data + ctxt->buffer.byteIndex, sorted, total);
-        rtMemHeapFreePtr(&ctxt->memHeap, sorted);
+        const Member* sorted = sortDescending(members, next, count);
+        auto* const octets = static_cast<unsigned char*>(static_cast<void*>(members + 2 * count));
+        unsigned char* end = octets + total;
+        for (; end != octets; ++sorted) {
+            end -= sorted->count;
+            std::memcpy(end, sorted->octets, sorted->count);
+        }
+        std::memcpy(buffer.data + buffer.byteIndex, octets, total);
+        rtMemHeapFreePtr(&ctxt->memHeap, scratch);
     }
-    freeMembers(ctxt, list, head);
+    freeMembers(ctxt, list);
     return static_cast<int>(total);
 }
