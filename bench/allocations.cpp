@@ -88,3 +88,7 @@ bench::Allocations bench::stopCounting() noexcept {
     counted.left = alive;
     return counted;
 }
+
+void bench::giveBackFreeMemory() noexcept {
+    malloc_trim(0);
+}

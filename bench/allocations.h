@@ -20,6 +20,10 @@ void startCounting() noexcept;
 /// Ends it.
 Allocations stopCounting() noexcept;
 
+/// Puts the allocator in order before something is measured: pieces that others left in it would
+/// scatter the blocks to come, and hide from a child process what it takes.
+void giveBackFreeMemory() noexcept;
+
 } // namespace bench
 
 #endif

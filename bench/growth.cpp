@@ -7,12 +7,12 @@
 #include <stdexcept>
 #include <vector>
 
-#include <malloc.h>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "allocations.h"
 #include "corpus.h"
 #include "generated_messages.h"
 #include "number_text.h"
@@ -72,8 +72,7 @@ std::optional<Cost> measureApart(const Operation& operation, Octets message) {
     if (pipe(ends.data()) != 0) {
         throw std::runtime_error("no pipe");
     }
-    // The child inherits the heap: what is free in it would hide what the operation takes.
-    malloc_trim(0);
+    giveBackFreeMemory();
     const pid_t child = fork();
     if (child < 0) {
         throw std::runtime_error("no process");

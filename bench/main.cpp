@@ -1,6 +1,5 @@
 // Measures this library and others side by side, on the same messages, in one run.
 
-#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <iostream>
@@ -8,8 +7,8 @@
 #include <string>
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
+#include "allocations.h"
 #include "corpus.h"
 #include "growth.h"
 #include "measurement.h"
@@ -65,9 +64,7 @@ void measureTimes(std::vector<Measurement>& measurements) {
         byName[measurement.name()] = &measurement;
         benchmark::RegisterBenchmark(measurement.name().c_str(),
                                      [&measurement](benchmark::State& state) {
-                                         // What others left in the allocator would scatter the
-                                         // blocks of this one.
-                                         malloc_trim(0);
+                                         bench::giveBackFreeMemory();
                                          for ([[maybe_unused]] auto iteration : state) {
                                              measurement.run();
                                          }
@@ -75,11 +72,6 @@ void measureTimes(std::vector<Measurement>& measurements) {
     }
     Collector collector(std::move(byName));
     benchmark::RunSpecifiedBenchmarks(&collector);
-    // A filter leaves some out.
-    measurements.erase(
-        std::remove_if(measurements.begin(), measurements.end(),
-                       [](const Measurement& each) { return each.nanoseconds.empty(); }),
-        measurements.end());
 }
 
 /// @return the exit status

@@ -133,7 +133,11 @@ void writeSample(std::ostream& out, const Sample& sample, Rows rows) {
 
 } // namespace
 
-void writeReport(std::ostream& out, const std::vector<Measurement>& measurements) {
+void writeReport(std::ostream& out, std::vector<Measurement> measurements) {
+    measurements.erase(
+        std::remove_if(measurements.begin(), measurements.end(),
+                       [](const Measurement& each) { return each.nanoseconds.empty(); }),
+        measurements.end());
     writeVersions(out);
     writeSummary(out, measurements);
     for (const Sample* sample : samplesOf(measurements)) {
