@@ -85,7 +85,6 @@ void bench::startCounting() noexcept {
 
 bench::Allocations bench::stopCounting() noexcept {
     counting = false;
-    counted.left = alive;
     return counted;
 }
 

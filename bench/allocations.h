@@ -11,8 +11,6 @@ struct Allocations {
     std::size_t calls = 0;  ///< that returned a block, resizing included
     std::size_t octets = 0; ///< asked for in all
     std::size_t peak = 0;   ///< most octets alive at once of those, as the allocator rounds them
-    /// Octets that were not given back. Negative when blocks from before went.
-    std::ptrdiff_t left = 0;
 };
 
 /// Starts counting from nothing. One thread only.

@@ -16,7 +16,6 @@ struct Sample {
     std::string name;
     Kind kind;
     std::vector<std::vector<unsigned char>> messages;
-    std::size_t entries = 1; ///< of a revocation list: what a figure is divided by
 
     Octets octets(std::size_t index) const {
         return {messages[index].data(), messages[index].size()};
@@ -30,11 +29,9 @@ struct Sample {
 /// @param directory where make_corpus.sh wrote
 std::vector<Sample> readCorpus(const std::string& directory);
 
-/// A revocation list of @p entries entries, of 42 octets on average (one in two with a reason
-/// code), with an
-/// authority key identifier and a number. Its signature is one of zeros.
-/// @throws std::runtime_error when it cannot be encoded
-std::vector<unsigned char> makeRevocationList(std::size_t entries);
+/// The content of a file.
+/// @throws std::runtime_error when it cannot be read
+std::vector<unsigned char> readFile(const std::string& path);
 
 } // namespace bench
 

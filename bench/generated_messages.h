@@ -7,9 +7,10 @@
 
 namespace bench {
 
-/// The content of a file.
-/// @throws std::runtime_error when it cannot be read
-std::vector<unsigned char> readFile(const std::string& path);
+/// A revocation list of @p entries entries, of 42 octets on average (one in two with a reason
+/// code), with an authority key identifier and a number. Its signature is one of zeros.
+/// @throws std::runtime_error when it cannot be encoded
+std::vector<unsigned char> makeRevocationList(std::size_t entries);
 
 /// The certification request of the corpus with one attribute, whose SET OF has @p members members,
 /// in no order.

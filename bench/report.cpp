@@ -106,7 +106,7 @@ void writeSummary(std::ostream& out, const std::vector<Measurement>& all) {
 void writeRow(std::ostream& out, const Measurement& row, const Measurement* own) {
     const auto messages = static_cast<double>(row.sample->messages.size());
     const double nanoseconds = row.time();
-    const bool compared = own != nullptr && nanoseconds > 0 && row.operation->task != Task::Scan;
+    const bool compared = own != nullptr && row.operation->task != Task::Scan;
     out << "| " << row.library->name() << " | " << row.operation->calls << " | "
         << taskName(row.operation->task) << " | " << timeText(nanoseconds) << " | "
         << (compared ? shortNumber(nanoseconds / own->time()) : "") << " | "
