@@ -1,4 +1,6 @@
+#include <cstring>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include <brevantis/asn1/asn1data/extensions.h>
@@ -48,6 +50,17 @@ TEST(Lifetime, DecodingAgainAfterAFailedOpenValueReadsTheMessage) {
     rtErrReset(&buffer.getCtxtPtr()->errInfo);
     EXPECT_EQ(control.Decode(), ASN1S_TAG_NOT_FOUND);
     asn1Free_Extension(buffer.getCtxtPtr(), &value);
+}
+
+TEST(Lifetime, ABitStringOfItsOwnStartsOutEmpty) {
+    ASN1BEREncodeBuffer output;
+    alignas(ASN1T_UniqueIdentifier) unsigned char storage[sizeof(ASN1T_UniqueIdentifier)];
+    std::memset(storage, 0xA5, sizeof storage);
+    auto& value = *new (storage) ASN1T_UniqueIdentifier;
+    ASN1C_UniqueIdentifier control(output, value);
+    EXPECT_EQ(control.length(), 0u);
+    EXPECT_EQ(control.Encode(), 3);
+    EXPECT_EQ(tests::toHex(output.getMsgPtr(), 3), "03 01 00");
 }
 
 TEST(Lifetime, StoringAnOpenValueLeavesTheMessageAlone) {

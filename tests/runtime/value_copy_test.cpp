@@ -1,8 +1,12 @@
+#include <cstddef>
 #include <cstring>
+#include <new>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/runtime/value_copy.h>
+#include <brevantis/asn1/runtime/value_types.h>
 
 #include "support/coding.h"
 #include "support/counting_allocator.h"
@@ -11,6 +15,26 @@
 namespace {
 
 const unsigned char Octets[] = {1, 2, 3, 4, 5, 6, 7, 8};
+
+template <class Record>
+class StringRecord : public testing::Test {};
+using StringRecords =
+    testing::Types<ASN1TDynOctStr, ASN1TDynBitStr, Asn116BitCharString, Asn132BitCharString>;
+TYPED_TEST_SUITE(StringRecord, StringRecords);
+
+// Records that programs fill in braces and copy octet by octet, and that are empty without a word.
+TYPED_TEST(StringRecord, startsOutEmptyAndStaysPlain) {
+    static_assert(std::is_aggregate_v<TypeParam> && std::is_standard_layout_v<TypeParam>);
+    static_assert(std::is_trivially_copyable_v<TypeParam>);
+    static_assert(!std::is_trivially_default_constructible_v<TypeParam>);
+    static_assert(sizeof(TypeParam) == sizeof(ASN1OpenType));
+    static_assert(offsetof(TypeParam, data) == offsetof(ASN1OpenType, data));
+    alignas(TypeParam) unsigned char storage[sizeof(TypeParam)];
+    std::memset(storage, 0xA5, sizeof storage);
+    const auto& [count, data] = *new (storage) TypeParam;
+    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(data, nullptr);
+}
 
 TEST(ValueCopy, intoACallersArray) {
 

@@ -22,28 +22,28 @@ enum ASN1TagType : int {
 /// The indefinite length wherever a length travels as a signed integer.
 enum : int { ASN1IndefiniteLength = -9999 };
 
-/// OCTET STRING of any size.
+/// OCTET STRING of any size. Like the strings below it starts out empty.
 struct ASN1TDynOctStr {
-    unsigned int numocts; ///< octets in `data`
-    const unsigned char* data;
+    unsigned int numocts = 0; ///< octets in `data`
+    const unsigned char* data = nullptr;
 };
 
 /// BIT STRING of any size; the first bit is the high bit of the first octet.
 struct ASN1TDynBitStr {
-    unsigned int numbits; ///< bits in `data`
-    const unsigned char* data;
+    unsigned int numbits = 0; ///< bits in `data`
+    const unsigned char* data = nullptr;
 };
 
 /// BMPString: 16-bit characters in host order.
 struct Asn116BitCharString {
-    unsigned int nchars;
-    unsigned short* data;
+    unsigned int nchars = 0; ///< characters in `data`
+    unsigned short* data = nullptr;
 };
 
 /// UniversalString: 32-bit characters in host order.
 struct Asn132BitCharString {
-    unsigned int nchars;
-    unsigned int* data;
+    unsigned int nchars = 0; ///< characters in `data`
+    unsigned int* data = nullptr;
 };
 
 /// One whole encoded element whose type the runtime does not know.
