@@ -250,6 +250,14 @@ TEST(EngineOpenValue, TypedFormGoesOutAndTheRawOctetsStay) {
     EXPECT_EQ(writer.hex(), "30 0D 06 03 2A 03 01 30 06 02 01 06 06 01 2A") << "left as found";
 }
 
+TEST(EngineList, AnIndefiniteScopeOfOneOctetIsEnded) {
+    tests::Reader reader("02");
+    ASN1T_NumberList list;
+    EXPECT_EQ(asn1D_NumberList(reader, &list, ASN1TagImplicit, ASN1IndefiniteLength), 0);
+    EXPECT_EQ(list.count, 0u);
+    EXPECT_EQ(reader.position(), 0u);
+}
+
 TEST(EngineOpenValue, FailureLeavesTheContextOnTheInnerOctets) {
     const Octets octets = fromHex("30 08 06 03 2A 03 01 02 01 05");
     tests::Reader reader(octets);

@@ -86,7 +86,7 @@ BREVANTIS_ASN1_API int xu_RestoreBufferState(ASN1CTXT* ctxt, ASN1SavedState* sav
 /// Whether end-of-contents octets (X.690, 8.1.5) stand at the position.
 inline bool rtEndOfContentsAhead(const ASN1CTXT* ctxt) noexcept {
     const ASN1Buffer& buffer = ctxt->buffer;
-    return buffer.size >= 2 && buffer.byteIndex <= buffer.size - 2 &&
+    return buffer.byteIndex < buffer.size && buffer.size - buffer.byteIndex >= 2 &&
            buffer.data[buffer.byteIndex] == 0 && buffer.data[buffer.byteIndex + 1] == 0;
 }
 
@@ -99,7 +99,7 @@ inline bool rtScopeEnded(const ASN1CTXT* ctxt, const ASN1ElementScope& scope) no
         return true;
     }
     if (scope.length == ASN1IndefiniteLength) {
-        return buffer.byteIndex > buffer.size - 2 || rtEndOfContentsAhead(ctxt);
+        return buffer.size - buffer.byteIndex < 2 || rtEndOfContentsAhead(ctxt);
     }
     return buffer.data + buffer.byteIndex - scope.start >= scope.length;
 }
