@@ -372,15 +372,18 @@ int rtBigIntStrCompare(ASN1CTXT* ctxt, const char* a, const char* b) noexcept {
     RtBigIntDataRec right = {0, roomB, 0, sizeof roomB, 0};
     rtBigIntSetStr(ctxt, &left, a, 0);
     rtBigIntSetStr(ctxt, &right, b, 0);
+    // Zero in hexadecimal or binary text keeps the sign of its digits.
+    const int leftSign = left.numocts != 0 ? left.sign : 0;
+    const int rightSign = right.numocts != 0 ? right.sign : 0;
     int result = 0;
-    if (left.sign != right.sign) {
-        result = left.sign > right.sign ? 1 : -1;
+    if (leftSign != rightSign) {
+        result = leftSign > rightSign ? 1 : -1;
     } else {
         int order = left.numocts - right.numocts;
         if (order == 0) {
             order = std::memcmp(left.mag, right.mag, static_cast<std::size_t>(left.numocts));
         }
-        result = order < 0 ? -left.sign : order > 0 ? left.sign : 0;
+        result = order < 0 ? -leftSign : order > 0 ? leftSign : 0;
     }
     rtBigIntFree(ctxt, &left);
     rtBigIntFree(ctxt, &right);

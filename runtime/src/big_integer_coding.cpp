@@ -25,6 +25,10 @@ struct Digits {
 
     std::size_t perOctet() const noexcept { return 8 / bits; }
     bool fillOctets() const noexcept { return count % perOctet() == 0; }
+    /// Whether the digits fill octets and the first bit is set; there must be a digit.
+    bool beginWithOne() const noexcept {
+        return fillOctets() && digitValue(*text) >> (bits - 1) == 1;
+    }
     void drop(std::size_t digits) noexcept {
         text += digits;
         count -= digits;
@@ -62,19 +66,6 @@ inline int writeOctet(ASN1CTXT* ctxt, unsigned char octet) noexcept {
     return status < 0 ? record(ctxt, status) : status;
 }
 
-/// Makes room for @p octets and one sign octet at once, since a buffer that grows step by step is
-/// copied at each of them.
-int makeRoom(ASN1CTXT* ctxt, std::size_t octets) noexcept {
-    if (octets >= INT_MAX) {
-        return record(ctxt, ASN1S_NO_MEMORY);
-    }
-    if (ctxt->buffer.dynamic != 0 && ctxt->buffer.byteIndex <= octets) {
-        const int status = xe_expandBuffer(ctxt, static_cast<int>(octets + 1));
-        return status < 0 ? record(ctxt, status) : status;
-    }
-    return ASN1S_SUCCESS;
-}
-
 constexpr unsigned int noOctet = 0x100;
 
 /// The octet of @p count digits of @p bits bits.
@@ -90,17 +81,14 @@ inline unsigned int octetOf(const char* text, std::size_t count, unsigned int bi
     return all >> bits == 0 ? octet : noOctet;
 }
 
-/// Writes the octets that digits of @p bits bits stand for, from the last to the first; the first
-/// may be filled in part.
-/// @param top receives the first octet
-/// @return the octets written, or a recorded status
+/// Writes the octets that digits of @p bits bits stand for, from the last to the first, which may
+/// be filled in part.
+/// @param octets all that will be written: a full buffer grows by as many, since one that grows
+///        step by step is copied at each of them
+/// @return 0, or a recorded status
 template <unsigned int bits>
-int writeDigits(ASN1CTXT* ctxt, const Digits& digits, unsigned char* top) noexcept {
+int writeDigits(ASN1CTXT* ctxt, const Digits& digits, std::size_t octets) noexcept {
     constexpr std::size_t perOctet = 8 / bits;
-    const std::size_t octets = digits.count / perOctet + (digits.fillOctets() ? 0 : 1);
-    if (const int status = makeRoom(ctxt, octets)) {
-        return status;
-    }
     for (std::size_t rest = digits.count; rest != 0;) {
         const std::size_t count = rest < perOctet ? rest : perOctet;
         rest -= count;
@@ -109,42 +97,48 @@ int writeDigits(ASN1CTXT* ctxt, const Digits& digits, unsigned char* top) noexce
         if (octet == noOctet) {
             return record(ctxt, ASN1S_BAD_VALUE);
         }
-        *top = static_cast<unsigned char>(octet);
-        if (const int status = writeOctet(ctxt, *top); status < 0) {
-            return status;
+        if (ctxt->buffer.byteIndex == 0) {
+            const int status = growBuffer(ctxt, static_cast<std::uint32_t>(octets));
+            if (status != ASN1S_SUCCESS) {
+                return record(ctxt, status);
+            }
         }
+        ctxt->buffer.data[--ctxt->buffer.byteIndex] = static_cast<unsigned char>(octet);
     }
-    return static_cast<int>(octets);
+    return ASN1S_SUCCESS;
 }
 
-int writeDigits(ASN1CTXT* ctxt, const Digits& digits, unsigned char* top) noexcept {
-    return digits.bits == 4 ? writeDigits<4>(ctxt, digits, top) : writeDigits<1>(ctxt, digits, top);
-}
-
-/// Puts one octet in front of @p count octets that are written.
-int addOctet(ASN1CTXT* ctxt, int count, unsigned char octet) noexcept {
-    const int status = writeOctet(ctxt, octet);
-    return status < 0 ? status : count + status;
+/// Writes digits, and the sign octet in front of them where there is one.
+/// @return the octets written, or a recorded status
+int writeContents(ASN1CTXT* ctxt, const Digits& digits, bool signOctet,
+                  unsigned char sign) noexcept {
+    const std::size_t octets =
+        digits.count / digits.perOctet() + (digits.fillOctets() ? 0 : 1) + (signOctet ? 1 : 0);
+    if (octets > INT_MAX) {
+        return record(ctxt, ASN1S_NO_MEMORY);
+    }
+    int status = digits.bits == 4 ? writeDigits<4>(ctxt, digits, octets)
+                                  : writeDigits<1>(ctxt, digits, octets);
+    if (status == ASN1S_SUCCESS && signOctet) {
+        status = writeOctet(ctxt, sign);
+    }
+    return status < 0 ? status : static_cast<int>(octets);
 }
 
 /// Contents octets of transcribed text, in the fewest octets (X.690 8.3.2).
 int writeSigned(ASN1CTXT* ctxt, Digits digits) noexcept {
-    const bool negative = digits.fillOctets() && digitValue(*digits.text) >> (digits.bits - 1) == 1;
+    const bool negative = digits.beginWithOne();
     if (negative) {
         digits.dropLeadingOnes();
     } else {
         digits.dropLeadingZeros();
     }
-    const unsigned char signOctet = negative ? 0xFF : 0;
+    const unsigned char sign = negative ? 0xFF : 0;
     if (digits.count == 0) {
-        return writeOctet(ctxt, signOctet);
+        return writeOctet(ctxt, sign);
     }
-    unsigned char top = 0;
-    const int count = writeDigits(ctxt, digits, &top);
-    if (count < 0 || !digits.fillOctets() || ((top ^ signOctet) & 0x80) == 0) {
-        return count;
-    }
-    return addOctet(ctxt, count, signOctet);
+    const bool signOctet = digits.fillOctets() && digits.beginWithOne() != negative;
+    return writeContents(ctxt, digits, signOctet, sign);
 }
 
 /// Contents octets of transcribed text without a sign. A leading zero digit asks for a zero octet.
@@ -154,12 +148,7 @@ int writeUnsigned(ASN1CTXT* ctxt, Digits digits) noexcept {
     if (digits.count == 0) {
         return writeOctet(ctxt, 0);
     }
-    unsigned char top = 0;
-    const int count = writeDigits(ctxt, digits, &top);
-    if (count < 0 || !digits.fillOctets() || !leadingZero) {
-        return count;
-    }
-    return addOctet(ctxt, count, 0);
+    return writeContents(ctxt, digits, leadingZero && digits.fillOctets(), 0);
 }
 
 /// Contents octets of text that has to be calculated: decimal and octal, mostly.

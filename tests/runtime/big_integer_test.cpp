@@ -303,6 +303,47 @@ TEST(BigInteger, StartsOnAnArrayOfTheCaller) {
     EXPECT_EQ(live - 1, CountingAllocator::live());
 }
 
+TEST(BigInteger, GrowsOnlyWhereOctetsDoNotFit) {
+    CountingAllocator allocator;
+    const struct {
+        int (*encoder)(ASN1CTXT*, const char*, ASN1TagType);
+        const char* text;
+        const char* octets;
+    } rows[] = {
+        {xe_bigint, "0x01020304", "01 02 03 04"},
+        {xe_bigint, "0x0080", "00 80"},
+        {xe_bigint, "0xff7f", "FF 7F"},
+        {xe_bigint, "0x123", "01 23"},
+        {xe_bigint, "0b1111111100000000", "FF 00"},
+        {xe_biguint, "0x01020304", "01 02 03 04"},
+        {xe_biguint, "0x00FF", "00 FF"},
+        {xe_biguint, "0xffffffff", "FF FF FF FF"},
+        {xe_biguint, "0b11111111", "FF"},
+    };
+    for (const auto& row : rows) {
+        const auto count = static_cast<unsigned>(fromHex(row.octets).size());
+        for (unsigned free = 0; free <= count; ++free) {
+            SCOPED_TRACE(row.text + std::string(", free: ") + std::to_string(free));
+            Writer writer;
+            const Octets before(writer->buffer.byteIndex - free, 0xEE);
+            ASSERT_GT(xe_memcpy(writer, before.data(), static_cast<unsigned>(before.size())), 0);
+            const bool fits = free == count;
+            const long calls = CountingAllocator::calls();
+            EXPECT_EQ(static_cast<int>(count), row.encoder(writer, row.text, ASN1TagImplicit));
+            EXPECT_EQ(fits ? 0 : 1, CountingAllocator::calls() - calls);
+            EXPECT_EQ(row.octets, toHex(xe_getp(writer), count));
+
+            ASSERT_EQ(0, xe_setp(writer, nullptr, free + 1));
+            CountingAllocator::failAfter(0);
+            EXPECT_EQ(fits ? static_cast<int>(count) : -12,
+                      row.encoder(writer, row.text, ASN1TagImplicit));
+            // What is wrong with a text is met before room for it is missing.
+            EXPECT_EQ(-18, row.encoder(writer, "0x1g", ASN1TagImplicit));
+            CountingAllocator::neverFail();
+        }
+    }
+}
+
 TEST(BigInteger, GrowsTheBufferOnceOrReportsMissingMemory) {
     CountingAllocator allocator;
     const std::string decimal(3000, '7'); // beyond the local arrays
@@ -315,6 +356,7 @@ TEST(BigInteger, GrowsTheBufferOnceOrReportsMissingMemory) {
     }
     rtBigIntStrCompare(writer, decimal.c_str(), "1");
     CountingAllocator::neverFail();
+    writer->buffer.byteIndex = writer->buffer.size - 1; // what was written in vain goes
     const long calls = CountingAllocator::calls();
     EXPECT_EQ(200005, xe_bigint(writer, hexadecimal.c_str(), ASN1TagExplicit));
     EXPECT_EQ(calls + 1, CountingAllocator::calls());
