@@ -37,13 +37,15 @@ int storeEncoded(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot)
     return status;
 }
 
-/// Turns the context to a slot's raw octets and decodes them.
+/// Turns the context to a slot's raw octets and decodes them. The mark goes with the binding: it is
+/// gone once the context is turned back, or to another message.
 int decodeRaw(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
     slot.decoded = nullptr;
     if (slot.numocts == 0) {
         return fail(ctxt, ASN1S_END_OF_BUFFER);
     }
     const int status = xd_setp(ctxt, slot.data, static_cast<int>(slot.numocts), nullptr, nullptr);
+    ctxt->buffer.insideOpenValue = 1;
     return status == ASN1S_SUCCESS ? decodeSlot(ctxt, type, slot) : fail(ctxt, status);
 }
 

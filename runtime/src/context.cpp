@@ -33,7 +33,7 @@ bool hasNodeOn(const Asn1RTSList& list, const ASN1MemHeap* heap) noexcept {
 void forgetWhatLiesOn(const ASN1MemHeap* heap, ASN1CTXT* ctxt) noexcept {
     ASN1Buffer& buffer = ctxt->buffer;
     if (buffer.dynamic != 0 && buffer.data != nullptr && blockOf(buffer.data)->heap == heap) {
-        buffer = ASN1Buffer{nullptr, 0, 0, 8, 0};
+        buffer = ASN1Buffer{nullptr, 0, 0, 8, 0, 0};
     }
     if (ctxt->stream != nullptr && blockOf(ctxt->stream)->heap == heap) {
         rtStreamRelease(ctxt);
@@ -89,7 +89,7 @@ int rtInitContextBuffer(ASN1CTXT* ctxt, unsigned char* data, unsigned int size) 
         }
         dynamic = 1;
     }
-    ctxt->buffer = ASN1Buffer{data, 0, size, 8, dynamic};
+    ctxt->buffer = ASN1Buffer{data, 0, size, 8, dynamic, 0};
     return ASN1S_SUCCESS;
 }
 

@@ -10,6 +10,13 @@
 
 #include "shared_context.h"
 
+namespace {
+
+/// Flags that tell of the message that a context is bound to.
+constexpr unsigned short messageFlags = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
+
+} // namespace
+
 ASN1RTLException::~ASN1RTLException() = default;
 
 const char* ASN1RTLException::what() const noexcept {
@@ -152,15 +159,24 @@ int ASN1BERDecodeBuffer::init() {
     return setBuffer(msgPtr, msgSize, 1);
 }
 
+int ASN1BERDecodeBuffer::initBuffer(ASN1MemBuf& memBuf) {
+    const int status = ASN1BERMessageBuffer::initBuffer(memBuf);
+    if (status == ASN1S_SUCCESS) {
+        rememberBinding();
+    }
+    return status;
+}
+
 bool ASN1BERDecodeBuffer::isA(Type type) {
     return type == DecodeBuffer;
 }
 
 int ASN1BERDecodeBuffer::setBuffer(const unsigned char* msg, int size, unsigned char keepIfSame) {
-    // After a failure inside an open value the context still stands on octets of that value.
-    if (keepIfSame != 0 && setupDone && msg == msgPtr && size == msgSize &&
-        getCtxtPtr()->buffer.data == msg) {
-        return ASN1S_SUCCESS;
+    if (keepIfSame != 0) {
+        leaveOpenValue();
+        if (setupDone && msg == msgPtr && size == msgSize) {
+            return ASN1S_SUCCESS;
+        }
     }
     msgPtr = msg;
     msgSize = size;
@@ -168,7 +184,29 @@ int ASN1BERDecodeBuffer::setBuffer(const unsigned char* msg, int size, unsigned 
         return ASN1S_NOT_SUPPORTED;
     }
     setupDone = true;
-    return xd_setp(getCtxtPtr(), msg, size, nullptr, nullptr);
+    const int status = xd_setp(getCtxtPtr(), msg, size, nullptr, nullptr);
+    rememberBinding();
+    return status;
+}
+
+void ASN1BERDecodeBuffer::rememberBinding() noexcept {
+    const ASN1CTXT* ctxt = getCtxtPtr();
+    // A block of the context's own may go at any time.
+    binding = ctxt->buffer.dynamic == 0 ? ctxt->buffer : ASN1Buffer{};
+    bindingFlags = ctxt->flags & messageFlags;
+}
+
+/// Turns the context away from an open value that a decoder failed in; otherwise notes what it is
+/// bound to, for programs bind it behind the buffer's back.
+void ASN1BERDecodeBuffer::leaveOpenValue() noexcept {
+    ASN1CTXT* ctxt = getCtxtPtr();
+    if (ctxt->buffer.insideOpenValue == 0) {
+        rememberBinding();
+    } else if (binding.data != nullptr) {
+        ctxt->buffer = binding;
+        ctxt->buffer.byteIndex = 0;
+        ctxt->flags = static_cast<unsigned short>((ctxt->flags & ~messageFlags) | bindingFlags);
+    }
 }
 
 const unsigned char* ASN1BERDecodeBuffer::findElement(unsigned int tag, int& elemLen,
@@ -177,8 +215,7 @@ const unsigned char* ASN1BERDecodeBuffer::findElement(unsigned int tag, int& ele
     int matchFlags = ASN1MatchSeek;
     if (firstFlag != 0) {
         setupDone = true;
-        if (msgPtr == nullptr || msgSize < 1 ||
-            xd_setp(ctxt, msgPtr, msgSize, nullptr, nullptr) != ASN1S_SUCCESS) {
+        if (setBuffer(msgPtr, msgSize) != ASN1S_SUCCESS) {
             return nullptr;
         }
     } else {

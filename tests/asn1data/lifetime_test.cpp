@@ -52,6 +52,60 @@ TEST(Lifetime, DecodingAgainAfterAFailedOpenValueReadsTheMessage) {
     asn1Free_Extension(buffer.getCtxtPtr(), &value);
 }
 
+TEST(Lifetime, DecodingAgainAfterAFailedOpenValueReadsWhatTheBufferWasTurnedTo) {
+    const Octets wrong = fromHex("30 0B 06 03 55 1D 0F 04 04 04 02 05 A0");
+    const Octets indefinite = fromHex("30 80 06 03 55 1D 0F 04 04 04 02 05 A0 00 00");
+    const auto size = static_cast<int>(wrong.size());
+    ASN1BERDecodeBuffer buffer = reader(keyUsageExtension);
+    ASN1CTXT* const ctxt = buffer.getCtxtPtr();
+    ASN1MemBuf memory;
+    rtMemBufInit(ctxt, &memory, 16);
+    ASSERT_EQ(rtMemBufAppend(&memory, wrong.data(), static_cast<unsigned>(size)), 0);
+    ASN1T_Extension value;
+    ASN1C_Extension control(buffer, value);
+    const auto failsTwice = [&](const unsigned char* message) {
+        EXPECT_EQ(control.Decode(), ASN1S_TAG_NOT_FOUND);
+        EXPECT_NE(buffer.getMsgPtr(), message) << "where the decoder failed";
+        asn1Free_Extension(ctxt, &value);
+        const unsigned bound = ctxt->buffer.size;
+        EXPECT_EQ(buffer.init(), 0);
+        EXPECT_EQ(buffer.getMsgPtr(), message);
+        EXPECT_EQ(ctxt->buffer.byteIndex, 0u);
+        EXPECT_GT(ctxt->buffer.size, bound);
+        EXPECT_EQ(control.Decode(), ASN1S_TAG_NOT_FOUND);
+        asn1Free_Extension(ctxt, &value);
+        rtErrReset(&ctxt->errInfo);
+    };
+    ASSERT_EQ(control.Decode(), 0);
+    ASSERT_EQ(buffer.initBuffer(memory), 0);
+    failsTwice(memory.buffer);
+
+    // A call on the context is seen by the decode that comes next.
+    ASSERT_EQ(xd_setp(ctxt, wrong.data(), size, nullptr, nullptr), 0);
+    failsTwice(wrong.data());
+    ASSERT_EQ(xd_setp(ctxt, indefinite.data(), size + 2, nullptr, nullptr), 0);
+    failsTwice(indefinite.data());
+    buffer.init();
+    EXPECT_NE(ctxt->flags & ASN1F_INDEF_MESSAGE, 0);
+
+    // Decoded by the plain function, so that no init() has seen the memory buffer.
+    ASSERT_EQ(buffer.initBuffer(memory), 0);
+    EXPECT_EQ(asn1D_Extension(ctxt, &value, ASN1TagExplicit, 0), ASN1S_TAG_NOT_FOUND);
+    asn1Free_Extension(ctxt, &value);
+    EXPECT_EQ(control.Decode(), ASN1S_TAG_NOT_FOUND);
+    asn1Free_Extension(ctxt, &value);
+
+    ASN1BERDecodeBuffer neverBound;
+    ASSERT_EQ(neverBound.initBuffer(memory), 0);
+    ASN1C_Extension other(neverBound, value);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(other.Decode(), ASN1S_TAG_NOT_FOUND);
+        asn1Free_Extension(neverBound.getCtxtPtr(), &value);
+        EXPECT_EQ(neverBound.init(), ASN1S_NOT_SUPPORTED) << "no message, whatever it reads";
+        EXPECT_EQ(neverBound.getMsgPtr(), memory.buffer);
+    }
+}
+
 TEST(Lifetime, ABitStringOfItsOwnStartsOutEmpty) {
     ASN1BEREncodeBuffer output;
     alignas(ASN1T_UniqueIdentifier) unsigned char storage[sizeof(ASN1T_UniqueIdentifier)];

@@ -192,6 +192,45 @@ TEST(DecodeBuffer, WithoutAMessageNothingDecodes) {
     EXPECT_LT(object.Decode(), 0);
 }
 
+TEST(DecodeBuffer, ReadsWhatItWasTurnedToLast) {
+    const Octets first = fromHex("04 01 AA");
+    const Octets second = fromHex("04 01 BB");
+    const Octets third = fromHex("04 01 CC");
+    ASN1BERDecodeBuffer buffer(first.data(), 3);
+    ASN1MemBuf memory;
+    rtMemBufInit(buffer.getCtxtPtr(), &memory, 16);
+    ASSERT_EQ(rtMemBufAppend(&memory, second.data(), 3), 0);
+    Repeated object(buffer, 0, 0);
+    ASSERT_EQ(object.Decode(), 0);
+
+    ASSERT_EQ(buffer.initBuffer(memory), 0);
+    EXPECT_EQ(buffer.getMsgPtr(), memory.buffer);
+    ASSERT_EQ(object.Decode(), 0);
+    EXPECT_EQ(object.hex(), "BB");
+    ASSERT_EQ(xd_setp(buffer.getCtxtPtr(), third.data(), 3, nullptr, nullptr), 0);
+    ASSERT_EQ(object.Decode(), 0);
+    EXPECT_EQ(object.hex(), "CC");
+    EXPECT_EQ(buffer.init(), 0);
+    EXPECT_EQ(buffer.getCtxtPtr()->buffer.byteIndex, 3u) << "no rewind here either";
+
+    int length = 0;
+    EXPECT_EQ(buffer.findElement(4, length, 1), first.data()) << "the message, not what came since";
+    ASSERT_EQ(object.Decode(), 0);
+    EXPECT_EQ(object.hex(), "AA");
+
+    EXPECT_EQ(buffer.setBuffer(nullptr, 3, 0), ASN1S_NOT_SUPPORTED);
+    EXPECT_EQ(buffer.init(), 0) << "bound as before";
+    EXPECT_EQ(buffer.getMsgPtr(), first.data());
+    ASN1BERDecodeBuffer neverBound;
+    EXPECT_EQ(neverBound.setBuffer(nullptr, 3, 0), ASN1S_NOT_SUPPORTED);
+    EXPECT_EQ(neverBound.init(), ASN1S_NOT_SUPPORTED);
+
+    ASN1BERDecodeBuffer notBoundYet(first.data(), 3);
+    ASSERT_EQ(notBoundYet.initBuffer(memory), 0);
+    EXPECT_EQ(notBoundYet.init(), 0);
+    EXPECT_EQ(notBoundYet.getMsgPtr(), first.data()) << "a message that waits comes first";
+}
+
 TEST(DecodeBuffer, FindsElements) {
     //                             0     2        5     7     9        12       15
     const Octets message = fromHex("30 0D 02 01 01 30 05 04 00 02 01 02 02 01 03 02 01 04");

@@ -30,6 +30,8 @@ struct ASN1Buffer {
     unsigned int size;
     unsigned short bitOffset; ///< 8, carried along with the position
     unsigned char dynamic;    ///< non-zero: `data` came from `memHeap` and belongs to the context
+    /// Non-zero: a decoder turned the context to the octets of an open value.
+    unsigned char insideOpenValue;
 };
 
 /// A saved position of the buffer.

@@ -168,9 +168,20 @@ public:
     ASN1BERDecodeBuffer& operator=(const ASN1BERDecodeBuffer&) = default;
 
     /// Binds the remembered message unless that has been done: no rewind, a further decode goes on
-    /// where the last one ended.
-    /// @return as setBuffer
+    /// where the last one ended. Only where a decode has failed inside an open value, and left the
+    /// context on the octets of that value, is the context bound anew to what it was bound to
+    /// before: by setBuffer(), findElement(), initBuffer() or, seen by the last init(), by a call
+    /// on the context itself such as xd_setp.
+    /// @return as setBuffer; 0 on a buffer that is bound, even when what setBuffer() was given last
+    ///         cannot be
     int init() override;
+    /// Binds the context to the octets in @p memBuf, from the first to the last, in place of a
+    /// message that is bound. One that is remembered and not bound yet is bound by init() all the
+    /// same.
+    /// @param memBuf has to outlive the use of its octets, and must not grow in the meantime
+    /// @return 0; -99 for a @p memBuf that never held anything
+    int initBuffer(ASN1MemBuf& memBuf) override;
+    using ASN1BERMessageBuffer::initBuffer;
     bool isA(Type type) override;
 
     /// Remembers and binds a message: reads its first header and takes that element's end as the
@@ -194,9 +205,14 @@ public:
     ASN1BERDecodeBuffer& operator>>(ASN1CType& object);
 
 private:
+    void rememberBinding() noexcept;
+    void leaveOpenValue() noexcept;
+
     const unsigned char* msgPtr = nullptr;
     int msgSize = 0;
     bool setupDone = false;
+    ASN1Buffer binding{}; ///< what the context was bound to last, open values apart
+    unsigned short bindingFlags = 0;
 };
 
 #endif
