@@ -106,6 +106,19 @@ TEST(Lifetime, DecodingAgainAfterAFailedOpenValueReadsWhatTheBufferWasTurnedTo) 
     }
 }
 
+TEST(Lifetime, AMessageThatIsCutOffMayDecode) {
+    for (const char* const cut : {"30 0A 82 01 61", "30 80 82 01 61"}) {
+        const Octets octets = fromHex(cut);
+        ASN1BERDecodeBuffer buffer = reader(octets);
+        ASN1T_GeneralNames value;
+        EXPECT_EQ(ASN1C_GeneralNames(buffer, value).Decode(), 0) << cut;
+        EXPECT_EQ(value.count, 1u) << cut;
+    }
+    const Octets definite = fromHex("30 0A 82 01 61");
+    ASN1BERDecodeBuffer buffer;
+    EXPECT_EQ(buffer.setBuffer(definite.data(), 5), ASN1S_INVALID_LENGTH);
+}
+
 TEST(Lifetime, ABitStringOfItsOwnStartsOutEmpty) {
     ASN1BEREncodeBuffer output;
     alignas(ASN1T_UniqueIdentifier) unsigned char storage[sizeof(ASN1T_UniqueIdentifier)];
