@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 #include <shapes/shapes.h>
 
@@ -193,6 +194,44 @@ TEST(EngineMemory, EveryAllocationMayFail) {
             ASSERT_EQ(status, ASN1S_NO_MEMORY);
         }
     }
+}
+
+TEST(EngineMemory, AnArrayThatNoBlockCanHoldIsRefused) {
+    // So many identifiers that the octets of their array are a small number in 32 bits.
+    constexpr unsigned count = 0x100000000ULL / sizeof(ASN1TObjId) + 100;
+    const Octets identifier = fromHex("06 01 2A");
+    Octets message = fromHex("31 84");
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        message.push_back(static_cast<unsigned char>(count * identifier.size() >> shift & 0xFF));
+    }
+    message.reserve(message.size() + count * identifier.size());
+    for (unsigned i = 0; i < count; ++i) {
+        message.insert(message.end(), identifier.begin(), identifier.end());
+    }
+    {
+        tests::Context reader;
+        ASSERT_EQ(
+            xd_setp(reader, message.data(), static_cast<int>(message.size()), nullptr, nullptr), 0);
+        ASN1T_OidArray value;
+        EXPECT_EQ(asn1D_OidArray(reader, &value, ASN1TagExplicit, 0), ASN1S_NO_MEMORY);
+        EXPECT_EQ(value.n, 0u);
+        EXPECT_EQ(value.elem, nullptr);
+    }
+    WalkVisitor nobody;
+    EXPECT_EQ(walk(types::OidArray, message.data(), message.size(), nobody).status,
+              ASN1S_NO_MEMORY);
+
+    // A record that claims as many. Not one of them is looked at.
+    tests::Context copies;
+    ASN1TObjId one;
+    ASN1T_OidArray claimed;
+    claimed.n = count;
+    claimed.elem = &one;
+    ASN1T_OidArray copied;
+    asn1Copy_OidArray(copies, &claimed, &copied);
+    EXPECT_EQ(copies->errInfo.status, ASN1S_NO_MEMORY);
+    EXPECT_EQ(copied.n, 0u);
+    EXPECT_EQ(copied.elem, nullptr);
 }
 
 TEST(EngineMutation, EveryOctetOfEveryRowMayBeAnything) {

@@ -152,21 +152,32 @@ TEST(Walk, FindsAnElementByItsPath) {
 }
 
 TEST(Walk, ReportsWhatCameBeforeAFailure) {
-    // The second value of a kind is of another type; then an element stands behind the open value.
-    const std::pair<const char*, const char*> rows[] = {
-        {"30 0D 06 03 2A 03 02 31 06 0C 01 41 04 01 42",
+    const struct {
+        const char* type;
+        const char* message;
+        const char* reports;
+    } rows[] = {
+        // The second value of a kind is of another type.
+        {"OpenList", "30 0D 06 03 2A 03 02 31 06 0C 01 41 04 01 42",
          "@0:2+13{ kind@2:2+3=1.2.3.2 values@7:2+6{ values[0].kindText@9:2+1=41 "},
-        {"30 0F 06 03 2A 03 02 31 06 0C 01 41 0C 01 42 05 00",
+        // An element stands behind the open value.
+        {"OpenList", "30 0F 06 03 2A 03 02 31 06 0C 01 41 0C 01 42 05 00",
          "@0:2+15{ kind@2:2+3=1.2.3.2 values@7:2+6{ values[0]@9:2+1=0C0141 "
          "values[1]@12:2+1=0C0142} "},
+        {"OpenFirst", "30 0A 06 03 2A 03 02 0C 01 41 05 00",
+         "@0:2+10{ kind@2:2+3=1.2.3.2 value@7:2+1=0C0141 "},
+        // An element behind the open value fails inside, where the value has no place.
+        {"OpenFirst", "30 10 06 03 2A 03 02 0C 01 41 30 06 02 01 05 05 01 2A",
+         "@0:2+16{ kind@2:2+3=1.2.3.2 inner@10:2+6{ inner.a@12:2+1=5 "},
     };
-    for (const auto& [hex, reports] : rows) {
-        const Octets message = tests::fromHex(hex);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        const Octets message = tests::fromHex(row.message);
         Notes notes;
         notes.last = "none";
-        EXPECT_LT(walk(*shapes::findType("OpenList"), message.data(), message.size(), notes).status,
+        EXPECT_LT(walk(*shapes::findType(row.type), message.data(), message.size(), notes).status,
                   0);
-        EXPECT_EQ(notes.text, reports);
+        EXPECT_EQ(notes.text, row.reports);
     }
 }
 
