@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <brevantis/asn1/asn1data/family.h>
 
 #include "value_access.h"
@@ -28,6 +30,22 @@ void* newRecord(ASN1CTXT* ctxt, const TypeDescription& type) noexcept {
     // A NULL has no value, yet where it is selected something must stand for it.
     const int size = type.valueSize != 0 ? static_cast<int>(type.valueSize) : 1;
     return rtMemHeapAllocZ(&ctxt->memHeap, size);
+}
+
+void exchange(const TypeDescription& type, void* left, void* right) noexcept {
+    auto* const octets = static_cast<unsigned char*>(left);
+    std::swap_ranges(octets, octets + type.valueSize, static_cast<unsigned char*>(right));
+}
+
+void leaveForeignElements(ASN1CTXT* ctxt, Asn1RTDList& list) noexcept {
+    for (Asn1RTDListNode* node = list.head; node != nullptr;) {
+        Asn1RTDListNode* const next = node->next;
+        if (node->data != node + 1) {
+            rtDListRemove(&list, node);
+            rtMemHeapFreePtr(&ctxt->memHeap, node);
+        }
+        node = next;
+    }
 }
 
 } // namespace asn1data::family

@@ -7,6 +7,7 @@
 #include <brevantis/asn1/asn1data/x509.h>
 #include <brevantis/asn1/runtime.h>
 #include <gtest/gtest.h>
+#include <shapes/shapes.h>
 
 #include "support/counting_allocator.h"
 #include "support/hex.h"
@@ -25,6 +26,14 @@ const Octets name = fromHex("30 0F 31 0D 30 0B 06 03 55 04 03 0C 04 61 62 63 64"
 
 ASN1BERDecodeBuffer reader(const Octets& octets) {
     return ASN1BERDecodeBuffer(octets.data(), static_cast<int>(octets.size()));
+}
+
+template <class Control, class Record>
+Octets encoded(Record& value) {
+    ASN1BEREncodeBuffer output;
+    const int length = Control(output, value).Encode();
+    EXPECT_GE(length, 0);
+    return length < 0 ? Octets() : Octets(output.getMsgPtr(), output.getMsgPtr() + length);
 }
 
 TEST(Lifetime, FailedDecodingIntoAUsedRecordForgetsItsOpenValue) {
@@ -220,6 +229,174 @@ TEST(Lifetime, DecodingIntoACopyMakesItTheBuffers) {
         ASSERT_EQ(ASN1C_Name(other, copy).Decode(), 0);
     }
     EXPECT_FALSE(copy.ownerContext);
+}
+
+/// Decodes a message and copies it into a record that outlives the message's buffer.
+template <class Control, class Record>
+void copyOf(const Octets& message, Record& copy) {
+    ASN1BERDecodeBuffer buffer = reader(message);
+    Record value;
+    Control control(buffer, value);
+    ASSERT_EQ(control.Decode(), 0);
+    ASSERT_EQ(control.getCopy(&copy), &copy);
+}
+
+/// Every shape that a record can have, with its control class and a message.
+template <template <class, class> class Check>
+void forEveryShape() {
+    using namespace shapes;
+    Check<ASN1C_Optionals, ASN1T_Optionals>()("30 0A 04 01 AA 0C 02 41 42 01 01 FF");
+    Check<ASN1C_Choice, ASN1T_Choice>()("85 02 01 02");
+    Check<ASN1C_Choice, ASN1T_Choice>()("83 02 41 42");
+    Check<ASN1C_ChoiceList, ASN1T_ChoiceList>()("30 07 83 01 41 85 02 01 02");
+    Check<ASN1C_TextArray, ASN1T_TextArray>()("30 06 0C 01 41 0C 01 42");
+    Check<ASN1C_FixedTexts, ASN1T_FixedTexts>()("30 06 13 01 41 13 01 42");
+    Check<ASN1C_Tree, ASN1T_Tree>()("30 07 A0 05 30 03 0C 01 41");
+}
+
+template <class Control, class Record>
+struct NamesTheContextOfItsNewContent {
+    void operator()(const char* hex) const {
+        SCOPED_TRACE(hex);
+        const Octets message = fromHex(hex);
+        Record copy;
+        copyOf<Control>(message, copy);
+        ASN1ContextRef first = copy.ownerContext;
+        {
+            ASN1BERDecodeBuffer buffer = reader(message);
+            Record value;
+            Control source(buffer, value);
+            ASSERT_EQ(source.Decode(), 0);
+            Control control(copy);
+            control = source;
+            EXPECT_EQ(copy.ownerContext.get(), control.getContext().get());
+        }
+        EXPECT_EQ(first->getRefCount(), 1u);
+        first.reset();
+        EXPECT_EQ(encoded<Control>(copy), message);
+    }
+};
+
+TEST(Lifetime, ACopyThatIsAssignedToNamesTheContextOfItsNewContent) {
+    forEveryShape<NamesTheContextOfItsNewContent>();
+    NamesTheContextOfItsNewContent<shapes::ASN1C_Extended, shapes::ASN1T_Extended>()(
+        "30 07 06 01 2A 05 00 05 00");
+}
+
+template <class Control, class Record>
+struct LeavesNothingBehind {
+    void operator()(const char* hex) const {
+        SCOPED_TRACE(hex);
+        const Octets message = fromHex(hex);
+        const tests::CountingAllocator allocator;
+        ASN1BERDecodeBuffer buffer = reader(message);
+        Record value;
+        Record other;
+        Control control(buffer, value);
+        Control source(buffer, other);
+        ASSERT_EQ(control.Decode(), 0);
+        ASSERT_EQ(buffer.setBuffer(message.data(), static_cast<int>(message.size()), 0), 0);
+        ASSERT_EQ(source.Decode(), 0);
+        const long before = tests::CountingAllocator::live();
+        for (int i = 0; i < 100; ++i) {
+            control = source;
+        }
+        EXPECT_EQ(tests::CountingAllocator::live(), before);
+        EXPECT_EQ(encoded<Control>(value), message);
+    }
+};
+
+TEST(Lifetime, AssignmentGivesBackWhatItReplaces) {
+    forEveryShape<LeavesNothingBehind>();
+    LeavesNothingBehind<shapes::ASN1C_Any, shapes::ASN1T_Any>()("05 00");
+    LeavesNothingBehind<ASN1C_Validity, ASN1T_Validity>()(
+        "30 1E 17 0D 32 34 30 31 30 31 30 30 30 30 30 30 5A "
+        "17 0D 32 35 30 31 30 31 30 30 30 30 30 30 5A");
+}
+
+TEST(Lifetime, AssignmentLeavesWhatNobodyInitialisedOrAProgramPutThere) {
+    const Octets message = fromHex("0C 02 41 42");
+    ASN1BERDecodeBuffer buffer = reader(message);
+    shapes::ASN1T_Utf8 decoded = nullptr;
+    shapes::ASN1C_Utf8 source(buffer, decoded);
+    ASSERT_EQ(source.Decode(), 0);
+    shapes::ASN1T_Utf8 text = "of the program";
+    shapes::ASN1C_Utf8 control(text);
+    control = source;
+    EXPECT_STREQ(text, "AB");
+
+    // Elements that a program has put into a list are its own.
+    const Octets elements = fromHex("30 03 83 01 41");
+    ASN1BERDecodeBuffer listBuffer = reader(elements);
+    shapes::ASN1T_ChoiceList decodedList;
+    shapes::ASN1C_ChoiceList listSource(listBuffer, decodedList);
+    ASSERT_EQ(listSource.Decode(), 0);
+    shapes::ASN1T_Choice element;
+    element.t = shapes::T_Choice_text;
+    element.u.text = "mine";
+    shapes::ASN1T_ChoiceList list;
+    shapes::ASN1C_ChoiceList listControl(list);
+    listControl.append(&element);
+    ASN1CSeqOfListIterator* const iterator = listControl.iterator();
+    listControl = listSource;
+    EXPECT_STREQ(element.u.text, "mine");
+    EXPECT_EQ(listControl.size(), 1);
+    EXPECT_EQ(iterator->next(), nullptr);
+    EXPECT_EQ(iterator->getState(), ASN1S_CONCURRENT_MODIFICATION);
+}
+
+TEST(Lifetime, ACopyIsReplacedByPlainFunctionsOnceItIsGivenBack) {
+    const Octets message = fromHex("30 07 83 01 41 85 02 01 02");
+    shapes::ASN1T_ChoiceList copy;
+    copyOf<shapes::ASN1C_ChoiceList>(message, copy);
+    shapes::asn1Free_ChoiceList(copy.ownerContext.get(), &copy);
+    copy.ownerContext.reset();
+    {
+        ASN1BERDecodeBuffer buffer = reader(message);
+        ASN1CTXT* const ctxt = buffer.getCtxtPtr();
+        ASSERT_EQ(buffer.init(), 0);
+        ASSERT_EQ(shapes::asn1D_ChoiceList(ctxt, &copy, ASN1TagExplicit, 0), 0);
+        EXPECT_EQ(encoded<shapes::ASN1C_ChoiceList>(copy), message);
+    }
+}
+
+// A tree "A" with a tree "B" inside.
+const Octets outerTree = fromHex("30 0C 0C 01 41 A0 07 30 05 0C 01 42 A0 00");
+const Octets innerTree = fromHex("30 05 0C 01 42 A0 00");
+
+TEST(Lifetime, APartReplacesTheWholeThatContainsIt) {
+    shapes::ASN1T_Tree copy;
+    copyOf<shapes::ASN1C_Tree>(outerTree, copy);
+    shapes::ASN1C_Tree part(*static_cast<shapes::ASN1T_Tree*>(copy.children.head->data));
+    part.getCopy(&copy);
+    EXPECT_EQ(encoded<shapes::ASN1C_Tree>(copy), innerTree);
+
+    shapes::ASN1T_Tree assigned;
+    copyOf<shapes::ASN1C_Tree>(outerTree, assigned);
+    shapes::ASN1C_Tree source(*static_cast<shapes::ASN1T_Tree*>(assigned.children.head->data));
+    shapes::ASN1C_Tree target(assigned);
+    target = source;
+    EXPECT_EQ(encoded<shapes::ASN1C_Tree>(assigned), innerTree);
+
+    // An open value's raw octets, which hold a message of the record's own type.
+    const Octets wrapped = fromHex("30 10 06 03 2A 03 06 30 09 06 03 2A 03 02 0C 02 41 42");
+    shapes::ASN1T_Open open;
+    copyOf<shapes::ASN1C_Open>(wrapped, open);
+    ASN1BERDecodeBuffer inside(open.value.data, static_cast<int>(open.value.numocts));
+    EXPECT_EQ(shapes::ASN1C_Open(inside, open).Decode(), 0);
+    EXPECT_FALSE(open.ownerContext);
+    EXPECT_EQ(encoded<shapes::ASN1C_Open>(open), fromHex("30 09 06 03 2A 03 02 0C 02 41 42"));
+}
+
+TEST(Lifetime, TheWholeReplacesAPartOfIt) {
+    ASN1BERDecodeBuffer buffer = reader(outerTree);
+    shapes::ASN1T_Tree whole;
+    shapes::ASN1C_Tree source(buffer, whole);
+    ASSERT_EQ(source.Decode(), 0);
+    auto& part = *static_cast<shapes::ASN1T_Tree*>(whole.children.head->data);
+    shapes::ASN1C_Tree target(buffer, part);
+    target = source;
+    EXPECT_EQ(encoded<shapes::ASN1C_Tree>(part), outerTree);
 }
 
 TEST(Lifetime, WhatPointsIntoTheMessageIsNotFreedThroughAControlsContext) {

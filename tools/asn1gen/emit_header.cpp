@@ -368,7 +368,10 @@ void Emitter::control(Writer& out, const Type& type) {
             "    /// On the context and the buffer of @p other, with a deep copy of its value.");
         out.line("    /// @throws ASN1MessageBuffer::RTLError with -12 when memory is out");
         out.call("    " + name, {name + "& other"}, ";");
-        out.line("    /// Copies the other value over this one, on to this object's context.");
+        out.line("    /// Copies the other value over this one, on to this object's context. What "
+                 "the value held");
+        out.line(
+            "    /// goes back to its heap: text or octets of your own must not hang from it.");
         out.call("    " + name + "& operator=", {name + "& other"}, ";");
     } else {
         out.call("    " + name, {"const " + name + "&"}, " = delete;");

@@ -79,9 +79,10 @@ void Emitter::controlDefinitions(Writer& out, const Type& type) {
             out.line("}");
         }
     }
-    // What the base knows of the value has to follow one that was replaced.
+    // What the base and its iterators know of the value has to follow one that was replaced.
     const std::string refresh =
-        kind == ControlBase::BitString ? "init(*msgData);"
+        kind == ControlBase::List        ? "++modCount;"
+        : kind == ControlBase::BitString ? "init(*msgData);"
         : kind == ControlBase::FixedBitString
             ? "init(msgData->data, msgData->numbits, " + std::to_string(type.capacity) + ");"
         : kind == ControlBase::Time ? "parsed = 0;"
@@ -93,11 +94,8 @@ void Emitter::controlDefinitions(Writer& out, const Type& type) {
             out.line("    " + controlName(*type.aliasOf) + "::operator=(other);");
         } else {
             out.line("    if (msgData != other.msgData) {");
-            if (kind == ControlBase::List) {
-                out.line("        clear();");
-            }
-            out.call("        " + family + "copy",
-                     {"getCtxtPtr()", row, "other.msgData", "msgData"}, ";");
+            out.call("        " + family + "assign", {"*this", row, "other.msgData", "msgData"},
+                     ";");
             if (!refresh.empty()) {
                 out.line("        " + refresh);
             }

@@ -1,9 +1,12 @@
 #ifndef BREVANTIS_ASN1_ASN1DATA_FAMILY_H
 #define BREVANTIS_ASN1_ASN1DATA_FAMILY_H
 
+#include <type_traits>
+
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/control.h>
+#include <brevantis/asn1/runtime/list.h>
 #include <brevantis/asn1/runtime/message_buffer.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
 
@@ -71,6 +74,13 @@ BREVANTIS_ASN1_API int decodeFrom(ASN1CType& control, ASN1MessageBufferIF& buffe
 /// A zeroed record for @p type on the context's heap, null when memory is out.
 BREVANTIS_ASN1_API void* newRecord(ASN1CTXT* ctxt, const TypeDescription& type) noexcept;
 
+/// Exchanges two values of a type by their octets: nothing in a value points to the value itself.
+BREVANTIS_ASN1_API void exchange(const TypeDescription& type, void* left, void* right) noexcept;
+
+/// Takes the elements out of a list that do not stand behind their nodes, and frees these nodes:
+/// such elements were put there by a program.
+BREVANTIS_ASN1_API void leaveForeignElements(ASN1CTXT* ctxt, Asn1RTDList& list) noexcept;
+
 template <class Record, class = void>
 struct HasOwnerContext {
     static constexpr bool value = false;
@@ -80,25 +90,45 @@ struct HasOwnerContext<Record, decltype(static_cast<void>(&Record::ownerContext)
     static constexpr bool value = true;
 };
 
-/// Gives back what a record holds on a context that it was copied on to, before it takes a value
-/// from elsewhere.
-template <class Record>
-void disown(Record& record, const TypeDescription& type) {
-    if constexpr (HasOwnerContext<Record>::value) {
-        if (record.ownerContext) {
-            release(record.ownerContext.get(), type, &record);
-            record.ownerContext.reset();
-        }
-    }
-}
+// Whoever replaces the value of a record makes the new content in a record of its own first, since
+// it may come out of the old. The two are exchanged then, and with the record that held the new one
+// the old content goes back to the context that it came from.
 
 /// Body of every `DecodeFrom` of a type with a record. A record that was a copy gives that up: what
 /// is decoded lives on the buffer's heap.
 template <class Record>
 int decodeFrom(ASN1CType& control, ASN1MessageBufferIF& buffer, const TypeDescription& type,
                Record* value) {
-    disown(*value, type);
+    if constexpr (HasOwnerContext<Record>::value) {
+        if (value->ownerContext) {
+            Record content;
+            const int status = decodeFrom(control, buffer, type, static_cast<void*>(&content));
+            exchange(type, value, &content);
+            return status;
+        }
+    }
     return decodeFrom(control, buffer, type, static_cast<void*>(value));
+}
+
+/// Body of every `operator=`. What the value held goes back to the context that it was copied on
+/// to; where it is no copy, to the control's heap. A value that need not have been initialised, as
+/// a plain pointer to text, is written over, and so are list elements that a program put there.
+template <class Record>
+void assign(ASN1CType& control, const TypeDescription& type, const Record* source, Record* target) {
+    ASN1CTXT* const ctxt = control.getCtxtPtr();
+    Record content{};
+    copy(ctxt, type, source, &content);
+    exchange(type, target, &content);
+    if constexpr (std::is_base_of_v<Asn1RTDList, Record>) {
+        leaveForeignElements(ctxt, content);
+    }
+    if constexpr (HasOwnerContext<Record>::value) {
+        // Only a record that was a copy names a context: one on a heap would keep that for ever.
+        ASN1ContextRef& named = content.ownerContext ? target->ownerContext : content.ownerContext;
+        named = control.getContext();
+    } else if constexpr (!std::is_trivially_default_constructible_v<Record>) {
+        release(ctxt, type, &content);
+    }
 }
 
 /// Body of every `getCopy`. A copy into a record of the caller's takes a reference to the control's
@@ -109,7 +139,7 @@ Record* getCopy(ASN1CType& control, const TypeDescription& type, Record* own, Re
     if (target == own) {
         return own;
     }
-    ASN1CTXT* ctxt = control.getContext().get();
+    ASN1CTXT* const ctxt = control.getCtxtPtr();
     if (target == nullptr) {
         target = static_cast<Record*>(newRecord(ctxt, type));
         if (target != nullptr) {
@@ -117,8 +147,9 @@ Record* getCopy(ASN1CType& control, const TypeDescription& type, Record* own, Re
         }
         return target;
     }
-    disown(*target, type);
-    copy(ctxt, type, own, target);
+    Record content{};
+    copy(ctxt, type, own, &content);
+    exchange(type, target, &content);
     if constexpr (HasOwnerContext<Record>::value) {
         target->ownerContext = control.getContext();
     }
@@ -135,7 +166,9 @@ Record* newCopy(ASN1CType& control, const TypeDescription& type, Record* own) {
 /// to the context that it came from. All that such a record points to must have come from there.
 template <class Record>
 void destroy(Record& record, const TypeDescription& type) {
-    disown(record, type);
+    if (record.ownerContext) {
+        release(record.ownerContext.get(), type, &record);
+    }
 }
 
 } // namespace asn1data::family
