@@ -83,15 +83,21 @@ ASN1CBitStr::~ASN1CBitStr() {
 }
 
 void ASN1CBitStr::releaseOwnMemory() {
-    if (dynamicAlloc != 0) {
-        if (pBits != &ownData) {
-            // The caller's record outlives the octets.
-            *pNumBits = 0;
-        }
-        freeMemory(octets());
-        *pBits = nullptr;
-        dynamicAlloc = 0;
+    if (dynamicAlloc == 0) {
+        return;
     }
+    dynamicAlloc = 0;
+    if (pBits != &ownData) {
+        if (*pBits != ownData) {
+            // The record was given another value, whose octets are not this object's.
+            return;
+        }
+        // The caller's record outlives the octets.
+        *pNumBits = 0;
+        *pBits = nullptr;
+    }
+    freeMemory(const_cast<unsigned char*>(ownData));
+    ownData = nullptr;
 }
 
 void ASN1CBitStr::init(unsigned char* data, unsigned int& numBits, unsigned int maxBits) {
@@ -214,6 +220,7 @@ int ASN1CBitStr::checkCapacity(int units) {
         *pBits = block;
         unitsAllocated = newSize;
         dynamicAlloc = owned ? 1 : 0;
+        ownData = owned ? block : ownData;
     }
     unitsUsed = std::max(unitsUsed, units);
     return 0;

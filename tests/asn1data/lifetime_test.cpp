@@ -399,6 +399,27 @@ TEST(Lifetime, TheWholeReplacesAPartOfIt) {
     EXPECT_EQ(encoded<shapes::ASN1C_Tree>(part), outerTree);
 }
 
+// The object has moved a string that outgrew its octets to a block of its own.
+TEST(Lifetime, ABitStringThatHasGrownTakesANewValue) {
+    const Octets message = fromHex("03 03 01 12 34");
+    ASN1BERDecodeBuffer buffer = reader(message);
+    shapes::ASN1T_Bits decoded{};
+    shapes::ASN1C_Bits source(buffer, decoded);
+    ASSERT_EQ(source.Decode(), 0);
+    unsigned char octets[] = {0xFF};
+    shapes::ASN1T_Bits value{8, octets};
+    {
+        shapes::ASN1C_Bits control(buffer, value);
+        ASSERT_EQ(control.set(40), 0);
+        control = source;
+        EXPECT_EQ(encoded<shapes::ASN1C_Bits>(value), message);
+        ASSERT_EQ(control.set(40), 0);
+        ASSERT_EQ(buffer.setBuffer(message.data(), static_cast<int>(message.size()), 0), 0);
+        ASSERT_EQ(control.Decode(), 0);
+    }
+    EXPECT_EQ(encoded<shapes::ASN1C_Bits>(value), message);
+}
+
 TEST(Lifetime, WhatPointsIntoTheMessageIsNotFreedThroughAControlsContext) {
     ASN1BERDecodeBuffer buffer = reader(keyUsageExtension);
     rtCtxtSetFlag(buffer.getCtxtPtr(), ASN1F_NO_COPY);
