@@ -60,8 +60,6 @@ TEST(CharString, ReadsWhatOthersWrite) {
     tests::forEachRow("char_string_value.txt", "read", [](const tests::DataRow& row) {
         EXPECT_EQ(decodeCharString(blob(row["encoded"])), towstring(row["text"].c_str()));
     });
-    EXPECT_EQ(decodeCharString(blob("1E06 004100000042")), std::wstring(L"A\0B", 3))
-        << "16-bit text does not end at a zero";
     EXPECT_EQ(decodeCharString(blob("1E04 D83DDE00")), L"\xD83D\xDE00") << "surrogates singly";
 }
 

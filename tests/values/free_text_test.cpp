@@ -143,6 +143,20 @@ TEST(FreeTextCoding, GivesEverythingBackWhenMemoryIsOut) {
     EXPECT_GT(tests::failEveryAllocation(
                   [&] {
                       ScopedContext context;
+TEST(FreeTextCoding, ReadsWhatIsThereOfATextThatEndsEarly) {
+    const char* strings[] = {"a\xC3", "\xF0\x9F\x98", "a\xC0\x80z", nullptr};
+    asn1data::ASN1T_PKIFreeText record;
+    record.n = 4;
+    record.elem = strings;
+    CPKIFreeText text;
+    CPKIFreeText_Parse(nullptr, text, record);
+    std::wstring all;
+    for (const CPKIFreeTextString& string : text) {
+        all += string.get_value() + std::wstring(L"|");
+    }
+    EXPECT_EQ(all, L"a\u0003|\u07D8|a||");
+}
+
                       asn1data::ASN1T_PKIFreeText record;
                       CPKIFreeText_Encode(context.get(), record, text);
                       CPKIFreeText read;

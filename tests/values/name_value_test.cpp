@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/values/types/attribute_register.h>
+#include <brevantis/asn1/values/types/general_name.h>
 #include <brevantis/asn1/values/types/name.h>
 #include <brevantis/asn1/values/types_traits/name_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
@@ -81,6 +82,29 @@ TEST(Name, WithAValueThatIsNoTextIsEncodedButNotWritten) {
     name.push_back(rdn);
     EXPECT_EQ(thrownCode([&] { name.toString(); }), CRYPT_E_ASN1_INTERNAL);
     EXPECT_EQ(name.encode(), blob("300B 3109 3007 0603550405 0500"));
+}
+
+TEST(Name, GoesOnBehindAZeroCharacterInAValue) {
+    for (const char* value : {"1E06 004100000042", "1C0C 000000410000000000000042", "0C04 41C08042",
+                              "0C03 410042", "1303 410042"}) {
+        CName name;
+        name.push_back(
+            CRelativeDistinguishedName{CAttributeTypeAndValue("2.5.4.3", blob(value)),
+                                       CAttributeTypeAndValue(L"OU=y", StringTypeDefault)});
+        name.push_back(CRelativeDistinguishedName(L"O=x"));
+        EXPECT_EQ(name.toString(), L"CN=A+OU=y,O=x") << value;
+        EXPECT_STREQ(name.toString().c_str(), L"CN=A+OU=y,O=x") << value;
+        CGeneralName general;
+        general.put_directoryName(name.encode());
+        EXPECT_NE(std::wstring(general.toString().c_str()).find(L",O=x"), std::wstring::npos)
+            << value;
+    }
+}
+
+TEST(Name, ReadsTheBitsThatAreThereOfACharacterThatBreaksOff) {
+    CName name;
+    name.decode(blob("300D 310B 3009 0603550403 0C0241C3"));
+    EXPECT_EQ(name.toString(), L"CN=A\u0003");
 }
 
 TEST(Name, GoesThroughARecordAsABlob) {

@@ -78,15 +78,17 @@ const char* decodeNarrow(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
     return text;
 }
 
-/// The content of a string with characters of another width.
+/// The content of a string with characters of another width, up to its first zero character, which
+/// would hide what follows it in the text of a name.
 template <class String, int (*Decode)(ASN1CTXT*, String*, ASN1TagType, ASN1TAG, int) noexcept>
 std::wstring decodeWide(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
     String string{};
     requireSuccess(Decode(ctxt, &string, ASN1TagImplicit, tag, length));
+    const auto end = std::find(string.data, string.data + string.nchars, 0u);
     std::wstring text;
-    text.reserve(string.nchars);
+    text.reserve(static_cast<std::size_t>(end - string.data));
     // What is above U+FFFF has no place in names and is left out, as rtUCSToWCSString does.
-    std::copy_if(string.data, string.data + string.nchars, std::back_inserter(text),
+    std::copy_if(string.data, end, std::back_inserter(text),
                  [](unsigned character) { return character < 0x10000; });
     return text;
 }

@@ -1,35 +1,11 @@
 #include "util/utf8_text.h"
 
-#include <cstring>
 #include <cwchar>
 
 #include <brevantis/asn1/runtime/utf8.h>
 #include <brevantis/asn1/values/util/private_buffer.h>
 
 namespace Brevantis::ASN1 {
-
-namespace {
-
-/// Whether a text breaks off within its last character, which the conversion would let pass.
-bool isCutOff(const char* text) {
-    const std::size_t size = std::strlen(text);
-    std::size_t following = 0;
-    unsigned octet = 0;
-    while (following < size) {
-        octet = static_cast<unsigned char>(text[size - 1 - following]);
-        if ((octet & 0xC0u) != 0x80u) {
-            break;
-        }
-        ++following;
-    }
-    std::size_t announced = 0;
-    for (unsigned bit = 0x40; octet >= 0xC0u && (octet & bit) != 0; bit >>= 1) {
-        ++announced;
-    }
-    return following < announced;
-}
-
-} // namespace
 
 const char* encodeUTF8(ASN1CTXT* ctxt, const wchar_t* text, int failure) {
     std::size_t size = 1;
@@ -49,13 +25,15 @@ std::wstring decodeUTF8(const char* text, int failure) {
         return {};
     }
     const int length = rtUTF8Len(text);
-    if (length < 0 || isCutOff(text)) {
+    if (length < 0) {
         ATL::AtlThrowImpl(failure);
     }
     std::wstring decoded(static_cast<std::size_t>(length), L'\0');
     if (rtUTF8ToWCS(nullptr, text, decoded.data(), decoded.size()) < 0) {
         ATL::AtlThrowImpl(failure);
     }
+    // C0 80 is a zero, which ends a text as it would in one octet.
+    decoded.resize(std::wcslen(decoded.c_str()));
     return decoded;
 }
 

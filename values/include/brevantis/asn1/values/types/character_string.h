@@ -26,10 +26,11 @@ enum StringType : unsigned {
 /// behind the string are not looked at.
 ///
 /// The content of the types with 8-bit characters, TeletexString too, is taken as UTF-8. Octets
-/// that are none become U+FFFD there, but make a UTF8String fail.
-/// @warning The text of a string with 8-bit characters ends in front of its first zero octet, so
-///          that two different strings may have the same text. Of a UniversalString the characters
-///          above U+FFFF are left out; those of a BMPString are taken singly, surrogates too.
+/// that are none become U+FFFD there, but make a UTF8String fail. A UTF8String that breaks off
+/// within its last character does not: the bits that are there make the character.
+/// @warning The text of a string ends in front of its first zero character, so that two different
+///          strings may have the same text. Of a UniversalString the characters above U+FFFF are
+///          left out; those of a BMPString are taken singly, surrogates too.
 /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p encoded is no such string, with
 ///         that code or CRYPT_E_ASN1_MEMORY when memory is out
 BREVANTIS_ASN1_API CWStringProxy decodeCharString(const CBlob& encoded);
