@@ -22,6 +22,9 @@ TEST(LanguageTag, IsComparedInLowerCase) {
     EXPECT_EQ(CLanguageTag(L"EN-US").tostring(), "en-us");
     EXPECT_NE(CLanguageTagEnUs(), CLanguageTagRuRu());
     EXPECT_EQ(CLanguageTag().tostring(), "");
+    EXPECT_EQ(CLanguageTag(static_cast<const char*>(nullptr)), CLanguageTag());
+    EXPECT_EQ(CLanguageTag(static_cast<const wchar_t*>(nullptr)), CLanguageTag());
+    EXPECT_EQ(CLanguageTag::normalize(nullptr), "");
     EXPECT_NE(CLanguageTag(), CLanguageTagDefaultRead());
     EXPECT_EQ(CLanguageTag::normalize("A\xC3\x9Cz"), "a\xC3\x9Cz");
     EXPECT_NE(thrownCode([] { CLanguageTag(L"\u0416"); }), 0);

@@ -11,7 +11,7 @@ CLanguageTag::CLanguageTag(const char* tag) : tag_(normalize(tag)) {}
 CLanguageTag::CLanguageTag(const wchar_t* tag) : CLanguageTag(ASN1::tostring(tag).c_str()) {}
 
 std::string CLanguageTag::normalize(const char* tag) {
-    std::string lower(tag);
+    std::string lower(tag != nullptr ? tag : "");
     for (char& character : lower) {
         character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
     }

@@ -19,7 +19,7 @@ public:
     CPKIFreeTextString(CLanguageTag language);
     /// @param value null stands for the empty text
     CPKIFreeTextString(const wchar_t* value, CLanguageTag language = CLanguageTagDefaultRead());
-    /// @param value UTF-8, not null
+    /// @param value UTF-8; null stands for the empty text
     CPKIFreeTextString(const char* value, CLanguageTag language = CLanguageTagDefaultRead());
     // No move: with one, making a string of a CPKIFreeText, which converts to it by reference and
     // by value, would be ambiguous.

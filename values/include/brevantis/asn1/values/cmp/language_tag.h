@@ -16,9 +16,9 @@ class BREVANTIS_ASN1_API CLanguageTag {
 public:
     /// The empty tag. It is a tag like any other, not "no particular language".
     CLanguageTag() = default;
-    /// @param tag terminated, not null
+    /// @param tag terminated; null stands for the empty text
     CLanguageTag(const char* tag);
-    /// @param tag terminated, not null
+    /// @param tag terminated; null stands for the empty text
     /// @throws ATL::CAtlException with the code of AtlThrowLastWin32 for a character outside ASCII
     CLanguageTag(const wchar_t* tag);
 
@@ -27,7 +27,7 @@ public:
     CStringProxy tostring() const { return tag_; }
 
     /// The text in lower case, as `tolower` has it character by character.
-    /// @param tag terminated, not null
+    /// @param tag terminated; null stands for the empty text
     static std::string normalize(const char* tag);
 
     friend bool operator==(const CLanguageTag& a, const CLanguageTag& b) {
