@@ -1,5 +1,6 @@
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -136,6 +137,13 @@ TEST(AttrWithField, DecodesWhatWasPutIntoTheValue) {
     EXPECT_EQ(digest.get_messageDigest(), blob("AA"));
     EXPECT_EQ(time.get_time(), CDateTime(1, 0));
 }
+
+// They have no copies, and none may be had by way of what they derive from: the getter of a time
+// that has gone would lead to nothing.
+static_assert(!std::is_move_constructible_v<CAttrSigningTime>);
+static_assert(!std::is_move_constructible_v<ValueWithField<CAttrValue, CTimeChoice>>);
+static_assert(!std::is_move_assignable_v<ValueWithField<CAttrValue, CTimeChoice>>);
+static_assert(!std::is_copy_constructible_v<ValueWithField<CAttrValue, CStringProxy>>);
 
 TEST(AttrWithField, StaysInStepWhenMemoryIsOut) {
     const std::string before = "1.2.3";

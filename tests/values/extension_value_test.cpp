@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -181,6 +182,31 @@ TEST(NamedExtensions, StartEmpty) {
 
 TEST(NamedExtensions, StayAsTheyWereWhenAFieldCannotBeEncoded) {
     CExtHoldInstructionCode code("1.2.3");
+TEST(NamedExtensions, AreAsNewWhenTheyWereMovedFrom) {
+    CExtHoldInstructionCode code("1.2.3");
+    CExtHoldInstructionCode taken(std::move(code));
+    EXPECT_STREQ(taken.get_code(), "1.2.3");
+    EXPECT_EQ(taken.get_value(), blob("06022A03"));
+    // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): it is as new
+    EXPECT_STREQ(code.get_code(), "");
+    EXPECT_EQ(code.get_value(), CBlob());
+    code.put_code("1.2.4");
+    EXPECT_STREQ(code.get_oid(), taken.get_oid());
+    taken = std::move(code);
+    EXPECT_STREQ(taken.get_code(), "1.2.4");
+    EXPECT_STREQ(code.get_oid(), taken.get_oid());
+
+    const CDateTime time(2030, 1, 2, 3, 4, 5);
+    CExtPrivateKeyUsagePeriod period(&time, nullptr);
+    const CExtPrivateKeyUsagePeriod kept(std::move(period));
+    EXPECT_EQ(*kept.get_notBefore(), time);
+    // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): it is as new
+    EXPECT_EQ(period.get_notBefore(), nullptr);
+    EXPECT_STREQ(period.get_oid(), kept.get_oid());
+    period.put_notBefore(&time);
+    EXPECT_EQ(period.get_value(), kept.get_value());
+}
+
     EXPECT_EQ(thrownCode([&] { code.put_code("1.2.x"); }), E_INVALIDARG);
     EXPECT_STREQ(code.get_code(), "1.2.3");
     EXPECT_EQ(code.get_value(), blob("06022A03"));

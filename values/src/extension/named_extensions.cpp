@@ -1,5 +1,7 @@
 #include <brevantis/asn1/values/extension/named_extensions.h>
 
+#include <utility>
+
 #include <brevantis/asn1/values/extension_traits/named_extension_traits.h>
 
 namespace Brevantis::ASN1 {
@@ -106,6 +108,23 @@ CExtPrivateKeyUsagePeriod::CExtPrivateKeyUsagePeriod(const CDateTime* notBefore,
 CExtPrivateKeyUsagePeriod::CExtPrivateKeyUsagePeriod(const CBlob& value)
     : CExtValue(privateKeyUsagePeriodId, value) {
     decode();
+}
+
+CExtPrivateKeyUsagePeriod::CExtPrivateKeyUsagePeriod(CExtPrivateKeyUsagePeriod&& other) noexcept
+    : CExtValue(privateKeyUsagePeriodId) {
+    swap(other);
+}
+
+CExtPrivateKeyUsagePeriod&
+CExtPrivateKeyUsagePeriod::operator=(CExtPrivateKeyUsagePeriod&& other) noexcept {
+    CExtPrivateKeyUsagePeriod(std::move(other)).swap(*this);
+    return *this;
+}
+
+void CExtPrivateKeyUsagePeriod::swap(CExtPrivateKeyUsagePeriod& other) noexcept {
+    value().swap(other.value());
+    notBefore_.swap(other.notBefore_);
+    notAfter_.swap(other.notAfter_);
 }
 
 const CDateTime* CExtPrivateKeyUsagePeriod::get_notBefore() const {

@@ -119,6 +119,12 @@ public:
     /// @param value the DER of a PrivateKeyUsagePeriod
     /// @throws as `decode`
     explicit CExtPrivateKeyUsagePeriod(const CBlob& value);
+    CExtPrivateKeyUsagePeriod(const CExtPrivateKeyUsagePeriod&) = default;
+    /// Leaves @p other without times and without a value.
+    CExtPrivateKeyUsagePeriod(CExtPrivateKeyUsagePeriod&& other) noexcept;
+    CExtPrivateKeyUsagePeriod& operator=(const CExtPrivateKeyUsagePeriod&) = default;
+    CExtPrivateKeyUsagePeriod& operator=(CExtPrivateKeyUsagePeriod&& other) noexcept;
+    ~CExtPrivateKeyUsagePeriod() = default;
 
     /// @return null when absent; otherwise valid until it changes or goes
     const CDateTime* get_notBefore() const;
@@ -139,6 +145,8 @@ public:
     void decode();
 
 private:
+    void swap(CExtPrivateKeyUsagePeriod& other) noexcept;
+
     std::optional<CDateTime> notBefore_;
     std::optional<CDateTime> notAfter_;
 };

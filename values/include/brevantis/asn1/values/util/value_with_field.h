@@ -1,8 +1,9 @@
 #ifndef BREVANTIS_ASN1_VALUES_UTIL_VALUE_WITH_FIELD_H
 #define BREVANTIS_ASN1_VALUES_UTIL_VALUE_WITH_FIELD_H
 
+#include <utility>
+
 #include <brevantis/asn1/export.h>
-#include <brevantis/asn1/values/util/whole_assignment.h>
 #include <brevantis/support/blob.h>
 
 /// @file
@@ -10,7 +11,8 @@
 ///
 /// Field and encoded value agree: a constructor or setter that takes the field encodes it, a
 /// constructor that takes the encoded value decodes it. Only who changes the value through
-/// `value()` has to call `decode()`. An operation that throws leaves the object as it was.
+/// `value()` has to call `decode()`. An operation that throws leaves the object as it was. An
+/// object that was moved from is as its default constructor makes it, or would.
 
 namespace Brevantis::ASN1 {
 
@@ -20,12 +22,6 @@ namespace Brevantis::ASN1 {
 template <class Base, class Field>
 class BREVANTIS_ASN1_API ValueWithField : public Base {
 public:
-    ValueWithField(const ValueWithField&) = default;
-    ValueWithField(ValueWithField&&) noexcept = default;
-    ValueWithField& operator=(const ValueWithField& other) { return assignWhole(*this, other); }
-    ValueWithField& operator=(ValueWithField&&) noexcept = default;
-    ~ValueWithField() = default;
-
     /// Replaces the value by the DER of the field.
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when the coder refuses the field,
     ///         with E_INVALIDARG when it is a text or name without meaning, with
@@ -42,10 +38,34 @@ protected:
     explicit ValueWithField(const char* oid) : Base(oid) {}
     ValueWithField(const char* oid, const CBlob& encoded);
 
+    // For the classes that derive from this one: whether they are copied and moved is theirs to
+    // say.
+    ValueWithField(const ValueWithField&) = default;
+    ValueWithField(ValueWithField&& other) noexcept : ValueWithField(other.get_oid()) {
+        swap(other);
+    }
+    ValueWithField& operator=(const ValueWithField& other) {
+        if (this != &other) {
+            ValueWithField(other).swap(*this);
+        }
+        return *this;
+    }
+    ValueWithField& operator=(ValueWithField&& other) noexcept {
+        ValueWithField(std::move(other)).swap(*this);
+        return *this;
+    }
+    ~ValueWithField() = default;
+
     void putField(Field field);
     const Field& field() const { return field_; }
 
 private:
+    /// The identifiers are the same and stay.
+    void swap(ValueWithField& other) noexcept {
+        this->value().swap(other.value());
+        std::swap(field_, other.field_);
+    }
+
     Field field_{};
 };
 
