@@ -209,6 +209,17 @@ TEST(InfoTypeAndValueList, IsWrittenAndRead) {
     EXPECT_EQ(thrownCode([] { encode({"x"}); }), E_INVALIDARG);
 }
 
+TEST(InfoTypeAndValueList, IsReadUpToANodeWithoutARecord) {
+    const CInfoTypeAndValueList items{CInfoTypeAndValue("1.2.3"), CInfoTypeAndValue("1.2.4")};
+    DecodeBuffer owner;
+    ASN1TSeqOfList list;
+    ASN1TavList_Encode(items, list, owner);
+    list.tail->data = nullptr;
+    CInfoTypeAndValueList read;
+    EXPECT_EQ(thrownCode([&] { ASN1TavList_Parse(list, read); }), E_INVALIDARG);
+    EXPECT_EQ(read, CInfoTypeAndValueList(1, items.front()));
+}
+
 TEST(InfoTypeAndValueList, GivesEverythingBackWhenMemoryIsOut) {
     const CInfoTypeAndValueList items{"1.2.3.4.5.6.7.8.9.10",
                                       CInfoTypeAndValue(preferredAlgorithm, blob("300406022A03"))};

@@ -60,8 +60,8 @@ public:
         requireSuccess(control.DecodeFrom(buffer_));
     }
 
-    const asn1data::ASN1T_SignerInfo& record() const {
-        return *static_cast<const asn1data::ASN1T_SignerInfo*>(message_.signerInfos.head->data);
+    asn1data::ASN1T_SignerInfo& record() const {
+        return *static_cast<asn1data::ASN1T_SignerInfo*>(message_.signerInfos.head->data);
     }
 
 private:
@@ -115,6 +115,18 @@ TEST(SignerInfo, ASignerToldByKeyLeavesWhatWasReadBefore) {
     EXPECT_EQ(value.get_signature().cbData(), 70u);
     EXPECT_EQ(value.get_issuer(), issuer);
     EXPECT_EQ(value.get_serialNumber(), serialNumber);
+}
+
+TEST(SignerInfo, WithoutWhatItsRecordPromisesIsRefused) {
+    const Signer signer("signed data");
+    asn1data::ASN1T_SignerInfo& record = signer.record();
+    record.signature.data = nullptr;
+    CSignerInfo value;
+    EXPECT_EQ(thrownCode([&] { ASN1T_SignerInfo_get(value, record); }), E_INVALIDARG);
+    record.signature.numocts = 0;
+    record.sid.u.issuerAndSerialNumber = nullptr;
+    EXPECT_EQ(thrownCode([&] { ASN1T_SignerInfo_get(value, record); }), E_INVALIDARG);
+    EXPECT_EQ(value.get_version(), 1u);
 }
 
 TEST(SignerInfo, IsEqualInEveryField) {

@@ -125,7 +125,11 @@ TEST(FreeTextCoding, AppendsAllStringsOrNone) {
     EXPECT_NE(record.elem, nullptr);
     CPKIFreeText_Parse(context.get(), text, record);
     EXPECT_EQ(text.size(), 1u);
-    for (const char* bad : {"\x80", "a\xC3z", "\xFF"}) {
+    record.n = 1;
+    record.elem = nullptr;
+    EXPECT_EQ(thrownCode([&] { CPKIFreeText_Parse(context.get(), text, record); }), E_INVALIDARG);
+    EXPECT_EQ(text.size(), 1u);
+    for (const char* bad : {"\x80", "a\xC3z", "\xFF", "a\xC0\x80z\xFF"}) {
         const char* strings[] = {"good", bad};
         record.n = 2;
         record.elem = strings;
@@ -139,13 +143,6 @@ TEST(FreeTextCoding, AppendsAllStringsOrNone) {
     }
 }
 
-TEST(FreeTextCoding, GivesEverythingBackWhenMemoryIsOut) {
-    CPKIFreeText text(L"a text that is long enough to need memory", CLanguageTagEnUs());
-    text.insert(text.front());
-    const auto unchanged = [&] { EXPECT_EQ(text.size(), 2u); };
-    EXPECT_GT(tests::failEveryAllocation(
-                  [&] {
-                      ScopedContext context;
 TEST(FreeTextCoding, ReadsWhatIsThereOfATextThatEndsEarly) {
     const char* strings[] = {"a\xC3", "\xF0\x9F\x98", "a\xC0\x80z", nullptr};
     asn1data::ASN1T_PKIFreeText record;
@@ -160,6 +157,13 @@ TEST(FreeTextCoding, ReadsWhatIsThereOfATextThatEndsEarly) {
     EXPECT_EQ(all, L"a\u0003|\u07D8|a||");
 }
 
+TEST(FreeTextCoding, GivesEverythingBackWhenMemoryIsOut) {
+    CPKIFreeText text(L"a text that is long enough to need memory", CLanguageTagEnUs());
+    text.insert(text.front());
+    const auto unchanged = [&] { EXPECT_EQ(text.size(), 2u); };
+    EXPECT_GT(tests::failEveryAllocation(
+                  [&] {
+                      ScopedContext context;
                       asn1data::ASN1T_PKIFreeText record;
                       CPKIFreeText_Encode(context.get(), record, text);
                       CPKIFreeText read;

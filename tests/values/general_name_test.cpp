@@ -5,6 +5,7 @@
 #include <brevantis/asn1/values/types/general_name.h>
 #include <brevantis/asn1/values/types/name.h>
 #include <brevantis/asn1/values/types_traits/general_name_traits.h>
+#include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/octet_string_value.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 
@@ -124,6 +125,19 @@ TEST(GeneralName, HoldsTextAsUtf8UpToAnOctet0) {
     EXPECT_STREQ(read.get_dNSName(), L"\u0416");
     read.decode(blob("8203610062"));
     EXPECT_STREQ(read.get_dNSName(), L"a");
+}
+
+TEST(GeneralName, LeavesARecordAsItWasWhenItCannotBeStored) {
+    ScopedContext context;
+    asn1data::ASN1T_GeneralName record;
+    CGeneralName name;
+    name.put_iPAddress(blob("7F000001"));
+    ASN1T_GeneralName_traits::set(context.get(), record, name);
+    name.put_registeredID(L"x");
+    EXPECT_EQ(thrownCode([&] { ASN1T_GeneralName_traits::set(context.get(), record, name); }),
+              E_INVALIDARG);
+    ASN1T_GeneralName_traits::get(record, name);
+    EXPECT_EQ(*name.get_iPAddress(), blob("7F000001"));
 }
 
 TEST(GeneralNames, GoInAndOutInOrder) {

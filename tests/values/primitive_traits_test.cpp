@@ -1,4 +1,4 @@
-#include <cstring>
+#include <list>
 
 #include <gtest/gtest.h>
 
@@ -110,6 +110,45 @@ TEST(PrimitiveTraits, EmptyOctetsHaveABlockOfTheirOwn) {
     EXPECT_NE(record.data, nullptr);
 }
 
+TEST(PrimitiveTraits, CopiesOfNoBitsAndNoOpenValueHaveNone) {
+    ScopedContext context;
+    const unsigned char octet = 0;
+    ASN1TDynBitStr bits{1, &octet};
+    ASN1TDynBitStr_traits::copy(context.get(), {0, &octet}, bits);
+    EXPECT_EQ(bits.numbits, 0u);
+    EXPECT_TRUE(bits.data == nullptr);
+    Asn1TObject source;
+    source.data = &octet;
+    Asn1TObject target;
+    target.numocts = 1;
+    target.data = &octet;
+    Asn1TObject_traits::copy(context.get(), source, target);
+    EXPECT_EQ(target.numocts, 0u);
+    EXPECT_TRUE(target.data == nullptr);
+}
+
+TEST(PrimitiveTraits, RefuseACountWithoutOctets) {
+    ScopedContext context;
+    ASN1TDynOctStr octets;
+    ASN1TDynBitStr bits;
+    ASN1OpenType open;
+    CBlob value = blob("01");
+    EXPECT_EQ(thrownCode([&] {
+                  ASN1TDynOctStr_traits::copy(context.get(), {1, nullptr}, octets);
+              }),
+              E_INVALIDARG);
+    EXPECT_EQ(thrownCode([&] {
+                  ASN1TDynBitStr_traits::copy(context.get(), {1, nullptr}, bits);
+              }),
+              E_INVALIDARG);
+    EXPECT_EQ(thrownCode([&] {
+                  ASN1TOpenType_traits::copy(context.get(), {1, nullptr}, open);
+              }),
+              E_INVALIDARG);
+    EXPECT_EQ(thrownCode([&] { ASN1TDynOctStr_traits::get({1, nullptr}, value); }), E_INVALIDARG);
+    EXPECT_EQ(value, blob("01"));
+}
+
 TEST(PrimitiveTraits, ABitStringComesBackAsWholeOctets) {
     const unsigned char octets[] = {0xAA, 0x80};
     CBlob value;
@@ -139,12 +178,53 @@ TEST(PrimitiveTraits, RefuseTextThatDoesNotConvert) {
                   CRYPT_E_ASN1_INTERNAL)
             << text;
     }
+    ASN1UTF8String_traits::get("A\xE2\x82", wide);
+    EXPECT_EQ(wide, L"A\u0082") << "cut off within the last character";
     EXPECT_EQ(tostring(static_cast<const wchar_t*>(nullptr)), "");
     EXPECT_EQ(towstring(nullptr), L"");
     ASN1OBJID oid{};
     EXPECT_EQ(str2oid(nullptr, &oid), 1u);
     CDateTime time;
     EXPECT_EQ(thrownCode([&] { ASN1GeneralizedTime_traits::get("2030", time); }), E_INVALIDARG);
+}
+
+using IdentifierList = std::list<CStringProxy>;
+
+struct IdentifierTraits {
+    static void set(ASN1CTXT* ctxt, ASN1OBJID& record, const CStringProxy& value) {
+        ASN1TObjId_traits::set(ctxt, record, value.c_str());
+    }
+    static void get(const ASN1OBJID& record, CStringProxy& value) {
+        ASN1TObjId_traits::get(record, value);
+    }
+};
+
+using IdentifierListTraits =
+    ASN1TSeqOfList_traits<ASN1OBJID, IdentifierTraits, CStringProxy, IdentifierList>;
+
+TEST(ListTraits, KeepTheListOfARecordUntilAllElementsAreThere) {
+    ScopedContext context;
+    ASN1TSeqOfList record;
+    IdentifierListTraits::set(context.get(), record, {"1.2", "1.3"});
+    EXPECT_EQ(thrownCode([&] {
+                  IdentifierListTraits::set(context.get(), record, {"1.4", "x"});
+              }),
+              E_INVALIDARG);
+    IdentifierList read;
+    IdentifierListTraits::get(record, read);
+    EXPECT_EQ(read, (IdentifierList{"1.2", "1.3"}));
+    IdentifierListTraits::set(context.get(), record, {});
+    EXPECT_EQ(record.count, 0u);
+}
+
+TEST(ListTraits, RefuseANodeWithoutAnElement) {
+    ScopedContext context;
+    ASN1TSeqOfList record;
+    IdentifierListTraits::set(context.get(), record, {"1.2", "1.3"});
+    record.tail->data = nullptr;
+    IdentifierList read;
+    EXPECT_EQ(thrownCode([&] { IdentifierListTraits::get(record, read); }), E_INVALIDARG);
+    EXPECT_EQ(read, IdentifierList{"1.2"});
 }
 
 TEST(Coding, TakesIdentifiersAndTimesBothWays) {
@@ -178,8 +258,6 @@ TEST(Coding, GivesEverythingBackWhenMemoryIsOut) {
               }),
               1);
     EXPECT_GT(tests::failEveryAllocation([&] {
-    ASN1UTF8String_traits::get("A\xE2\x82", wide);
-    EXPECT_EQ(wide, L"A\u0082") << "cut off within the last character";
                   throughRecord<ASN1UTF8String_traits, const wchar_t*, CWStringProxy>(L"\u0416");
               }),
               3);

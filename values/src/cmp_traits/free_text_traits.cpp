@@ -3,6 +3,7 @@
 #include <string>
 
 #include <brevantis/asn1/values/util/private_buffer.h>
+#include <brevantis/asn1/values/util/traits.h>
 
 #include "util/utf8_text.h"
 
@@ -61,6 +62,9 @@ void CPKIFreeText_Encode(ASN1CTXT* ctxt, asn1data::ASN1T_PKIFreeText& record,
 
 void CPKIFreeText_Parse(ASN1CTXT* /*ctxt*/, CPKIFreeText& text,
                         const asn1data::ASN1T_PKIFreeText& record) {
+    if (record.n != 0) {
+        requireValue(record.elem);
+    }
     CPKIFreeText parsed;
     for (unsigned i = 0; i < record.n; ++i) {
         const std::wstring whole = decodeUTF8(record.elem[i], CRYPT_E_ASN1_UTF8);

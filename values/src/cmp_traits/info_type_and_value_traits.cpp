@@ -22,7 +22,7 @@ static_assert(sizeof(_Asn1RTDListNode) % alignof(Record) == 0);
 void ASN1TavList_Parse(const _Asn1RTDList& source, CInfoTypeAndValueList& target) {
     target.clear();
     for (const _Asn1RTDListNode* node = source.head; node != nullptr; node = node->next) {
-        const Record& record = *static_cast<const Record*>(node->data);
+        const Record& record = requireValue(static_cast<const Record*>(node->data));
         CStringProxy type;
         CBlob value;
         ASN1TObjId_traits::get(record.infoType, type);

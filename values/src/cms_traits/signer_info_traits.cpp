@@ -29,7 +29,7 @@ void ASN1T_SignerInfo_get(CSignerInfo& value, const asn1data::ASN1T_SignerInfo& 
     if (record.sid.t != asn1data::T_SignerIdentifier_issuerAndSerialNumber) {
         ATL::AtlThrowImpl(CRYPT_E_ASN1_INTERNAL);
     }
-    const asn1data::ASN1T_IssuerAndSerialNumber& signer = *record.sid.u.issuerAndSerialNumber;
+    const auto& signer = requireValue(record.sid.u.issuerAndSerialNumber);
     CBigInteger serialNumber;
     ASN1StringToBigInteger(signer.serialNumber, serialNumber);
     value.put_serialNumber(serialNumber);

@@ -39,8 +39,9 @@ void setText(ASN1CTXT* ctxt, Record& record, const wchar_t* text) {
 /// Sets a new record from a value.
 template <class Traits, class Record>
 void setNew(ASN1CTXT* ctxt, Record*& record, const CBlob& value) {
-    record = &newRecord<Record>(ctxt);
-    Traits::set(ctxt, *record, value);
+    Record& made = newRecord<Record>(ctxt);
+    Traits::set(ctxt, made, value);
+    record = &made;
 }
 
 /// The wide text of a record.
@@ -57,15 +58,6 @@ CBlob getBlob(const Record& record) {
     CBlob blob;
     Traits::get(record, blob);
     return blob;
-}
-
-/// What an alternative points to.
-template <class Record>
-const Record& chosen(const Record* record) {
-    if (record == nullptr) {
-        ATL::AtlThrowImpl(E_INVALIDARG);
-    }
-    return *record;
 }
 
 } // namespace
@@ -89,10 +81,12 @@ void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralName& 
     case asn1data::T_GeneralName_iPAddress:
         setNew<ASN1TDynOctStr_traits>(ctxt, record.u.iPAddress, *value.get_iPAddress());
         break;
-    case asn1data::T_GeneralName_registeredID:
-        record.u.registeredID = &newRecord<ASN1TObjId>(ctxt);
-        setText<ASN1TObjId_traits>(ctxt, *record.u.registeredID, value.get_registeredID());
+    case asn1data::T_GeneralName_registeredID: {
+        auto& identifier = newRecord<ASN1TObjId>(ctxt);
+        setText<ASN1TObjId_traits>(ctxt, identifier, value.get_registeredID());
+        record.u.registeredID = &identifier;
         break;
+    }
     default:
         ATL::AtlThrowImpl(E_INVALIDARG);
     }
@@ -109,17 +103,18 @@ void ASN1T_GeneralName_traits::get(const asn1data::ASN1T_GeneralName& record, CG
         read.put_dNSName(getText<ASN1IA5String_traits>(record.u.dNSName).c_str());
         break;
     case asn1data::T_GeneralName_directoryName:
-        read.put_directoryName(getBlob<ASN1T_Name_traits>(chosen(record.u.directoryName)));
+        read.put_directoryName(getBlob<ASN1T_Name_traits>(requireValue(record.u.directoryName)));
         break;
     case asn1data::T_GeneralName_uniformResourceIdentifier:
         read.put_uniformResourceIdentifier(
             getText<ASN1IA5String_traits>(record.u.uniformResourceIdentifier).c_str());
         break;
     case asn1data::T_GeneralName_iPAddress:
-        read.put_iPAddress(getBlob<ASN1TDynOctStr_traits>(chosen(record.u.iPAddress)));
+        read.put_iPAddress(getBlob<ASN1TDynOctStr_traits>(requireValue(record.u.iPAddress)));
         break;
     case asn1data::T_GeneralName_registeredID:
-        read.put_registeredID(getText<ASN1TObjId_traits>(chosen(record.u.registeredID)).c_str());
+        read.put_registeredID(
+            getText<ASN1TObjId_traits>(requireValue(record.u.registeredID)).c_str());
         break;
     default:
         ATL::AtlThrowImpl(E_INVALIDARG);

@@ -29,9 +29,10 @@ template struct ASN1TSeqOfList_traits<asn1data::ASN1T_RelativeDistinguishedName,
                                       CRelativeDistinguishedName, CRDNSequence>;
 
 void ASN1T_Name_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Name& record, const CName& value) {
-    record.u.rdnSequence = &newRecord<asn1data::ASN1T_RDNSequence>(ctxt);
+    auto& names = newRecord<asn1data::ASN1T_RDNSequence>(ctxt);
+    RelativeDistinguishedNameListTraits::set(ctxt, names, value);
+    record.u.rdnSequence = &names;
     record.t = asn1data::T_Name_rdnSequence;
-    RelativeDistinguishedNameListTraits::set(ctxt, *record.u.rdnSequence, value);
 }
 
 void ASN1T_Name_traits::get(const asn1data::ASN1T_Name& record, CName& value) {

@@ -24,14 +24,18 @@ void ASN1T_OtherHashAlgAndValue_traits::get(const asn1data::ASN1T_OtherHashAlgAn
 void ASN1T_OtherHash_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_OtherHash& record,
                                  const COtherHash& value) {
     switch (value.get_type()) {
-    case asn1data::T_OtherHash_sha1Hash:
-        record.u.sha1Hash = &newRecord<asn1data::ASN1T_OtherHashValue>(ctxt);
-        ASN1TDynOctStr_traits::set(ctxt, *record.u.sha1Hash, *value.get_sha1Hash());
+    case asn1data::T_OtherHash_sha1Hash: {
+        auto& hash = newRecord<asn1data::ASN1T_OtherHashValue>(ctxt);
+        ASN1TDynOctStr_traits::set(ctxt, hash, *value.get_sha1Hash());
+        record.u.sha1Hash = &hash;
         break;
-    case asn1data::T_OtherHash_otherHash:
-        record.u.otherHash = &newRecord<asn1data::ASN1T_OtherHashAlgAndValue>(ctxt);
-        ASN1T_OtherHashAlgAndValue_traits::set(ctxt, *record.u.otherHash, *value.get_otherHash());
+    }
+    case asn1data::T_OtherHash_otherHash: {
+        auto& hash = newRecord<asn1data::ASN1T_OtherHashAlgAndValue>(ctxt);
+        ASN1T_OtherHashAlgAndValue_traits::set(ctxt, hash, *value.get_otherHash());
+        record.u.otherHash = &hash;
         break;
+    }
     default:
         return;
     }

@@ -14,6 +14,9 @@ namespace {
 
 /// A copy of octets in a block on the context's heap.
 unsigned char* copyOctets(ASN1CTXT* ctxt, const unsigned char* octets, unsigned long size) {
+    if (size != 0) {
+        requireValue(octets);
+    }
     auto* block = static_cast<unsigned char*>(allocateBlock(ctxt, size));
     if (size != 0) {
         std::memcpy(block, octets, size);
@@ -98,7 +101,8 @@ void ASN1TDynBitStr_traits::get(const ASN1TDynBitStr& record, CBlob& value) {
 
 void ASN1TDynBitStr_traits::copy(ASN1CTXT* ctxt, const ASN1TDynBitStr& source,
                                  ASN1TDynBitStr& target) {
-    target.data = copyOctets(ctxt, source.data, octetsOfBits(source.numbits));
+    target.data =
+        source.numbits != 0 ? copyOctets(ctxt, source.data, octetsOfBits(source.numbits)) : nullptr;
     target.numbits = source.numbits;
 }
 
@@ -123,7 +127,12 @@ void Asn1TObject_traits::get(const Asn1Object& record, CBlob& value) {
 }
 
 void Asn1TObject_traits::copy(ASN1CTXT* ctxt, const Asn1Object& source, Asn1Object& target) {
-    ASN1TOpenType_traits::copy(ctxt, source, target);
+    if (source.numocts != 0) {
+        ASN1TOpenType_traits::copy(ctxt, source, target);
+    } else {
+        target.numocts = 0;
+        target.data = nullptr;
+    }
 }
 
 void ASN1TObjId_traits::set(ASN1CTXT* /*ctxt*/, ASN1OBJID& record, const char* value) {

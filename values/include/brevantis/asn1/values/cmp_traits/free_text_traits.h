@@ -25,7 +25,8 @@ BREVANTIS_ASN1_API void CPKIFreeText_Encode(ASN1CTXT* ctxt, asn1data::ASN1T_PKIF
 ///          its language as well. Written again it has two tags in front.
 /// @param ctxt not used, may be null
 /// @throws ATL::CAtlException with CRYPT_E_ASN1_UTF8 for a string that is no UTF-8, with
-///         E_INVALIDARG for one that begins with U+0E01 but not with a whole tag
+///         E_INVALIDARG for one that begins with U+0E01 but not with a whole tag and for a count
+///         without an array; a null string in the array is the empty one
 BREVANTIS_ASN1_API void CPKIFreeText_Parse(ASN1CTXT* ctxt, CPKIFreeText& text,
                                            const asn1data::ASN1T_PKIFreeText& record);
 

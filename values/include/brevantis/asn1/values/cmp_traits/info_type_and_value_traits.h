@@ -13,8 +13,10 @@
 
 namespace Brevantis::ASN1 {
 
-/// Replaces the items of @p target by those of a list. A failure, which only exhausted memory
-/// brings, leaves @p target with the items in front of it.
+/// Replaces the items of @p target by those of a list. A failure leaves @p target with the items in
+/// front of it.
+/// @throws ATL::CAtlException with E_INVALIDARG for a node without a record, or a value with a
+///         count but no octets
 BREVANTIS_ASN1_API void ASN1TavList_Parse(const _Asn1RTDList& source,
                                           CInfoTypeAndValueList& target);
 

@@ -12,7 +12,8 @@ namespace Brevantis::ASN1 {
 /// @warning A failure leaves @p value with the fields read so far: version, algorithms and
 ///          signature come first, issuer and serial number last.
 /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL for a signer that is told by its
-///         subjectKeyIdentifier, or when the issuer does not encode; with CRYPT_E_ASN1_MEMORY when
+///         subjectKeyIdentifier, or when the issuer does not encode; with E_INVALIDARG for a choice
+///         or octets that the record tells of and does not have; with CRYPT_E_ASN1_MEMORY when
 ///         memory is out
 BREVANTIS_ASN1_API void ASN1T_SignerInfo_get(CSignerInfo& value,
                                              const asn1data::ASN1T_SignerInfo& record);

@@ -12,7 +12,8 @@
 
 /// @file
 /// Traits of the types that the notation itself brings along. Where nothing else is said a failure
-/// is ATL::CAtlException with CRYPT_E_ASN1_MEMORY, when memory is out.
+/// is ATL::CAtlException with CRYPT_E_ASN1_MEMORY, when memory is out, or with E_INVALIDARG for a
+/// record with a count but no octets.
 
 namespace Brevantis::ASN1 {
 
@@ -53,6 +54,7 @@ struct BREVANTIS_ASN1_API ASN1TDynBitStr_traits {
 
     static void set(ASN1CTXT* ctxt, ASN1TDynBitStr& record, const CBlob& value);
     static void get(const ASN1TDynBitStr& record, CBlob& value);
+    /// A copy of no bits has null data.
     static void copy(ASN1CTXT* ctxt, const ASN1TDynBitStr& source, ASN1TDynBitStr& target);
 };
 
@@ -71,6 +73,7 @@ struct BREVANTIS_ASN1_API Asn1TObject_traits {
 
     static void set(ASN1CTXT* ctxt, Asn1Object& record, const CBlob& value);
     static void get(const Asn1Object& record, CBlob& value);
+    /// A copy of no octets has null data.
     static void copy(ASN1CTXT* ctxt, const Asn1Object& source, Asn1Object& target);
 };
 

@@ -20,6 +20,16 @@
 
 namespace Brevantis::ASN1 {
 
+/// What a pointer in a record leads to, where the record promises a value.
+/// @throws ATL::CAtlException with E_INVALIDARG for null
+template <class Value>
+const Value& requireValue(const Value* value) {
+    if (value == nullptr) {
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
+    return *value;
+}
+
 /// The part of a traits class that is the same for every type of the catalogue.
 template <class Record, class Control, void (*CopyRecord)(ASN1CTXT*, Record*, Record*)>
 struct CatalogueTraits {
@@ -74,24 +84,26 @@ struct NamedBitsTraits : CatalogueTraits<Record, Control, CopyRecord> {
 template <class Record, class ElementTraits, class Element, class List>
 struct ASN1TSeqOfList_traits {
     /// Gives @p list new elements on the heap of @p ctxt, in the order of @p value. What it held
-    /// before is left to its heap.
+    /// before is left to its heap. When an element fails @p list is what it was.
     static void set(ASN1CTXT* ctxt, _Asn1RTDList& list, const List& value) {
-        rtDListInit(&list);
+        _Asn1RTDList elements{};
         for (const Element& element : value) {
             Record& record = newRecord<Record>(ctxt);
             ElementTraits::set(ctxt, record, element);
-            if (rtDListAppend(ctxt, &list, &record) == nullptr) {
+            if (rtDListAppend(ctxt, &elements, &record) == nullptr) {
                 ATL::AtlThrowImpl(CRYPT_E_ASN1_MEMORY);
             }
         }
+        list = elements;
     }
 
     /// Replaces the content of @p value. When an element fails @p value holds those before it.
+    /// @throws ATL::CAtlException with E_INVALIDARG for a node without an element
     static void get(const _Asn1RTDList& list, List& value) {
         value.clear();
         for (const _Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
             Element element{};
-            ElementTraits::get(*static_cast<const Record*>(node->data), element);
+            ElementTraits::get(requireValue(static_cast<const Record*>(node->data)), element);
             value.push_back(element);
         }
     }
