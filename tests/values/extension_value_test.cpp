@@ -32,6 +32,8 @@ TEST(Extension, WithABrokenValueIsNotEncodedWhenItIsKnown) {
     EXPECT_EQ(thrownCode([] { extension(keyUsage, "0302").encode(); }), CRYPT_E_ASN1_INTERNAL);
     EXPECT_EQ(thrownCode([] { extension(keyUsage, "0500").encode(); }), CRYPT_E_ASN1_INTERNAL);
     EXPECT_EQ(thrownCode([] { extension(unknown, "0302").encode(); }), 0);
+    EXPECT_EQ(extension(keyUsage, "").encode(), blob("3007 0603551D0F 0400"))
+        << "nothing to decode";
     EXPECT_EQ(thrownCode([] { extension("1.2.x", "0500").encode(); }), E_INVALIDARG);
     EXPECT_EQ(thrownCode([] { CExtension().encode(); }), E_INVALIDARG);
 }
@@ -180,8 +182,6 @@ TEST(NamedExtensions, StartEmpty) {
     EXPECT_EQ(CExtCRLReason(blob("0A0107")).get_reason(), static_cast<CrlReason>(7));
 }
 
-TEST(NamedExtensions, StayAsTheyWereWhenAFieldCannotBeEncoded) {
-    CExtHoldInstructionCode code("1.2.3");
 TEST(NamedExtensions, AreAsNewWhenTheyWereMovedFrom) {
     CExtHoldInstructionCode code("1.2.3");
     CExtHoldInstructionCode taken(std::move(code));
@@ -207,6 +207,8 @@ TEST(NamedExtensions, AreAsNewWhenTheyWereMovedFrom) {
     EXPECT_EQ(period.get_value(), kept.get_value());
 }
 
+TEST(NamedExtensions, StayAsTheyWereWhenAFieldCannotBeEncoded) {
+    CExtHoldInstructionCode code("1.2.3");
     EXPECT_EQ(thrownCode([&] { code.put_code("1.2.x"); }), E_INVALIDARG);
     EXPECT_STREQ(code.get_code(), "1.2.3");
     EXPECT_EQ(code.get_value(), blob("06022A03"));

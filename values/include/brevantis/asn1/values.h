@@ -69,6 +69,7 @@
 #include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 #include <brevantis/asn1/values/util/octet_string_value.h>
+#include <brevantis/asn1/values/util/one_element.h>
 #include <brevantis/asn1/values/util/optional_member.h>
 #include <brevantis/asn1/values/util/owned_copy.h>
 #include <brevantis/asn1/values/util/private_buffer.h>

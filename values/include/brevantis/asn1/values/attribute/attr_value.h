@@ -24,7 +24,7 @@ public:
     CAttrValue() = default;
     /// @param oid dotted text, copied; null stands for the empty text
     explicit CAttrValue(const char* oid) : oid_(oid) {}
-    /// @param value the DER of the value
+    /// @param value the DER of the value; see CAttribute::add for what is written of it
     CAttrValue(const char* oid, const CBlob& value) : oid_(oid), value_(value) {}
     CAttrValue(const CAttrValue&) = default;
     CAttrValue(CAttrValue&&) noexcept = default;

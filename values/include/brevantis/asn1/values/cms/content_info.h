@@ -30,15 +30,18 @@ public:
     const char* get_contentType() const { return contentType_.c_str(); }
     const CBlob& get_content() const { return content_; }
     void put_contentType(const char* oid);
+    /// @param content its encoding, of which `encode` writes the first element
     void put_content(const CBlob& content) { content_ = content; }
 
-    /// A content of a type that the library knows has to decode, and is written anew as DER; any
-    /// other goes out as it is. An empty content of such another type leaves nothing within the
-    /// tag [0].
+    /// A content of a type that the library knows has to decode, and is written anew as DER; of any
+    /// other the first element goes out as it is. What stands behind the first element is dropped
+    /// in both cases; isOneElement tells whether anything does. An empty content of a type that is
+    /// not known leaves nothing within the tag [0].
     /// @return the complete ContentInfo
     /// @throws ATL::CAtlException with E_INVALIDARG for a type that is no object identifier, with
-    ///         CRYPT_E_ASN1_INTERNAL for a known type's content that does not decode, with
-    ///         CRYPT_E_ASN1_MEMORY when memory is out
+    ///         CRYPT_E_ASN1_INTERNAL for a known type's content that does not decode and for
+    ///         another's whose first element is cut off, with CRYPT_E_ASN1_MEMORY when memory is
+    ///         out
     CBlob encode() const;
     /// Reads a ContentInfo, and leaves the object as it was on failure.
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob does not decode, with

@@ -54,11 +54,13 @@ public:
     const CBlob& get_extnValue() const;
     bool get_critical() const;
 
+    /// The value of an extension that the library knows is decoded and written anew as DER, without
+    /// what stands behind its first element. Any other value goes out as it is, whole, and so does
+    /// an empty one, as an empty OCTET STRING, also where the library knows the extension.
     /// @return the DER
     /// @throws ATL::CAtlException with E_INVALIDARG when the identifier is none, with
-    ///         CRYPT_E_ASN1_INTERNAL when the library knows the extension and its value does not
-    ///         decode, with CRYPT_E_ASN1_MEMORY when memory is out. An unknown extension's value is
-    ///         not looked at
+    ///         CRYPT_E_ASN1_INTERNAL when the library knows the extension and its value, other than
+    ///         an empty one, does not decode, with CRYPT_E_ASN1_MEMORY when memory is out
     CBlob encode() const;
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no Extension; the
     ///         object stays as it was

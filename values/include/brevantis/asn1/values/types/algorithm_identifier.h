@@ -40,14 +40,17 @@ public:
     const char* get_algorithm() const { return algorithm_.c_str(); }
     /// @return the DER of the parameters, empty when they are absent
     const CBlob& get_parameters() const { return parameters_; }
-    /// @param parameters their DER; empty for none
+    /// @param parameters their DER; empty for none. `encode` writes the first element
     void put_parameters(const CBlob& parameters) { parameters_ = parameters; }
     void put_parameters(CBlob&& parameters) noexcept { parameters_ = std::move(parameters); }
 
+    /// The parameters of an algorithm that the library knows are decoded and written anew as DER;
+    /// of any other the first element goes out as it is. What stands behind the first element is
+    /// dropped in both cases; isOneElement tells whether anything does.
     /// @return the DER
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL for an identifier whose text is none,
-    ///         and for parameters that the algorithm, where it is known, does not have; with
-    ///         CRYPT_E_ASN1_MEMORY when memory is out
+    ///         for parameters that the algorithm, where it is known, does not have, and for ones
+    ///         whose first element is cut off; with CRYPT_E_ASN1_MEMORY when memory is out
     CBlob encode() const;
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no
     ///         AlgorithmIdentifier, with CRYPT_E_ASN1_MEMORY when memory is out; the object stays

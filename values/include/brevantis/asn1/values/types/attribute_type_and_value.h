@@ -71,10 +71,13 @@ public:
     /// @throws what CATAVRegister::makeATAV throws; the pair stays as it was
     void fromString(const wchar_t* pair, StringType type);
 
+    /// A value is written as CAttribute::encode writes one: its first element, without what stands
+    /// behind it.
     /// @return the DER
     /// @throws ATL::CAtlException with E_INVALIDARG when the type is no identifier, with
     ///         CRYPT_E_ASN1_INTERNAL when the library knows the attribute and the value does not
-    ///         decode as its type, with CRYPT_E_ASN1_MEMORY when memory is out
+    ///         decode as its type, or does not and the first element is cut off, with
+    ///         CRYPT_E_ASN1_MEMORY when memory is out
     CBlob encode() const;
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no
     ///         AttributeTypeAndValue; the pair stays as it was

@@ -41,7 +41,8 @@ public:
     ///          then appended.
     /// @param text terminated; null stands for the empty text
     /// @throws ATL::CAtlException with E_INVALIDARG for a piece without "=", which the empty text
-    ///         is too; what CATAVRegister::makeATAV throws
+    ///         is too; what CATAVRegister::makeATAV throws, std::out_of_range for a type that is
+    ///         not in the register and no value ("2.3=") among it
     void fromString(const wchar_t* text);
 
     /// @return the DER
