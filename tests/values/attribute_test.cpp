@@ -75,6 +75,15 @@ TEST(Attribute, HoldsValuesOfAnyIdentifierAndWritesItsOwn) {
     EXPECT_EQ(valuesOf(read), "1.2.3=0500 1.2.3=0500 ");
 }
 
+TEST(Attribute, OwnsItsValuesFromTheStart) {
+    CAttribute value;
+    const CAttribute other;
+    const CAttribute::const_iterator end = std::as_const(value).end();
+    EXPECT_FALSE(end == other.end());
+    value.add(blob("0500"));
+    EXPECT_TRUE(std::next(std::as_const(value).begin()) == end) << "taken before there was a value";
+}
+
 TEST(Attribute, CopiesAreDeepAndMovesLeaveANewOne) {
     const CAttribute original = attribute(unknown, {"0500"});
     CAttribute copy(original);
@@ -86,8 +95,9 @@ TEST(Attribute, CopiesAreDeepAndMovesLeaveANewOne) {
     EXPECT_EQ(valuesOf(moved), "1.2.3=0101ff 1.2.3=020101 ");
     // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): it is as new
     EXPECT_STREQ(copy.get_oid(), "");
-    EXPECT_TRUE(copy.begin() == copy.end());
     EXPECT_EQ(std::as_const(copy).size(), 0u);
+    EXPECT_TRUE(std::as_const(copy).begin() == std::as_const(copy).end());
+    EXPECT_TRUE(copy.begin() == copy.end());
     copy = original;
     EXPECT_EQ(valuesOf(copy), "1.2.3=0500 ");
     EXPECT_STREQ(CAttribute(nullptr).get_oid(), "");

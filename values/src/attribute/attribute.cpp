@@ -9,12 +9,47 @@
 
 namespace Brevantis::ASN1 {
 
+CAttribute::CAttribute() : CAttribute(nullptr) {}
+
 CAttribute::CAttribute(const char* oid) {
     content_.edit().oid = oid != nullptr ? oid : "";
 }
 
+const char* CAttribute::get_oid() const {
+    return content_.get() != nullptr ? content_.get()->oid.c_str() : "";
+}
+
+CAttribute::iterator CAttribute::begin() {
+    return content_.edit().values.begin();
+}
+
+CAttribute::iterator CAttribute::end() {
+    return content_.edit().values.end();
+}
+
+// One that was moved from has no list; its iterators are equal as those of an empty one are.
+CAttribute::const_iterator CAttribute::begin() const {
+    return content_.get() != nullptr ? content_.get()->values.begin() : const_iterator();
+}
+
+CAttribute::const_iterator CAttribute::end() const {
+    return content_.get() != nullptr ? content_.get()->values.end() : const_iterator();
+}
+
 std::size_t CAttribute::size() const {
-    return content_.read().values.size();
+    return content_.get() != nullptr ? content_.get()->values.size() : 0;
+}
+
+void CAttribute::add(const CAttrValue& value) {
+    content_.edit().values.push_back(value);
+}
+
+void CAttribute::add(const CBlob& value) {
+    add(CAttrValue(get_oid(), value));
+}
+
+void CAttribute::erase(iterator position) {
+    content_.edit().values.erase(position);
 }
 
 CBlob CAttribute::encode() const {

@@ -22,37 +22,40 @@ public:
     using const_iterator = CAttrValueList::const_iterator;
 
     /// An empty identifier and no values.
-    CAttribute() = default;
+    CAttribute();
     /// No values.
     /// @param oid dotted text, copied; null stands for the empty text
     explicit CAttribute(const char* oid);
 
     /// @return the identifier as dotted text, valid until it changes or goes
-    const char* get_oid() const { return content_.read().oid.c_str(); }
+    const char* get_oid() const;
 
-    iterator begin() { return content_.edit().values.begin(); }
-    iterator end() { return content_.edit().values.end(); }
-    const_iterator begin() const { return content_.read().values.begin(); }
-    const_iterator end() const { return content_.read().values.end(); }
+    iterator begin();
+    iterator end();
+    const_iterator begin() const;
+    const_iterator end() const;
     /// The count of values, found by counting.
     std::size_t size() const;
 
     /// Appends a copy of a value.
     /// @warning The identifier in @p value is kept but not compared with the attribute's, and
-    ///          `encode` does not write it.
-    void add(const CAttrValue& value) { content_.edit().values.push_back(value); }
+    ///          `encode` does not write it. Of the octets it writes the first element, without what
+    ///          stands behind it; isOneElement tells whether anything does.
+    void add(const CAttrValue& value);
     /// Appends a value of the attribute's own type.
-    /// @param value its DER
-    void add(const CBlob& value) { add(CAttrValue(get_oid(), value)); }
+    /// @param value its DER, of which `encode` writes the first element, as told above
+    void add(const CBlob& value);
     /// Removes a value.
     /// @param position of this attribute, not its end
-    void erase(iterator position) { content_.edit().values.erase(position); }
+    void erase(iterator position);
 
+    /// The values of an attribute that the library knows are decoded and written anew as DER. Of
+    /// any other value the first element goes out as it is, with nothing for a value of no octets.
     /// @return the DER
     /// @throws ATL::CAtlException with E_INVALIDARG when the identifier is none, with
-    ///         CRYPT_E_ASN1_INTERNAL when there are no values or when the library knows the
-    ///         attribute and a value does not decode, with CRYPT_E_ASN1_MEMORY when memory is out.
-    ///         An unknown attribute's values are not looked at
+    ///         CRYPT_E_ASN1_INTERNAL when there are no values, when the library knows the attribute
+    ///         and a value does not decode, or when it does not and the first element of a value is
+    ///         cut off, with CRYPT_E_ASN1_MEMORY when memory is out
     CBlob encode() const;
     /// Each value gets the identifier of the attribute.
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no Attribute, with
