@@ -29,8 +29,9 @@ public:
     /// Adds the bits of a BIT STRING; on failure the value stays as it was.
     /// @warning Bits that were set before stay set. Start from a value of 0 to read what @p blob
     ///          says.
-    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob does not decode, with
-    ///         E_INVALIDARG for a bit above 31, with CRYPT_E_ASN1_MEMORY when memory is out
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob does not decode, as a
+    ///         string of more than 32 bits does not, set or not; with CRYPT_E_ASN1_MEMORY when
+    ///         memory is out
     void decode(const CBlob& blob);
 
 private:

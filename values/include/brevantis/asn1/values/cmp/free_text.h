@@ -9,6 +9,11 @@
 
 /// @file
 /// Text for people in messages of certificate management (RFC 4210, 5.1.1).
+///
+/// In a message a language other than CLanguageTagDefaultRead stands in front of the text: U+0E01,
+/// the code point U+0E00 + c for each character c of its tag, U+0E7E. A text of one's own that
+/// begins with the Thai letter U+0E01 is therefore read as one with a tag, or refused.
+/// @warning Reading a text with a tag leaves the tag's characters in front of the value.
 
 namespace Brevantis::ASN1 {
 

@@ -8,6 +8,9 @@
 
 /// @file
 /// Language tags of free text (RFC 4210, 5.1.1; tags: RFC 5646).
+///
+/// In a message the tag stands in front of the text, each of its characters c as the code point
+/// U+0E00 + c, between U+0E01 and U+0E7E. A tag whose text has a "~" ends there when it is read.
 
 namespace Brevantis::ASN1 {
 

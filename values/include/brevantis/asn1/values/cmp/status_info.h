@@ -41,9 +41,11 @@ public:
     void put_failureInfo(const CPKIFailureInfo& failureInfo) { failureInfo_ = failureInfo; }
     void put_statusString(const CPKIFreeText& text);
 
-    /// Failure bits of 0 and an empty text are left out.
-    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL for a text that UTF-8 does not code,
-    ///         with CRYPT_E_ASN1_MEMORY when memory is out
+    /// Failure bits of 0 and an empty text are left out. Characters are written in the UTF-8 of up
+    /// to six octets, surrogates and what is above U+10FFFF too, though RFC 3629 has no place for
+    /// them.
+    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL for a character above 0x7FFFFFFF, with
+    ///         CRYPT_E_ASN1_MEMORY when memory is out
     CBlob encode() const;
     /// Replaces all three fields, absent ones by their empty value, or none on failure.
     /// @warning A text that was read with a language tag keeps the tag's characters in front, see
