@@ -9,10 +9,10 @@
 #include <brevantis/asn1/asn1data.h>
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime.h>
+#include <brevantis/asn1/values/extension/extension_traits.h>
 #include <brevantis/asn1/values/extension/named_extensions.h>
-#include <brevantis/asn1/values/extension_traits/extension_traits.h>
-#include <brevantis/asn1/values/types_traits/algorithm_identifier_traits.h>
-#include <brevantis/asn1/values/types_traits/name_traits.h>
+#include <brevantis/asn1/values/types/algorithm_identifier_traits.h>
+#include <brevantis/asn1/values/types/name_traits.h>
 
 #include "corpus.h"
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/values/types/algorithm_identifier.h>
-#include <brevantis/asn1/values/types_traits/algorithm_identifier_traits.h>
+#include <brevantis/asn1/values/types/algorithm_identifier_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 
 #include "support/blob.h"

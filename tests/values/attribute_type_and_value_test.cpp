@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/types/attr_value.h>
 #include <brevantis/asn1/values/types/attribute_register.h>
 #include <brevantis/asn1/values/types/attribute_type_and_value.h>
 #include <brevantis/asn1/values/util/text_conversion.h>

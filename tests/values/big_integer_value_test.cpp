@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/values/types/big_integer.h>
-#include <brevantis/asn1/values/util/big_integer_text.h>
+#include <brevantis/asn1/values/types/big_integer_text.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 
 #include "support/blob.h"

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/values/types/certificate_identifiers.h>
-#include <brevantis/asn1/values/types_traits/certificate_identifiers_traits.h>
-#include <brevantis/asn1/values/types_traits/other_hash_traits.h>
+#include <brevantis/asn1/values/types/certificate_identifiers_traits.h>
+#include <brevantis/asn1/values/types/other_hash_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 
 #include "support/blob.h"

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <brevantis/asn1/values/attribute/certificate_traits.h>
 #include <brevantis/asn1/values/attribute/certificate_value.h>
-#include <brevantis/asn1/values/attribute_traits/certificate_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 
 #include "support/blob.h"

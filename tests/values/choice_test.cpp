@@ -5,7 +5,7 @@
 
 #include <brevantis/asn1/values/types/choice.h>
 #include <brevantis/asn1/values/types/time_choice.h>
-#include <brevantis/asn1/values/types_traits/time_choice_traits.h>
+#include <brevantis/asn1/values/types/time_choice_traits.h>
 
 #include "support/data_file.h"
 #include "support/thrown_code.h"

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <brevantis/asn1/values/cmp/failure_info_traits.h>
 #include <brevantis/asn1/values/cmp/info_type_and_value.h>
+#include <brevantis/asn1/values/cmp/info_type_and_value_traits.h>
 #include <brevantis/asn1/values/cmp/revocation_announcement.h>
 #include <brevantis/asn1/values/cmp/status_info.h>
-#include <brevantis/asn1/values/cmp_traits/failure_info_traits.h>
-#include <brevantis/asn1/values/cmp_traits/info_type_and_value_traits.h>
 #include <brevantis/asn1/values/util/coding.h>
 #include <brevantis/asn1/values/util/traits.h>
 

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/values/cms/content_info.h>
-#include <brevantis/asn1/values/cms_traits/content_info_traits.h>
-#include <brevantis/asn1/values/cms_traits/signer_info_traits.h>
+#include <brevantis/asn1/values/cms/content_info_traits.h>
+#include <brevantis/asn1/values/cms/signer_info_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/private_buffer.h>
 

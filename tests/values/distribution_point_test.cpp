@@ -5,7 +5,7 @@
 #include <brevantis/asn1/values/types/access_description.h>
 #include <brevantis/asn1/values/types/distribution_point.h>
 #include <brevantis/asn1/values/types/policy_information.h>
-#include <brevantis/asn1/values/types_traits/policy_information_traits.h>
+#include <brevantis/asn1/values/types/policy_information_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 
 #include "support/blob.h"

@@ -6,8 +6,8 @@
 
 #include <brevantis/asn1/asn1data/x509.h>
 #include <brevantis/asn1/values/extension/extension.h>
+#include <brevantis/asn1/values/extension/extension_traits.h>
 #include <brevantis/asn1/values/extension/named_extensions.h>
-#include <brevantis/asn1/values/extension_traits/extension_traits.h>
 
 #include "support/blob.h"
 #include "support/ca_bundle.h"

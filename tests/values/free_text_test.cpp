@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/values/cmp/free_text.h>
-#include <brevantis/asn1/values/cmp_traits/free_text_traits.h>
+#include <brevantis/asn1/values/cmp/free_text_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/values/types/general_name.h>
+#include <brevantis/asn1/values/types/general_name_traits.h>
 #include <brevantis/asn1/values/types/name.h>
-#include <brevantis/asn1/values/types_traits/general_name_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/octet_string_value.h>
 #include <brevantis/asn1/values/util/text_conversion.h>

@@ -7,7 +7,7 @@
 #include <brevantis/asn1/values/types/attribute_register.h>
 #include <brevantis/asn1/values/types/general_name.h>
 #include <brevantis/asn1/values/types/name.h>
-#include <brevantis/asn1/values/types_traits/name_traits.h>
+#include <brevantis/asn1/values/types/name_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <brevantis/asn1/values/types_traits/primitive_traits.h>
+#include <brevantis/asn1/values/types/primitive_traits.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 #include <brevantis/asn1/values/util/optional_member.h>

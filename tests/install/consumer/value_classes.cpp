@@ -6,6 +6,36 @@
 
 #include <brevantis/asn1/values.h>
 
+// The earlier names of headers stay.
+#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/attribute_traits/attribute_traits.h>
+#include <brevantis/asn1/values/attribute_traits/certificate_traits.h>
+#include <brevantis/asn1/values/attribute_traits/signing_certificate_traits.h>
+#include <brevantis/asn1/values/cmp_traits/cert_id_traits.h>
+#include <brevantis/asn1/values/cmp_traits/failure_info_traits.h>
+#include <brevantis/asn1/values/cmp_traits/free_text_traits.h>
+#include <brevantis/asn1/values/cmp_traits/info_type_and_value_traits.h>
+#include <brevantis/asn1/values/cmp_traits/revocation_announcement_traits.h>
+#include <brevantis/asn1/values/cmp_traits/status_info_traits.h>
+#include <brevantis/asn1/values/cms_traits/content_info_traits.h>
+#include <brevantis/asn1/values/cms_traits/signer_info_traits.h>
+#include <brevantis/asn1/values/extension_traits/extension_traits.h>
+#include <brevantis/asn1/values/extension_traits/named_extension_traits.h>
+#include <brevantis/asn1/values/types_traits/access_description_traits.h>
+#include <brevantis/asn1/values/types_traits/algorithm_identifier_traits.h>
+#include <brevantis/asn1/values/types_traits/attribute_type_and_value_traits.h>
+#include <brevantis/asn1/values/types_traits/certificate_identifiers_traits.h>
+#include <brevantis/asn1/values/types_traits/distribution_point_traits.h>
+#include <brevantis/asn1/values/types_traits/general_name_traits.h>
+#include <brevantis/asn1/values/types_traits/issuer_serial_traits.h>
+#include <brevantis/asn1/values/types_traits/name_traits.h>
+#include <brevantis/asn1/values/types_traits/other_hash_traits.h>
+#include <brevantis/asn1/values/types_traits/policy_information_traits.h>
+#include <brevantis/asn1/values/types_traits/primitive_traits.h>
+#include <brevantis/asn1/values/types_traits/reason_flags_traits.h>
+#include <brevantis/asn1/values/types_traits/time_choice_traits.h>
+#include <brevantis/asn1/values/util/big_integer_text.h>
+
 using namespace Brevantis;
 using namespace Brevantis::ASN1;
 using namespace asn1data;

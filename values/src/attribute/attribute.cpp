@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include <brevantis/asn1/values/attribute_traits/attribute_traits.h>
+#include <brevantis/asn1/values/attribute/attribute_traits.h>
 
 #include "util/block_for_ever.h"
 #include "util/find_identifier.h"

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/attribute/certificate_value.h>
 
-#include <brevantis/asn1/values/attribute_traits/certificate_traits.h>
+#include <brevantis/asn1/values/attribute/certificate_traits.h>
 
 namespace Brevantis::ASN1 {
 

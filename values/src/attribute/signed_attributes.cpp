@@ -1,6 +1,26 @@
 #include <brevantis/asn1/values/attribute/signed_attributes.h>
 
+#include <brevantis/asn1/values/types/primitive_traits.h>
+#include <brevantis/asn1/values/types/time_choice_traits.h>
+#include <brevantis/asn1/values/util/octet_string_value.h>
+
+#include "util/value_with_field.h"
+
 namespace Brevantis::ASN1 {
+
+template <>
+struct FieldCoder<CAttrValue, CStringProxy> : TraitsCoder<ASN1TObjId_traits, CStringProxy> {};
+template <>
+struct FieldCoder<CAttrValue, CTimeChoice> : TraitsCoder<ASN1T_Time_traits, CTimeChoice> {};
+template <>
+struct FieldCoder<CAttrValue, CBlob> {
+    static CBlob encode(const CBlob& octets) { return toOctetString(octets); }
+    static void decode(const CBlob& value, CBlob& octets) { octets = fromOctetString(value); }
+};
+
+template class ValueWithField<CAttrValue, CStringProxy>;
+template class ValueWithField<CAttrValue, CBlob>;
+template class ValueWithField<CAttrValue, CTimeChoice>;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/attribute/signing_certificate.h>
 
-#include <brevantis/asn1/values/attribute_traits/signing_certificate_traits.h>
+#include <brevantis/asn1/values/attribute/signing_certificate_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/cmp/failure_info.h>
 
-#include <brevantis/asn1/values/cmp_traits/failure_info_traits.h>
+#include <brevantis/asn1/values/cmp/failure_info_traits.h>
 #include <brevantis/support/error.h>
 
 namespace Brevantis::ASN1 {

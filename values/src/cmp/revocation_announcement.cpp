@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include <brevantis/asn1/values/cmp_traits/revocation_announcement_traits.h>
+#include <brevantis/asn1/values/cmp/revocation_announcement_traits.h>
 #include <brevantis/asn1/values/util/optional_member.h>
 #include <brevantis/support/error.h>
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/cmp/status_info.h>
 
-#include <brevantis/asn1/values/cmp_traits/status_info_traits.h>
+#include <brevantis/asn1/values/cmp/status_info_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/cms/content_info.h>
 
-#include <brevantis/asn1/values/cms_traits/content_info_traits.h>
+#include <brevantis/asn1/values/cms/content_info_traits.h>
 
 namespace Brevantis::ASN1 {
 

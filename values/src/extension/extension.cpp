@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include <brevantis/asn1/values/extension_traits/extension_traits.h>
+#include <brevantis/asn1/values/extension/extension_traits.h>
 
 #include "util/find_identifier.h"
 

@@ -2,9 +2,28 @@
 
 #include <utility>
 
-#include <brevantis/asn1/values/extension_traits/named_extension_traits.h>
+#include <brevantis/asn1/values/extension/named_extension_traits.h>
+#include <brevantis/asn1/values/types/general_name_traits.h>
+#include <brevantis/asn1/values/types/primitive_traits.h>
+
+#include "util/value_with_field.h"
 
 namespace Brevantis::ASN1 {
+
+template <>
+struct FieldCoder<CExtValue, CrlReason> : TraitsCoder<ASN1T_CRLReason_traits, CrlReason> {};
+template <>
+struct FieldCoder<CExtValue, CStringProxy> : TraitsCoder<ASN1TObjId_traits, CStringProxy> {};
+template <>
+struct FieldCoder<CExtValue, CDateTime> : TraitsCoder<ASN1GeneralizedTime_traits, CDateTime> {};
+template <>
+struct FieldCoder<CExtValue, CGeneralNames>
+    : TraitsCoder<ASN1T_GeneralNames_traits, CGeneralNames> {};
+
+template class ValueWithField<CExtValue, CrlReason>;
+template class ValueWithField<CExtValue, CStringProxy>;
+template class ValueWithField<CExtValue, CDateTime>;
+template class ValueWithField<CExtValue, CGeneralNames>;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/access_description.h>
 
-#include <brevantis/asn1/values/types_traits/access_description_traits.h>
+#include <brevantis/asn1/values/types/access_description_traits.h>
 
 namespace Brevantis::ASN1 {
 

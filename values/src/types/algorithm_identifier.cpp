@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/algorithm_identifier.h>
 
-#include <brevantis/asn1/values/types_traits/algorithm_identifier_traits.h>
+#include <brevantis/asn1/values/types/algorithm_identifier_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/types/attr_value.h>
 #include <brevantis/asn1/values/types/attribute_register.h>
-#include <brevantis/asn1/values/types_traits/attribute_type_and_value_traits.h>
+#include <brevantis/asn1/values/types/attribute_type_and_value_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include <brevantis/asn1/asn1data/x509.h>
-#include <brevantis/asn1/values/util/big_integer_text.h>
+#include <brevantis/asn1/values/types/big_integer_text.h>
 #include <brevantis/asn1/values/util/private_buffer.h>
 
 namespace Brevantis::ASN1 {

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/certificate_identifiers.h>
 
-#include <brevantis/asn1/values/types_traits/certificate_identifiers_traits.h>
+#include <brevantis/asn1/values/types/certificate_identifiers_traits.h>
 
 namespace Brevantis::ASN1 {
 

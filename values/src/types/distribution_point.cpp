@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/distribution_point.h>
 
-#include <brevantis/asn1/values/types_traits/distribution_point_traits.h>
+#include <brevantis/asn1/values/types/distribution_point_traits.h>
 
 namespace Brevantis::ASN1 {
 

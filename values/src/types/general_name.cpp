@@ -1,7 +1,7 @@
 #include <brevantis/asn1/values/types/general_name.h>
 
+#include <brevantis/asn1/values/types/general_name_traits.h>
 #include <brevantis/asn1/values/types/name.h>
-#include <brevantis/asn1/values/types_traits/general_name_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/issuer_serial.h>
 
-#include <brevantis/asn1/values/types_traits/issuer_serial_traits.h>
+#include <brevantis/asn1/values/types/issuer_serial_traits.h>
 
 namespace Brevantis::ASN1 {
 

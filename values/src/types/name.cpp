@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include <brevantis/asn1/values/types_traits/name_traits.h>
+#include <brevantis/asn1/values/types/name_traits.h>
 
 #include "util/block_for_ever.h"
 

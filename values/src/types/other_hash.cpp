@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include <brevantis/asn1/values/types_traits/other_hash_traits.h>
+#include <brevantis/asn1/values/types/other_hash_traits.h>
 
 namespace Brevantis::ASN1 {
 

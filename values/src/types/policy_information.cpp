@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/policy_information.h>
 
-#include <brevantis/asn1/values/types_traits/policy_information_traits.h>
+#include <brevantis/asn1/values/types/policy_information_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/reason_flags.h>
 
-#include <brevantis/asn1/values/types_traits/reason_flags_traits.h>
+#include <brevantis/asn1/values/types/reason_flags_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/types/time_choice.h>
 
-#include <brevantis/asn1/values/types_traits/time_choice_traits.h>
+#include <brevantis/asn1/values/types/time_choice_traits.h>
 
 namespace Brevantis::ASN1 {
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <brevantis/asn1/values/types_traits/primitive_traits.h>
+#include <brevantis/support/error.h>
 
 namespace Brevantis::ASN1 {
 
@@ -69,14 +69,16 @@ bool oid2str(CBlob& text, const ASN1OBJID* oid) {
 
 ASN1OBJID toASN1OBJID(const char* text) {
     ASN1OBJID oid{};
-    ASN1TObjId_traits::set(nullptr, oid, text);
+    if (str2oid(text, &oid) != 0) {
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
     return oid;
 }
 
 CStringProxy toOID(const ASN1OBJID& oid) {
-    CStringProxy text;
-    ASN1TObjId_traits::get(oid, text);
-    return text;
+    CBlob text;
+    oid2str(text, &oid);
+    return CStringProxy(static_cast<const char*>(static_cast<const void*>(text.pbData())));
 }
 
 } // namespace Brevantis::ASN1

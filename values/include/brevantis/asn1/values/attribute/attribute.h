@@ -6,7 +6,7 @@
 #include <string>
 
 #include <brevantis/asn1/export.h>
-#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/types/attr_value.h>
 #include <brevantis/asn1/values/util/owned_copy.h>
 #include <brevantis/support/blob.h>
 

@@ -2,7 +2,7 @@
 #define BREVANTIS_ASN1_VALUES_ATTRIBUTE_SIGNED_ATTRIBUTES_H
 
 #include <brevantis/asn1/export.h>
-#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/types/attr_value.h>
 #include <brevantis/asn1/values/types/time_choice.h>
 #include <brevantis/asn1/values/util/value_with_field.h>
 #include <brevantis/support/blob.h>

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include <brevantis/asn1/export.h>
-#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/types/attr_value.h>
 #include <brevantis/asn1/values/types/certificate_identifiers.h>
 #include <brevantis/asn1/values/types/policy_information.h>
 #include <brevantis/asn1/values/util/optional_member.h>

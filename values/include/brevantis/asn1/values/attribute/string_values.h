@@ -2,7 +2,7 @@
 #define BREVANTIS_ASN1_VALUES_ATTRIBUTE_STRING_VALUES_H
 
 #include <brevantis/asn1/export.h>
-#include <brevantis/asn1/values/attribute/attr_value.h>
+#include <brevantis/asn1/values/types/attr_value.h>
 
 /// @file
 /// Attribute values that are texts (X.520, clause 6; RFC 2985, 5.5).

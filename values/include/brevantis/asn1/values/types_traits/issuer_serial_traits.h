@@ -1,35 +1,9 @@
 #ifndef BREVANTIS_ASN1_VALUES_TYPES_TRAITS_ISSUER_SERIAL_TRAITS_H
 #define BREVANTIS_ASN1_VALUES_TYPES_TRAITS_ISSUER_SERIAL_TRAITS_H
 
-#include <brevantis/asn1/asn1data/ess.h>
-#include <brevantis/asn1/export.h>
-#include <brevantis/asn1/values/types/issuer_serial.h>
-#include <brevantis/asn1/values/util/coding.h>
-#include <brevantis/asn1/values/util/traits.h>
-
 /// @file
-/// Traits of CIssuerSerial. Where nothing else is said a failure is ATL::CAtlException with
-/// CRYPT_E_ASN1_MEMORY, when memory is out.
+/// The earlier place of this header.
 
-namespace Brevantis::ASN1 {
-
-/// IssuerSerial (RFC 2634, 5.4.1).
-struct BREVANTIS_ASN1_API ASN1T_IssuerSerial_traits
-    : CatalogueTraits<asn1data::ASN1T_IssuerSerial, asn1data::ASN1C_IssuerSerial,
-                      &asn1data::asn1Copy_IssuerSerial> {
-    /// @throws as ASN1T_GeneralName_traits::set
-    static void set(ASN1CTXT* ctxt, asn1data::ASN1T_IssuerSerial& record,
-                    const CIssuerSerial& value);
-    /// @throws ATL::CAtlException with E_INVALIDARG for a name of a kind that CGeneralName does not
-    ///         carry; @p value stays as it was
-    static void get(const asn1data::ASN1T_IssuerSerial& record, CIssuerSerial& value);
-};
-
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_IssuerSerial_traits, CIssuerSerial>(const CIssuerSerial&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_IssuerSerial_traits, CIssuerSerial>(const CBlob&, CIssuerSerial&);
-
-} // namespace Brevantis::ASN1
+#include <brevantis/asn1/values/types/issuer_serial_traits.h>
 
 #endif

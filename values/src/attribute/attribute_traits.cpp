@@ -1,0 +1,56 @@
+#include <brevantis/asn1/values/attribute/attribute_traits.h>
+
+#include <utility>
+
+#include <brevantis/asn1/values/util/object_identifier_text.h>
+
+namespace Brevantis::ASN1 {
+
+template struct ASN1TSeqOfList_traits<Asn1TObject, Asn1TObject_traits, CBlob, CBlobList>;
+template struct ASN1TSeqOfList_traits<asn1data::ASN1T_Attribute, ASN1T_Attribute_traits, CAttribute,
+                                      CAttributes>;
+
+void ASN1T_Attribute_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Attribute& record,
+                                 const CAttribute& value) {
+    asn1data::ASN1T_Attribute checked;
+    ASN1TObjId_traits::set(ctxt, checked.type, value.get_oid());
+    CBlobList values;
+    for (const CAttrValue& each : value) {
+        values.push_back(each.get_value());
+    }
+    OpenValueListTraits::set(ctxt, checked.values, values);
+    // A known attribute with a value that does not decode is not let out.
+    DecodeBuffer buffer;
+    requireSuccess(asn1data::asn1DTC_Attribute(buffer.getCtxtPtr(), &checked));
+    copy(ctxt, checked, record);
+}
+
+void ASN1T_Attribute_traits::get(const asn1data::ASN1T_Attribute& record, CAttribute& value) {
+    CAttribute attribute(toOID(record.type).c_str());
+    CBlobList values;
+    OpenValueListTraits::get(record.values, values);
+    for (const CBlob& each : values) {
+        attribute.add(each);
+    }
+    value = std::move(attribute);
+}
+
+void ASN1T_Attributes_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_SignedAttributes& record,
+                                  const CAttributes& value) {
+    AttributeListTraits::set(ctxt, record, value);
+}
+
+void ASN1T_Attributes_traits::get(const asn1data::ASN1T_SignedAttributes& record,
+                                  CAttributes& value) {
+    AttributeListTraits::get(record, value);
+}
+
+template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_Attribute_traits, CAttribute>(const CAttribute&);
+template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Attribute_traits, CAttribute>(const CBlob&,
+                                                                                CAttribute&);
+template BREVANTIS_ASN1_API CBlob
+asn1Encode<ASN1T_Attributes_traits, CAttributes>(const CAttributes&);
+template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Attributes_traits, CAttributes>(const CBlob&,
+                                                                                  CAttributes&);
+
+} // namespace Brevantis::ASN1

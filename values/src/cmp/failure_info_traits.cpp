@@ -1,0 +1,39 @@
+#include <brevantis/asn1/values/cmp/failure_info_traits.h>
+
+#include <brevantis/asn1/runtime/bit_set.h>
+
+namespace Brevantis::ASN1 {
+
+namespace {
+
+constexpr unsigned maxBits = 32;
+
+} // namespace
+
+void ASN1T_PKIFailureInfo_traits::set(ASN1CTXT* /*ctxt*/, asn1data::ASN1T_PKIFailureInfo& record,
+                                      const CPKIFailureInfo& value) {
+    record = {};
+    for (unsigned i = 0; i < maxBits; ++i) {
+        if (value.get_bit(i)) {
+            rtSetBit(record.data, maxBits, i);
+            record.numbits = i + 1;
+        }
+    }
+}
+
+void ASN1T_PKIFailureInfo_traits::get(const asn1data::ASN1T_PKIFailureInfo& record,
+                                      CPKIFailureInfo& value) {
+    if (record.numbits > maxBits) {
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
+    for (unsigned i = 0; i < record.numbits; ++i) {
+        if (rtTestBit(record.data, record.numbits, i) != 0) {
+            value.put_bit(i, true);
+        }
+    }
+}
+
+template BREVANTIS_ASN1_API CBlob
+asn1Encode<ASN1T_PKIFailureInfo_traits, CPKIFailureInfo>(const CPKIFailureInfo&);
+
+} // namespace Brevantis::ASN1

@@ -1,0 +1,46 @@
+#include <brevantis/asn1/values/extension/extension_traits.h>
+
+#include <brevantis/asn1/values/types/primitive_traits.h>
+#include <brevantis/asn1/values/util/object_identifier_text.h>
+
+namespace Brevantis::ASN1 {
+
+void ASN1T_Extension_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extension& record,
+                                 const CExtension& value) {
+    asn1data::ASN1T_Extension checked;
+    ASN1TObjId_traits::set(ctxt, checked.extnID, value.get_extnID());
+    checked.critical = value.get_critical() ? 1 : 0;
+    ASN1TDynOctStr_traits::set(ctxt, checked.extnValue, value.get_extnValue());
+    // A known extension whose value does not decode is not let out.
+    DecodeBuffer buffer;
+    requireSuccess(asn1data::asn1DTC_Extension(buffer.getCtxtPtr(), &checked));
+    copy(ctxt, checked, record);
+}
+
+void ASN1T_Extension_traits::get(const asn1data::ASN1T_Extension& record, CExtension& value) {
+    CBlob octets;
+    ASN1TDynOctStr_traits::get(record.extnValue, octets);
+    value = CExtension(CExtValue(toOID(record.extnID).c_str(), octets), record.critical != 0);
+}
+
+template struct ASN1TSeqOfList_traits<asn1data::ASN1T_Extension, ASN1T_Extension_traits, CExtension,
+                                      CExtensions>;
+
+void ASN1T_Extensions_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extensions& record,
+                                  const CExtensions& value) {
+    ExtensionListTraits::set(ctxt, record, value);
+}
+
+void ASN1T_Extensions_traits::get(const asn1data::ASN1T_Extensions& record, CExtensions& value) {
+    ExtensionListTraits::get(record, value);
+}
+
+template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_Extension_traits, CExtension>(const CExtension&);
+template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Extension_traits, CExtension>(const CBlob&,
+                                                                                CExtension&);
+template BREVANTIS_ASN1_API CBlob
+asn1Encode<ASN1T_Extensions_traits, CExtensions>(const CExtensions&);
+template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Extensions_traits, CExtensions>(const CBlob&,
+                                                                                  CExtensions&);
+
+} // namespace Brevantis::ASN1

@@ -1,0 +1,143 @@
+#include <brevantis/asn1/values/types/general_name_traits.h>
+
+#include <cwchar>
+#include <optional>
+#include <utility>
+
+#include <brevantis/asn1/values/types/name_traits.h>
+#include <brevantis/asn1/values/types/primitive_traits.h>
+#include <brevantis/asn1/values/util/text_conversion.h>
+#include <brevantis/support/code_page.h>
+
+namespace Brevantis::ASN1 {
+
+namespace {
+
+/// A text from here on, with its terminator, counts as absent.
+constexpr std::size_t longestText = 0x40000000;
+
+std::optional<std::string> narrow(const wchar_t* text) {
+    if (std::wcslen(text) + 1 >= longestText) {
+        return std::nullopt;
+    }
+    const int size = WideCharToMultiByte(0, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    if (size <= 0) {
+        ATL::AtlThrowLastWin32();
+    }
+    std::string narrowed(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(0, 0, text, -1, narrowed.data(), size, nullptr, nullptr);
+    return narrowed;
+}
+
+/// Sets a record from a wide text.
+template <class Traits, class Record>
+void setText(ASN1CTXT* ctxt, Record& record, const wchar_t* text) {
+    const std::optional<std::string> narrowed = narrow(text);
+    Traits::set(ctxt, record, narrowed.has_value() ? narrowed->c_str() : nullptr);
+}
+
+/// Sets a new record from a value.
+template <class Traits, class Record>
+void setNew(ASN1CTXT* ctxt, Record*& record, const CBlob& value) {
+    Record& made = newRecord<Record>(ctxt);
+    Traits::set(ctxt, made, value);
+    record = &made;
+}
+
+/// The wide text of a record.
+template <class Traits, class Record>
+std::wstring getText(const Record& record) {
+    CStringProxy text;
+    Traits::get(record, text);
+    return towstring(text.c_str());
+}
+
+/// The octets of a record.
+template <class Traits, class Record>
+CBlob getBlob(const Record& record) {
+    CBlob blob;
+    Traits::get(record, blob);
+    return blob;
+}
+
+} // namespace
+
+void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralName& record,
+                                   const CGeneralName& value) {
+    switch (value.get_type()) {
+    case asn1data::T_GeneralName_rfc822Name:
+        setText<ASN1IA5String_traits>(ctxt, record.u.rfc822Name, value.get_rfc822Name());
+        break;
+    case asn1data::T_GeneralName_dNSName:
+        setText<ASN1IA5String_traits>(ctxt, record.u.dNSName, value.get_dNSName());
+        break;
+    case asn1data::T_GeneralName_directoryName:
+        setNew<ASN1T_Name_traits>(ctxt, record.u.directoryName, *value.get_directoryName());
+        break;
+    case asn1data::T_GeneralName_uniformResourceIdentifier:
+        setText<ASN1IA5String_traits>(ctxt, record.u.uniformResourceIdentifier,
+                                      value.get_uniformResourceIdentifier());
+        break;
+    case asn1data::T_GeneralName_iPAddress:
+        setNew<ASN1TDynOctStr_traits>(ctxt, record.u.iPAddress, *value.get_iPAddress());
+        break;
+    case asn1data::T_GeneralName_registeredID: {
+        auto& identifier = newRecord<ASN1TObjId>(ctxt);
+        setText<ASN1TObjId_traits>(ctxt, identifier, value.get_registeredID());
+        record.u.registeredID = &identifier;
+        break;
+    }
+    default:
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
+    record.t = value.get_type();
+}
+
+void ASN1T_GeneralName_traits::get(const asn1data::ASN1T_GeneralName& record, CGeneralName& value) {
+    CGeneralName read;
+    switch (record.t) {
+    case asn1data::T_GeneralName_rfc822Name:
+        read.put_rfc822Name(getText<ASN1IA5String_traits>(record.u.rfc822Name).c_str());
+        break;
+    case asn1data::T_GeneralName_dNSName:
+        read.put_dNSName(getText<ASN1IA5String_traits>(record.u.dNSName).c_str());
+        break;
+    case asn1data::T_GeneralName_directoryName:
+        read.put_directoryName(getBlob<ASN1T_Name_traits>(requireValue(record.u.directoryName)));
+        break;
+    case asn1data::T_GeneralName_uniformResourceIdentifier:
+        read.put_uniformResourceIdentifier(
+            getText<ASN1IA5String_traits>(record.u.uniformResourceIdentifier).c_str());
+        break;
+    case asn1data::T_GeneralName_iPAddress:
+        read.put_iPAddress(getBlob<ASN1TDynOctStr_traits>(requireValue(record.u.iPAddress)));
+        break;
+    case asn1data::T_GeneralName_registeredID:
+        read.put_registeredID(
+            getText<ASN1TObjId_traits>(requireValue(record.u.registeredID)).c_str());
+        break;
+    default:
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
+    value = std::move(read);
+}
+
+template struct ASN1TSeqOfList_traits<asn1data::ASN1T_GeneralName, ASN1T_GeneralName_traits,
+                                      CGeneralName, CGeneralNames>;
+
+void ASN1T_GeneralNames_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralNames& record,
+                                    const CGeneralNames& value) {
+    GeneralNameListTraits::set(ctxt, record, value);
+}
+
+void ASN1T_GeneralNames_traits::get(const asn1data::ASN1T_GeneralNames& record,
+                                    CGeneralNames& value) {
+    GeneralNameListTraits::get(record, value);
+}
+
+template BREVANTIS_ASN1_API CBlob
+asn1Encode<ASN1T_GeneralNames_traits, CGeneralNames>(const CGeneralNames&);
+template BREVANTIS_ASN1_API void
+asn1Decode<ASN1T_GeneralNames_traits, CGeneralNames>(const CBlob&, CGeneralNames&);
+
+} // namespace Brevantis::ASN1

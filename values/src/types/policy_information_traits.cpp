@@ -1,0 +1,29 @@
+#include <brevantis/asn1/values/types/policy_information_traits.h>
+
+#include <brevantis/asn1/values/types/primitive_traits.h>
+
+namespace Brevantis::ASN1 {
+
+void ASN1T_PolicyInformation_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_PolicyInformation& record,
+                                         const CPolicyInformation& value) {
+    record.m = {};
+    ASN1TObjId_traits::set(ctxt, record.policyIdentifier, value.get_policyIdentifier());
+}
+
+void ASN1T_PolicyInformation_traits::get(const asn1data::ASN1T_PolicyInformation& record,
+                                         CPolicyInformation& value) {
+    CStringProxy identifier;
+    ASN1TObjId_traits::get(record.policyIdentifier, identifier);
+    value.put_policyIdentifier(identifier.c_str());
+}
+
+template struct ASN1TSeqOfList_traits<asn1data::ASN1T_PolicyInformation,
+                                      ASN1T_PolicyInformation_traits, CPolicyInformation,
+                                      CPolicyInformationList>;
+
+template BREVANTIS_ASN1_API CBlob
+asn1Encode<ASN1T_PolicyInformation_traits, CPolicyInformation>(const CPolicyInformation&);
+template BREVANTIS_ASN1_API void
+asn1Decode<ASN1T_PolicyInformation_traits, CPolicyInformation>(const CBlob&, CPolicyInformation&);
+
+} // namespace Brevantis::ASN1

@@ -1,0 +1,34 @@
+#include <brevantis/asn1/values/types/reason_flags_traits.h>
+
+#include <algorithm>
+
+#include <brevantis/asn1/runtime/bit_set.h>
+
+namespace Brevantis::ASN1 {
+
+namespace {
+
+constexpr unsigned capacity = 16;
+
+} // namespace
+
+void ASN1T_ReasonFlags_traits::set(ASN1CTXT* /*ctxt*/, asn1data::ASN1T_ReasonFlags& record,
+                                   const CReasonFlags& value) {
+    record = {};
+    for (unsigned i = 0; i < capacity; ++i) {
+        if (value.get_bit(i)) {
+            rtSetBit(record.data, capacity, i);
+            record.numbits = i + 1;
+        }
+    }
+}
+
+void ASN1T_ReasonFlags_traits::get(const asn1data::ASN1T_ReasonFlags& record, CReasonFlags& value) {
+    const unsigned count = std::min(record.numbits, capacity);
+    value.put_value(0);
+    for (unsigned i = 0; i < count; ++i) {
+        value.put_bit(i, rtTestBit(record.data, count, i) != 0);
+    }
+}
+
+} // namespace Brevantis::ASN1
