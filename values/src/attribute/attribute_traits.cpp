@@ -6,10 +6,6 @@
 
 namespace Brevantis::ASN1 {
 
-template struct ASN1TSeqOfList_traits<Asn1TObject, Asn1TObject_traits, CBlob, CBlobList>;
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_Attribute, ASN1T_Attribute_traits, CAttribute,
-                                      CAttributes>;
-
 void ASN1T_Attribute_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Attribute& record,
                                  const CAttribute& value) {
     asn1data::ASN1T_Attribute checked;
@@ -44,13 +40,5 @@ void ASN1T_Attributes_traits::get(const asn1data::ASN1T_SignedAttributes& record
                                   CAttributes& value) {
     AttributeListTraits::get(record, value);
 }
-
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_Attribute_traits, CAttribute>(const CAttribute&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Attribute_traits, CAttribute>(const CBlob&,
-                                                                                CAttribute&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Attributes_traits, CAttributes>(const CAttributes&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Attributes_traits, CAttributes>(const CBlob&,
-                                                                                  CAttributes&);
 
 } // namespace Brevantis::ASN1

@@ -65,23 +65,4 @@ void ASN1T_OtherSigningCertificate_traits::get(
     getValue<OtherCertIDListTraits, COtherCertIDList>(record, value);
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_SigningCertificate_traits, CAttrSigningCertificate>(
-    const CAttrSigningCertificate&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_SigningCertificate_traits, CAttrSigningCertificate>(const CBlob&,
-                                                                     CAttrSigningCertificate&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_SigningCertificateV2_traits, CAttrSigningCertificateV2>(
-    const CAttrSigningCertificateV2&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_SigningCertificateV2_traits, CAttrSigningCertificateV2>(
-    const CBlob&, CAttrSigningCertificateV2&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_OtherSigningCertificate_traits, CAttrOtherSigningCertificate>(
-    const CAttrOtherSigningCertificate&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_OtherSigningCertificate_traits, CAttrOtherSigningCertificate>(
-    const CBlob&, CAttrOtherSigningCertificate&);
-
 } // namespace Brevantis::ASN1

@@ -33,7 +33,4 @@ void ASN1T_PKIFailureInfo_traits::get(const asn1data::ASN1T_PKIFailureInfo& reco
     }
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PKIFailureInfo_traits, CPKIFailureInfo>(const CPKIFailureInfo&);
-
 } // namespace Brevantis::ASN1

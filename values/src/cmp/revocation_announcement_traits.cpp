@@ -40,9 +40,4 @@ void ASN1T_RevAnnContent_traits::get(const asn1data::ASN1T_RevAnnContent& record
     value = std::move(read);
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_RevAnnContent_traits, CRevAnnContent>(const CRevAnnContent&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_RevAnnContent_traits, CRevAnnContent>(const CBlob&, CRevAnnContent&);
-
 } // namespace Brevantis::ASN1

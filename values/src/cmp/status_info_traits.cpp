@@ -37,9 +37,4 @@ void ASN1T_PKIStatusInfo_traits::get(const asn1data::ASN1T_PKIStatusInfo& record
     value = std::move(read);
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PKIStatusInfo_traits, CPKIStatusInfo>(const CPKIStatusInfo&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_PKIStatusInfo_traits, CPKIStatusInfo>(const CBlob&, CPKIStatusInfo&);
-
 } // namespace Brevantis::ASN1

@@ -31,11 +31,4 @@ void ASN1T_ContentInfo_traits::get(const asn1data::ASN1T_ContentInfo& record, CB
     encoded = asn1EncodeT<ASN1T_ContentInfo_traits>(record);
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_ContentInfo_traits, CContentInfo>(const CContentInfo&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_ContentInfo_traits, CContentInfo>(const CBlob&,
-                                                                                    CContentInfo&);
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_ContentInfo_traits, CBlob>(const CBlob&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_ContentInfo_traits, CBlob>(const CBlob&, CBlob&);
-
 } // namespace Brevantis::ASN1

@@ -23,9 +23,6 @@ void ASN1T_Extension_traits::get(const asn1data::ASN1T_Extension& record, CExten
     value = CExtension(CExtValue(toOID(record.extnID).c_str(), octets), record.critical != 0);
 }
 
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_Extension, ASN1T_Extension_traits, CExtension,
-                                      CExtensions>;
-
 void ASN1T_Extensions_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extensions& record,
                                   const CExtensions& value) {
     ExtensionListTraits::set(ctxt, record, value);
@@ -34,13 +31,5 @@ void ASN1T_Extensions_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extensions& re
 void ASN1T_Extensions_traits::get(const asn1data::ASN1T_Extensions& record, CExtensions& value) {
     ExtensionListTraits::get(record, value);
 }
-
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_Extension_traits, CExtension>(const CExtension&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Extension_traits, CExtension>(const CBlob&,
-                                                                                CExtension&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Extensions_traits, CExtensions>(const CExtensions&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Extensions_traits, CExtensions>(const CBlob&,
-                                                                                  CExtensions&);
 
 } // namespace Brevantis::ASN1

@@ -41,12 +41,4 @@ void ASN1T_PrivateKeyUsagePeriod_traits::get(const asn1data::ASN1T_PrivateKeyUsa
                                       record.m.notAfterPresent != 0 ? &notAfter : nullptr);
 }
 
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_CRLReason_traits, CrlReason>(const CrlReason&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PrivateKeyUsagePeriod_traits, CExtPrivateKeyUsagePeriod>(
-    const CExtPrivateKeyUsagePeriod&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_PrivateKeyUsagePeriod_traits, CExtPrivateKeyUsagePeriod>(
-    const CBlob&, CExtPrivateKeyUsagePeriod&);
-
 } // namespace Brevantis::ASN1

@@ -20,10 +20,6 @@ void ASN1T_AccessDescription_traits::get(const asn1data::ASN1T_AccessDescription
     value = CAccessDescription(method.c_str(), location);
 }
 
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_AccessDescription,
-                                      ASN1T_AccessDescription_traits, CAccessDescription,
-                                      CAuthorityInfoAccessSyntax>;
-
 void ASN1T_AuthorityInfoAccessSyntax_traits::set(ASN1CTXT* ctxt,
                                                  asn1data::ASN1T_AuthorityInfoAccessSyntax& record,
                                                  const CAuthorityInfoAccessSyntax& value) {
@@ -34,16 +30,5 @@ void ASN1T_AuthorityInfoAccessSyntax_traits::get(
     const asn1data::ASN1T_AuthorityInfoAccessSyntax& record, CAuthorityInfoAccessSyntax& value) {
     AccessDescriptionListTraits::get(record, value);
 }
-
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_AccessDescription_traits, CAccessDescription>(const CAccessDescription&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AccessDescription_traits, CAccessDescription>(const CBlob&, CAccessDescription&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_AuthorityInfoAccessSyntax_traits, CAuthorityInfoAccessSyntax>(
-    const CAuthorityInfoAccessSyntax&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AuthorityInfoAccessSyntax_traits, CAuthorityInfoAccessSyntax>(
-    const CBlob&, CAuthorityInfoAccessSyntax&);
 
 } // namespace Brevantis::ASN1

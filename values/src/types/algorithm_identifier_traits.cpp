@@ -58,10 +58,4 @@ void ASN1T_AlgorithmIdentifier_traits::get(const asn1data::ASN1T_AlgorithmIdenti
     ASN1T_AlgorithmIdentifier_get(value, record);
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_AlgorithmIdentifier_traits, CAlgorithmIdentifier>(const CAlgorithmIdentifier&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AlgorithmIdentifier_traits, CAlgorithmIdentifier>(const CBlob&,
-                                                                   CAlgorithmIdentifier&);
-
 } // namespace Brevantis::ASN1

@@ -24,10 +24,4 @@ void ASN1T_AttributeTypeAndValue_traits::get(const asn1data::ASN1T_AttributeType
     value = CAttributeTypeAndValue(toOID(record.type).c_str(), encoding);
 }
 
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_AttributeTypeAndValue_traits,
-                                             CAttributeTypeAndValue>(const CAttributeTypeAndValue&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AttributeTypeAndValue_traits, CAttributeTypeAndValue>(const CBlob&,
-                                                                       CAttributeTypeAndValue&);
-
 } // namespace Brevantis::ASN1

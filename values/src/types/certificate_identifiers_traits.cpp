@@ -87,23 +87,4 @@ void ASN1T_OtherCertID_traits::get(const asn1data::ASN1T_OtherCertID& record, CO
     value = withIssuerSerial(record, std::move(read));
 }
 
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_ESSCertID, ASN1T_ESSCertID_traits, CESSCertID,
-                                      CESSCertIDList>;
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_ESSCertIDv2, ASN1T_ESSCertIDv2_traits,
-                                      CESSCertIDv2, CESSCertIDv2List>;
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_OtherCertID, ASN1T_OtherCertID_traits,
-                                      COtherCertID, COtherCertIDList>;
-
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_ESSCertID_traits, CESSCertID>(const CESSCertID&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_ESSCertID_traits, CESSCertID>(const CBlob&,
-                                                                                CESSCertID&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_ESSCertIDv2_traits, CESSCertIDv2>(const CESSCertIDv2&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_ESSCertIDv2_traits, CESSCertIDv2>(const CBlob&,
-                                                                                    CESSCertIDv2&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_OtherCertID_traits, COtherCertID>(const COtherCertID&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_OtherCertID_traits, COtherCertID>(const CBlob&,
-                                                                                    COtherCertID&);
-
 } // namespace Brevantis::ASN1

@@ -6,8 +6,6 @@ namespace Brevantis::ASN1 {
 
 ChoiceValueTraits::~ChoiceValueTraits() = default;
 
-template class ChoiceValueTraitsT<void*, 0>;
-
 Choice::~Choice() = default;
 
 void Choice::put(unsigned int number, const void* newContent) {

@@ -4,8 +4,6 @@
 
 namespace Brevantis::ASN1 {
 
-template class ChoiceValueTraitsT<CGeneralNames, 1>;
-
 CDistributionPointName::CDistributionPointName(const CGeneralNames& fullName) {
     put_fullName(fullName);
 }

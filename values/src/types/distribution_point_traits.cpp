@@ -66,10 +66,6 @@ void ASN1T_DistributionPoint_traits::get(const asn1data::ASN1T_DistributionPoint
     value = std::move(read);
 }
 
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_DistributionPoint,
-                                      ASN1T_DistributionPoint_traits, CDistributionPoint,
-                                      CCRLDistPointsSyntax>;
-
 void ASN1T_CRLDistPointsSyntax_traits::set(ASN1CTXT* ctxt,
                                            asn1data::ASN1T_CRLDistPointsSyntax& record,
                                            const CCRLDistPointsSyntax& value) {
@@ -80,12 +76,5 @@ void ASN1T_CRLDistPointsSyntax_traits::get(const asn1data::ASN1T_CRLDistPointsSy
                                            CCRLDistPointsSyntax& value) {
     DistributionPointListTraits::get(record, value);
 }
-
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_DistributionPointName_traits,
-                                             CDistributionPointName>(const CDistributionPointName&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_DistributionPoint_traits, CDistributionPoint>(const CDistributionPoint&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_DistributionPoint_traits, CDistributionPoint>(const CBlob&, CDistributionPoint&);
 
 } // namespace Brevantis::ASN1

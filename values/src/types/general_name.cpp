@@ -5,13 +5,6 @@
 
 namespace Brevantis::ASN1 {
 
-template class ChoiceValueTraitsT<std::wstring, 2>;
-template class ChoiceValueTraitsT<std::wstring, 3>;
-template class ChoiceValueTraitsT<CBlob, 5>;
-template class ChoiceValueTraitsT<std::wstring, 7>;
-template class ChoiceValueTraitsT<CBlob, 8>;
-template class ChoiceValueTraitsT<std::wstring, 9>;
-
 namespace {
 
 bool sameBlobs(const CBlob* a, const CBlob* b) {

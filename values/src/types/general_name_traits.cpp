@@ -122,9 +122,6 @@ void ASN1T_GeneralName_traits::get(const asn1data::ASN1T_GeneralName& record, CG
     value = std::move(read);
 }
 
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_GeneralName, ASN1T_GeneralName_traits,
-                                      CGeneralName, CGeneralNames>;
-
 void ASN1T_GeneralNames_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralNames& record,
                                     const CGeneralNames& value) {
     GeneralNameListTraits::set(ctxt, record, value);
@@ -134,10 +131,5 @@ void ASN1T_GeneralNames_traits::get(const asn1data::ASN1T_GeneralNames& record,
                                     CGeneralNames& value) {
     GeneralNameListTraits::get(record, value);
 }
-
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_GeneralNames_traits, CGeneralNames>(const CGeneralNames&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_GeneralNames_traits, CGeneralNames>(const CBlob&, CGeneralNames&);
 
 } // namespace Brevantis::ASN1

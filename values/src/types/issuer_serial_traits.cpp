@@ -21,9 +21,4 @@ void ASN1T_IssuerSerial_traits::get(const asn1data::ASN1T_IssuerSerial& record,
     value = CIssuerSerial(issuer, serialNumber);
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_IssuerSerial_traits, CIssuerSerial>(const CIssuerSerial&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_IssuerSerial_traits, CIssuerSerial>(const CBlob&, CIssuerSerial&);
-
 } // namespace Brevantis::ASN1

@@ -6,9 +6,6 @@
 
 namespace Brevantis::ASN1 {
 
-template class ChoiceValueTraitsT<CBlob, 1>;
-template class ChoiceValueTraitsT<COtherHashAlgAndValue, 2>;
-
 COtherHashAlgAndValue::COtherHashAlgAndValue(const CBlob& value,
                                              const CAlgorithmIdentifier& algorithm)
     : hashAlgorithm_(algorithm), hashValue_(value) {}

@@ -54,11 +54,4 @@ void ASN1T_OtherHash_traits::get(const asn1data::ASN1T_OtherHash& record, COther
     }
 }
 
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_OtherHashAlgAndValue_traits, COtherHashAlgAndValue>(const COtherHashAlgAndValue&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_OtherHashAlgAndValue_traits, COtherHashAlgAndValue>(const CBlob&,
-                                                                     COtherHashAlgAndValue&);
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_OtherHash_traits, COtherHash>(const COtherHash&);
-
 } // namespace Brevantis::ASN1

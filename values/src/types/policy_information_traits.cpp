@@ -17,13 +17,4 @@ void ASN1T_PolicyInformation_traits::get(const asn1data::ASN1T_PolicyInformation
     value.put_policyIdentifier(identifier.c_str());
 }
 
-template struct ASN1TSeqOfList_traits<asn1data::ASN1T_PolicyInformation,
-                                      ASN1T_PolicyInformation_traits, CPolicyInformation,
-                                      CPolicyInformationList>;
-
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PolicyInformation_traits, CPolicyInformation>(const CPolicyInformation&);
-template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_PolicyInformation_traits, CPolicyInformation>(const CBlob&, CPolicyInformation&);
-
 } // namespace Brevantis::ASN1

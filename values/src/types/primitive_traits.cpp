@@ -197,10 +197,4 @@ const char* DateToASN1GeneralizedTime(ASN1CTXT* ctxt, const CDateTime& time, boo
     return copyText(ctxt, written.getGeneralizedTime().c_str());
 }
 
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1TObjId_traits, const char*>(const char* const&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1TObjId_traits, CStringProxy>(const CBlob&,
-                                                                             CStringProxy&);
-template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1GeneralizedTime_traits, CDateTime>(const CDateTime&);
-
 } // namespace Brevantis::ASN1

@@ -4,9 +4,6 @@
 
 namespace Brevantis::ASN1 {
 
-template class ChoiceValueTraitsT<CDateTime, 1>;
-template class ChoiceValueTraitsT<CDateTime, 2>;
-
 CTimeChoice::CTimeChoice() {
     choice_.put<UtcTime>(CDateTime(0, 0));
 }

@@ -83,8 +83,4 @@ void ASN1T_Time_traits::get(const asn1data::ASN1T_Time& record, CTimeChoice& val
     }
 }
 
-template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_Time_traits, CTimeChoice>(const CTimeChoice&);
-template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Time_traits, CTimeChoice>(const CBlob&,
-                                                                            CTimeChoice&);
-
 } // namespace Brevantis::ASN1

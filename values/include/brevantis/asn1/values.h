@@ -67,6 +67,7 @@
 #include <brevantis/asn1/values/types/time_choice_traits.h>
 #include <brevantis/asn1/values/util/coding.h>
 #include <brevantis/asn1/values/util/context_handle.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 #include <brevantis/asn1/values/util/octet_string_value.h>
 #include <brevantis/asn1/values/util/one_element.h>

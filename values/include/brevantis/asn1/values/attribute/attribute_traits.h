@@ -7,6 +7,7 @@
 #include <brevantis/asn1/values/attribute/attribute.h>
 #include <brevantis/asn1/values/types/primitive_traits.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -17,7 +18,7 @@ namespace Brevantis::ASN1 {
 /// The open values of an attribute.
 using OpenValueListTraits =
     ASN1TSeqOfList_traits<Asn1TObject, Asn1TObject_traits, CBlob, CBlobList>;
-extern template struct BREVANTIS_ASN1_API
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API
     ASN1TSeqOfList_traits<Asn1TObject, Asn1TObject_traits, CBlob, CBlobList>;
 
 /// Attribute (X.501, 8.2) as a CAttribute.
@@ -36,7 +37,7 @@ struct BREVANTIS_ASN1_API ASN1T_Attribute_traits
 /// The attributes of SignedAttributes.
 using AttributeListTraits = ASN1TSeqOfList_traits<asn1data::ASN1T_Attribute, ASN1T_Attribute_traits,
                                                   CAttribute, CAttributes>;
-extern template struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
     asn1data::ASN1T_Attribute, ASN1T_Attribute_traits, CAttribute, CAttributes>;
 
 /// SignedAttributes (RFC 5652, 5.3) as a CAttributes.
@@ -49,14 +50,8 @@ struct BREVANTIS_ASN1_API ASN1T_Attributes_traits
     static void get(const asn1data::ASN1T_SignedAttributes& record, CAttributes& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Attribute_traits, CAttribute>(const CAttribute&);
-extern template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Attribute_traits, CAttribute>(const CBlob&,
-                                                                                       CAttribute&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Attributes_traits, CAttributes>(const CAttributes&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_Attributes_traits, CAttributes>(const CBlob&, CAttributes&);
+BREVANTIS_ASN1_CODED(ASN1T_Attribute_traits, CAttribute)
+BREVANTIS_ASN1_CODED(ASN1T_Attributes_traits, CAttributes)
 
 } // namespace Brevantis::ASN1
 

@@ -6,6 +6,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/attribute/certificate_value.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -34,7 +35,7 @@ struct BREVANTIS_ASN1_API ASN1T_CertificateList_traits
 /// SEQUENCE OF Certificate.
 using CertificateSequenceTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_Certificate, ASN1T_Certificate_traits, CBlob, CBlobList>;
-extern template struct BREVANTIS_ASN1_API
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API
     ASN1TSeqOfList_traits<asn1data::ASN1T_Certificate, ASN1T_Certificate_traits, CBlob, CBlobList>;
 
 /// CertificateValues (RFC 5126, 6.3.3) as a CCertificateValues.
@@ -47,26 +48,11 @@ struct BREVANTIS_ASN1_API ASN1T_CertificateValues_traits
     static void get(const asn1data::ASN1T_CertificateValues& record, CCertificateValues& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_Certificate_traits, CBlob>(const CBlob&);
-extern template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Certificate_traits, CBlob>(const CBlob&,
-                                                                                    CBlob&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Certificate_traits, CCertificateValue>(const CCertificateValue&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_Certificate_traits, CCertificateValue>(const CBlob&, CCertificateValue&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1EncodeT<ASN1T_Certificate_traits>(const asn1data::ASN1T_Certificate&);
-extern template BREVANTIS_ASN1_API void
-asn1DecodeT<ASN1T_Certificate_traits>(const CBlob&, ASN1CTXT*, asn1data::ASN1T_Certificate&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1EncodeT<ASN1T_CertificateList_traits>(const asn1data::ASN1T_CertificateList&);
-extern template BREVANTIS_ASN1_API void
-asn1DecodeT<ASN1T_CertificateList_traits>(const CBlob&, ASN1CTXT*,
-                                          asn1data::ASN1T_CertificateList&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_CertificateValues_traits, CCertificateValues>(const CCertificateValues&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_CertificateValues_traits, CCertificateValues>(const CBlob&, CCertificateValues&);
+BREVANTIS_ASN1_CODED(ASN1T_Certificate_traits, CBlob)
+BREVANTIS_ASN1_CODED(ASN1T_Certificate_traits, CCertificateValue)
+BREVANTIS_ASN1_RECORD_CODED(ASN1T_Certificate_traits)
+BREVANTIS_ASN1_RECORD_CODED(ASN1T_CertificateList_traits)
+BREVANTIS_ASN1_CODED(ASN1T_CertificateValues_traits, CCertificateValues)
 
 } // namespace Brevantis::ASN1
 

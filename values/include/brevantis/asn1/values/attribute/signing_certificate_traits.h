@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/attribute/signing_certificate.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -46,24 +47,9 @@ struct BREVANTIS_ASN1_API ASN1T_OtherSigningCertificate_traits
                     CAttrOtherSigningCertificate& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_SigningCertificate_traits, CAttrSigningCertificate>(
-    const CAttrSigningCertificate&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_SigningCertificate_traits, CAttrSigningCertificate>(const CBlob&,
-                                                                     CAttrSigningCertificate&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_SigningCertificateV2_traits, CAttrSigningCertificateV2>(
-    const CAttrSigningCertificateV2&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_SigningCertificateV2_traits, CAttrSigningCertificateV2>(
-    const CBlob&, CAttrSigningCertificateV2&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_OtherSigningCertificate_traits, CAttrOtherSigningCertificate>(
-    const CAttrOtherSigningCertificate&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_OtherSigningCertificate_traits, CAttrOtherSigningCertificate>(
-    const CBlob&, CAttrOtherSigningCertificate&);
+BREVANTIS_ASN1_CODED(ASN1T_SigningCertificate_traits, CAttrSigningCertificate)
+BREVANTIS_ASN1_CODED(ASN1T_SigningCertificateV2_traits, CAttrSigningCertificateV2)
+BREVANTIS_ASN1_CODED(ASN1T_OtherSigningCertificate_traits, CAttrOtherSigningCertificate)
 
 } // namespace Brevantis::ASN1
 

@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/cmp/failure_info.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 namespace Brevantis::ASN1 {
@@ -22,8 +23,7 @@ struct BREVANTIS_ASN1_API ASN1T_PKIFailureInfo_traits
     static void get(const asn1data::ASN1T_PKIFailureInfo& record, CPKIFailureInfo& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PKIFailureInfo_traits, CPKIFailureInfo>(const CPKIFailureInfo&);
+BREVANTIS_ASN1_ENCODED(ASN1T_PKIFailureInfo_traits, CPKIFailureInfo)
 
 } // namespace Brevantis::ASN1
 

@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/cmp/revocation_announcement.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 namespace Brevantis::ASN1 {
@@ -18,10 +19,7 @@ struct BREVANTIS_ASN1_API ASN1T_RevAnnContent_traits
     static void get(const asn1data::ASN1T_RevAnnContent& record, CRevAnnContent& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_RevAnnContent_traits, CRevAnnContent>(const CRevAnnContent&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_RevAnnContent_traits, CRevAnnContent>(const CBlob&, CRevAnnContent&);
+BREVANTIS_ASN1_CODED(ASN1T_RevAnnContent_traits, CRevAnnContent)
 
 } // namespace Brevantis::ASN1
 

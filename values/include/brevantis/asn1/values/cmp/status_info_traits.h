@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/cmp/status_info.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 namespace Brevantis::ASN1 {
@@ -19,10 +20,7 @@ struct BREVANTIS_ASN1_API ASN1T_PKIStatusInfo_traits
     static void get(const asn1data::ASN1T_PKIStatusInfo& record, CPKIStatusInfo& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PKIStatusInfo_traits, CPKIStatusInfo>(const CPKIStatusInfo&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_PKIStatusInfo_traits, CPKIStatusInfo>(const CBlob&, CPKIStatusInfo&);
+BREVANTIS_ASN1_CODED(ASN1T_PKIStatusInfo_traits, CPKIStatusInfo)
 
 } // namespace Brevantis::ASN1
 

@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/cms/content_info.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 namespace Brevantis::ASN1 {
@@ -25,13 +26,8 @@ struct BREVANTIS_ASN1_API ASN1T_ContentInfo_traits
     static void get(const asn1data::ASN1T_ContentInfo& record, CBlob& encoded);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_ContentInfo_traits, CContentInfo>(const CContentInfo&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_ContentInfo_traits, CContentInfo>(const CBlob&, CContentInfo&);
-extern template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_ContentInfo_traits, CBlob>(const CBlob&);
-extern template BREVANTIS_ASN1_API void asn1Decode<ASN1T_ContentInfo_traits, CBlob>(const CBlob&,
-                                                                                    CBlob&);
+BREVANTIS_ASN1_CODED(ASN1T_ContentInfo_traits, CContentInfo)
+BREVANTIS_ASN1_CODED(ASN1T_ContentInfo_traits, CBlob)
 
 } // namespace Brevantis::ASN1
 

@@ -4,6 +4,7 @@
 #include <brevantis/asn1/asn1data/x509.h>
 #include <brevantis/asn1/values/extension/extension.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -26,7 +27,7 @@ struct BREVANTIS_ASN1_API ASN1T_Extension_traits
 /// The extensions of Extensions.
 using ExtensionListTraits = ASN1TSeqOfList_traits<asn1data::ASN1T_Extension, ASN1T_Extension_traits,
                                                   CExtension, CExtensions>;
-extern template struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
     asn1data::ASN1T_Extension, ASN1T_Extension_traits, CExtension, CExtensions>;
 
 /// Extensions (RFC 5280, 4.1) as a CExtensions.
@@ -38,14 +39,8 @@ struct BREVANTIS_ASN1_API ASN1T_Extensions_traits
     static void get(const asn1data::ASN1T_Extensions& record, CExtensions& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Extension_traits, CExtension>(const CExtension&);
-extern template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Extension_traits, CExtension>(const CBlob&,
-                                                                                       CExtension&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Extensions_traits, CExtensions>(const CExtensions&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_Extensions_traits, CExtensions>(const CBlob&, CExtensions&);
+BREVANTIS_ASN1_CODED(ASN1T_Extension_traits, CExtension)
+BREVANTIS_ASN1_CODED(ASN1T_Extensions_traits, CExtensions)
 
 } // namespace Brevantis::ASN1
 

@@ -4,6 +4,7 @@
 #include <brevantis/asn1/asn1data/extensions.h>
 #include <brevantis/asn1/values/extension/named_extensions.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -34,14 +35,8 @@ struct BREVANTIS_ASN1_API ASN1T_PrivateKeyUsagePeriod_traits
                     CExtPrivateKeyUsagePeriod& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_CRLReason_traits, CrlReason>(const CrlReason&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PrivateKeyUsagePeriod_traits, CExtPrivateKeyUsagePeriod>(
-    const CExtPrivateKeyUsagePeriod&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_PrivateKeyUsagePeriod_traits, CExtPrivateKeyUsagePeriod>(
-    const CBlob&, CExtPrivateKeyUsagePeriod&);
+BREVANTIS_ASN1_ENCODED(ASN1T_CRLReason_traits, CrlReason)
+BREVANTIS_ASN1_CODED(ASN1T_PrivateKeyUsagePeriod_traits, CExtPrivateKeyUsagePeriod)
 
 } // namespace Brevantis::ASN1
 

@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/access_description.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -29,7 +30,7 @@ struct BREVANTIS_ASN1_API ASN1T_AccessDescription_traits
 using AccessDescriptionListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_AccessDescription, ASN1T_AccessDescription_traits,
                           CAccessDescription, CAuthorityInfoAccessSyntax>;
-extern template struct BREVANTIS_ASN1_API
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API
     ASN1TSeqOfList_traits<asn1data::ASN1T_AccessDescription, ASN1T_AccessDescription_traits,
                           CAccessDescription, CAuthorityInfoAccessSyntax>;
 
@@ -47,16 +48,8 @@ struct BREVANTIS_ASN1_API ASN1T_AuthorityInfoAccessSyntax_traits
                     CAuthorityInfoAccessSyntax& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_AccessDescription_traits, CAccessDescription>(const CAccessDescription&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AccessDescription_traits, CAccessDescription>(const CBlob&, CAccessDescription&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_AuthorityInfoAccessSyntax_traits, CAuthorityInfoAccessSyntax>(
-    const CAuthorityInfoAccessSyntax&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AuthorityInfoAccessSyntax_traits, CAuthorityInfoAccessSyntax>(
-    const CBlob&, CAuthorityInfoAccessSyntax&);
+BREVANTIS_ASN1_CODED(ASN1T_AccessDescription_traits, CAccessDescription)
+BREVANTIS_ASN1_CODED(ASN1T_AuthorityInfoAccessSyntax_traits, CAuthorityInfoAccessSyntax)
 
 } // namespace Brevantis::ASN1
 

@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/algorithm_identifier.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -39,11 +40,7 @@ struct BREVANTIS_ASN1_API ASN1T_AlgorithmIdentifier_traits
     static void get(const asn1data::ASN1T_AlgorithmIdentifier& record, CAlgorithmIdentifier& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_AlgorithmIdentifier_traits, CAlgorithmIdentifier>(const CAlgorithmIdentifier&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AlgorithmIdentifier_traits, CAlgorithmIdentifier>(const CBlob&,
-                                                                   CAlgorithmIdentifier&);
+BREVANTIS_ASN1_CODED(ASN1T_AlgorithmIdentifier_traits, CAlgorithmIdentifier)
 
 } // namespace Brevantis::ASN1
 

@@ -4,6 +4,7 @@
 #include <brevantis/asn1/asn1data/x509.h>
 #include <brevantis/asn1/values/types/attribute_type_and_value.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -24,12 +25,7 @@ struct BREVANTIS_ASN1_API ASN1T_AttributeTypeAndValue_traits
                     CAttributeTypeAndValue& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_AttributeTypeAndValue_traits, CAttributeTypeAndValue>(
-    const CAttributeTypeAndValue&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_AttributeTypeAndValue_traits, CAttributeTypeAndValue>(const CBlob&,
-                                                                       CAttributeTypeAndValue&);
+BREVANTIS_ASN1_CODED(ASN1T_AttributeTypeAndValue_traits, CAttributeTypeAndValue)
 
 } // namespace Brevantis::ASN1
 

@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/certificate_identifiers.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -50,35 +51,26 @@ struct BREVANTIS_ASN1_API ASN1T_OtherCertID_traits
 /// SEQUENCE OF ESSCertID.
 using ESSCertIDListTraits = ASN1TSeqOfList_traits<asn1data::ASN1T_ESSCertID, ASN1T_ESSCertID_traits,
                                                   CESSCertID, CESSCertIDList>;
-extern template struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
     asn1data::ASN1T_ESSCertID, ASN1T_ESSCertID_traits, CESSCertID, CESSCertIDList>;
 
 /// SEQUENCE OF ESSCertIDv2.
 using ESSCertIDv2ListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_ESSCertIDv2, ASN1T_ESSCertIDv2_traits, CESSCertIDv2,
                           CESSCertIDv2List>;
-extern template struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
     asn1data::ASN1T_ESSCertIDv2, ASN1T_ESSCertIDv2_traits, CESSCertIDv2, CESSCertIDv2List>;
 
 /// SEQUENCE OF OtherCertID.
 using OtherCertIDListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_OtherCertID, ASN1T_OtherCertID_traits, COtherCertID,
                           COtherCertIDList>;
-extern template struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
     asn1data::ASN1T_OtherCertID, ASN1T_OtherCertID_traits, COtherCertID, COtherCertIDList>;
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_ESSCertID_traits, CESSCertID>(const CESSCertID&);
-extern template BREVANTIS_ASN1_API void asn1Decode<ASN1T_ESSCertID_traits, CESSCertID>(const CBlob&,
-                                                                                       CESSCertID&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_ESSCertIDv2_traits, CESSCertIDv2>(const CESSCertIDv2&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_ESSCertIDv2_traits, CESSCertIDv2>(const CBlob&, CESSCertIDv2&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_OtherCertID_traits, COtherCertID>(const COtherCertID&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_OtherCertID_traits, COtherCertID>(const CBlob&, COtherCertID&);
+BREVANTIS_ASN1_CODED(ASN1T_ESSCertID_traits, CESSCertID)
+BREVANTIS_ASN1_CODED(ASN1T_ESSCertIDv2_traits, CESSCertIDv2)
+BREVANTIS_ASN1_CODED(ASN1T_OtherCertID_traits, COtherCertID)
 
 } // namespace Brevantis::ASN1
 

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include <brevantis/asn1/export.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/support/blob.h>
 #include <brevantis/support/error.h>
 
@@ -17,9 +18,8 @@
 ///
 /// A new class takes three steps:
 ///
-///     // 1. The traits of alternatives that have a type of their own: the extern declaration in
-///     //    the class's header, the same line without `extern` in its source.
-///     extern template class ChoiceValueTraitsT<CGeneralNames, 1>;
+///     // 1. The traits of alternatives that have a type of their own, see util/instances.h.
+///     BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CGeneralNames, 1>;
 ///
 ///     // 2. The implementation: the table of the alternatives, and nothing else.
 ///     class BREVANTIS_ASN1_API CDistributionPointNameImpl final
@@ -108,7 +108,7 @@ const ChoiceValueTraitsT<T, N> ChoiceValueTraitsT<T, N>::instance{};
 /// No alternative, in every choice.
 using EmptyChoiceTraits = ChoiceValueTraitsT<void*, 0>;
 
-extern template class ChoiceValueTraitsT<void*, 0>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<void*, 0>;
 
 /// The implementation object of a choice: the alternative and its value.
 class BREVANTIS_ASN1_API Choice {

@@ -15,7 +15,7 @@
 
 namespace Brevantis::ASN1 {
 
-extern template class ChoiceValueTraitsT<CGeneralNames, 1>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CGeneralNames, 1>;
 
 /// Alternatives of CDistributionPointName.
 class BREVANTIS_ASN1_API CDistributionPointNameImpl final

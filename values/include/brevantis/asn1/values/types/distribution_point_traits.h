@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/distribution_point.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -44,7 +45,7 @@ struct BREVANTIS_ASN1_API ASN1T_DistributionPoint_traits
 using DistributionPointListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_DistributionPoint, ASN1T_DistributionPoint_traits,
                           CDistributionPoint, CCRLDistPointsSyntax>;
-extern template struct BREVANTIS_ASN1_API
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API
     ASN1TSeqOfList_traits<asn1data::ASN1T_DistributionPoint, ASN1T_DistributionPoint_traits,
                           CDistributionPoint, CCRLDistPointsSyntax>;
 
@@ -60,13 +61,8 @@ struct BREVANTIS_ASN1_API ASN1T_CRLDistPointsSyntax_traits
     static void get(const asn1data::ASN1T_CRLDistPointsSyntax& record, CCRLDistPointsSyntax& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_DistributionPointName_traits, CDistributionPointName>(
-    const CDistributionPointName&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_DistributionPoint_traits, CDistributionPoint>(const CDistributionPoint&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_DistributionPoint_traits, CDistributionPoint>(const CBlob&, CDistributionPoint&);
+BREVANTIS_ASN1_ENCODED(ASN1T_DistributionPointName_traits, CDistributionPointName)
+BREVANTIS_ASN1_CODED(ASN1T_DistributionPoint_traits, CDistributionPoint)
 
 } // namespace Brevantis::ASN1
 

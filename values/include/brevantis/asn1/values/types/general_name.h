@@ -13,12 +13,12 @@
 
 namespace Brevantis::ASN1 {
 
-extern template class ChoiceValueTraitsT<std::wstring, 2>;
-extern template class ChoiceValueTraitsT<std::wstring, 3>;
-extern template class ChoiceValueTraitsT<CBlob, 5>;
-extern template class ChoiceValueTraitsT<std::wstring, 7>;
-extern template class ChoiceValueTraitsT<CBlob, 8>;
-extern template class ChoiceValueTraitsT<std::wstring, 9>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 2>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 3>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 5>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 7>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 8>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 9>;
 
 /// Alternatives of CGeneralName.
 class BREVANTIS_ASN1_API CGeneralNameImpl final

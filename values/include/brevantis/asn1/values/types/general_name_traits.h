@@ -4,6 +4,7 @@
 #include <brevantis/asn1/asn1data/extensions.h>
 #include <brevantis/asn1/values/types/general_name.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -28,7 +29,7 @@ struct BREVANTIS_ASN1_API ASN1T_GeneralName_traits
 using GeneralNameListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_GeneralName, ASN1T_GeneralName_traits, CGeneralName,
                           CGeneralNames>;
-extern template struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
     asn1data::ASN1T_GeneralName, ASN1T_GeneralName_traits, CGeneralName, CGeneralNames>;
 
 /// GeneralNames (RFC 5280, 4.2.1.6) as a CGeneralNames.
@@ -42,10 +43,7 @@ struct BREVANTIS_ASN1_API ASN1T_GeneralNames_traits
     static void get(const asn1data::ASN1T_GeneralNames& record, CGeneralNames& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_GeneralNames_traits, CGeneralNames>(const CGeneralNames&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_GeneralNames_traits, CGeneralNames>(const CBlob&, CGeneralNames&);
+BREVANTIS_ASN1_CODED(ASN1T_GeneralNames_traits, CGeneralNames)
 
 } // namespace Brevantis::ASN1
 

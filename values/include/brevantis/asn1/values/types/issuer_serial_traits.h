@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/issuer_serial.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -25,10 +26,7 @@ struct BREVANTIS_ASN1_API ASN1T_IssuerSerial_traits
     static void get(const asn1data::ASN1T_IssuerSerial& record, CIssuerSerial& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_IssuerSerial_traits, CIssuerSerial>(const CIssuerSerial&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_IssuerSerial_traits, CIssuerSerial>(const CBlob&, CIssuerSerial&);
+BREVANTIS_ASN1_CODED(ASN1T_IssuerSerial_traits, CIssuerSerial)
 
 } // namespace Brevantis::ASN1
 

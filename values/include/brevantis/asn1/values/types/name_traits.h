@@ -5,6 +5,7 @@
 #include <brevantis/asn1/values/types/attribute_type_and_value_traits.h>
 #include <brevantis/asn1/values/types/name.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -16,7 +17,7 @@ namespace Brevantis::ASN1 {
 using AttributeTypeAndValueListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_AttributeTypeAndValue, ASN1T_AttributeTypeAndValue_traits,
                           CAttributeTypeAndValue, CRelativeDistinguishedName>;
-extern template struct BREVANTIS_ASN1_API
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API
     ASN1TSeqOfList_traits<asn1data::ASN1T_AttributeTypeAndValue, ASN1T_AttributeTypeAndValue_traits,
                           CAttributeTypeAndValue, CRelativeDistinguishedName>;
 
@@ -32,19 +33,14 @@ struct BREVANTIS_ASN1_API ASN1T_RelativeDistinguishedName_traits
                     CRelativeDistinguishedName& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_RelativeDistinguishedName_traits, CRelativeDistinguishedName>(
-    const CRelativeDistinguishedName&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_RelativeDistinguishedName_traits, CRelativeDistinguishedName>(
-    const CBlob&, CRelativeDistinguishedName&);
+BREVANTIS_ASN1_CODED(ASN1T_RelativeDistinguishedName_traits, CRelativeDistinguishedName)
 
 /// The relative names of RDNSequence.
 using RelativeDistinguishedNameListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_RelativeDistinguishedName,
                           ASN1T_RelativeDistinguishedName_traits, CRelativeDistinguishedName,
                           CRDNSequence>;
-extern template struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API ASN1TSeqOfList_traits<
     asn1data::ASN1T_RelativeDistinguishedName, ASN1T_RelativeDistinguishedName_traits,
     CRelativeDistinguishedName, CRDNSequence>;
 
@@ -66,7 +62,7 @@ struct BREVANTIS_ASN1_API ASN1T_Name_traits
     static void get(const asn1data::ASN1T_Name& record, CBlob& encoding);
 };
 
-extern template BREVANTIS_ASN1_API CBlob asn1Encode<ASN1T_Name_traits, CName>(const CName&);
+BREVANTIS_ASN1_ENCODED(ASN1T_Name_traits, CName)
 
 } // namespace Brevantis::ASN1
 

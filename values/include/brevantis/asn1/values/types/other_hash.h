@@ -49,8 +49,8 @@ private:
 BREVANTIS_ASN1_API bool operator==(const COtherHashAlgAndValue& a, const COtherHashAlgAndValue& b);
 BREVANTIS_ASN1_API bool operator!=(const COtherHashAlgAndValue& a, const COtherHashAlgAndValue& b);
 
-extern template class ChoiceValueTraitsT<CBlob, 1>;
-extern template class ChoiceValueTraitsT<COtherHashAlgAndValue, 2>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 1>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<COtherHashAlgAndValue, 2>;
 
 /// Alternatives of COtherHash.
 class BREVANTIS_ASN1_API COtherHashImpl final

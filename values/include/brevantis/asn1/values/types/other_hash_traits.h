@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/other_hash.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -35,13 +36,8 @@ struct BREVANTIS_ASN1_API ASN1T_OtherHash_traits
     static void get(const asn1data::ASN1T_OtherHash& record, COtherHash& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_OtherHashAlgAndValue_traits, COtherHashAlgAndValue>(const COtherHashAlgAndValue&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_OtherHashAlgAndValue_traits, COtherHashAlgAndValue>(const CBlob&,
-                                                                     COtherHashAlgAndValue&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_OtherHash_traits, COtherHash>(const COtherHash&);
+BREVANTIS_ASN1_CODED(ASN1T_OtherHashAlgAndValue_traits, COtherHashAlgAndValue)
+BREVANTIS_ASN1_ENCODED(ASN1T_OtherHash_traits, COtherHash)
 
 } // namespace Brevantis::ASN1
 

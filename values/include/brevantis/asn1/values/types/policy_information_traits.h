@@ -5,6 +5,7 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/policy_information.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -27,14 +28,11 @@ struct BREVANTIS_ASN1_API ASN1T_PolicyInformation_traits
 using PolicyInformationListTraits =
     ASN1TSeqOfList_traits<asn1data::ASN1T_PolicyInformation, ASN1T_PolicyInformation_traits,
                           CPolicyInformation, CPolicyInformationList>;
-extern template struct BREVANTIS_ASN1_API
+BREVANTIS_ASN1_INSTANCE struct BREVANTIS_ASN1_API
     ASN1TSeqOfList_traits<asn1data::ASN1T_PolicyInformation, ASN1T_PolicyInformation_traits,
                           CPolicyInformation, CPolicyInformationList>;
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_PolicyInformation_traits, CPolicyInformation>(const CPolicyInformation&);
-extern template BREVANTIS_ASN1_API void
-asn1Decode<ASN1T_PolicyInformation_traits, CPolicyInformation>(const CBlob&, CPolicyInformation&);
+BREVANTIS_ASN1_CODED(ASN1T_PolicyInformation_traits, CPolicyInformation)
 
 } // namespace Brevantis::ASN1
 

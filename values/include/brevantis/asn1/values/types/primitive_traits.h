@@ -5,6 +5,7 @@
 #include <brevantis/asn1/runtime/object_identifier.h>
 #include <brevantis/asn1/runtime/value_types.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 #include <brevantis/support/blob.h>
 #include <brevantis/support/date_time.h>
@@ -111,12 +112,9 @@ BREVANTIS_ASN1_API const char* DateToASN1GeneralizedTime(ASN1CTXT* ctxt, const C
                                                          bool wholeSeconds);
 
 // Dotted text goes in as a bare pointer and comes out owned.
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1TObjId_traits, const char*>(const char* const&);
-extern template BREVANTIS_ASN1_API void asn1Decode<ASN1TObjId_traits, CStringProxy>(const CBlob&,
-                                                                                    CStringProxy&);
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1GeneralizedTime_traits, CDateTime>(const CDateTime&);
+BREVANTIS_ASN1_ENCODED(ASN1TObjId_traits, const char*)
+BREVANTIS_ASN1_DECODED(ASN1TObjId_traits, CStringProxy)
+BREVANTIS_ASN1_ENCODED(ASN1GeneralizedTime_traits, CDateTime)
 
 } // namespace Brevantis::ASN1
 

@@ -9,8 +9,8 @@
 
 namespace Brevantis::ASN1 {
 
-extern template class ChoiceValueTraitsT<CDateTime, 1>;
-extern template class ChoiceValueTraitsT<CDateTime, 2>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CDateTime, 1>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CDateTime, 2>;
 
 /// Alternatives of CTimeChoice.
 class BREVANTIS_ASN1_API CTimeChoiceImpl final

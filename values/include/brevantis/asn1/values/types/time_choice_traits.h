@@ -4,6 +4,7 @@
 #include <brevantis/asn1/asn1data/x509.h>
 #include <brevantis/asn1/values/types/time_choice.h>
 #include <brevantis/asn1/values/util/coding.h>
+#include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
 /// @file
@@ -23,10 +24,7 @@ struct BREVANTIS_ASN1_API ASN1T_Time_traits
     static void get(const asn1data::ASN1T_Time& record, CTimeChoice& value);
 };
 
-extern template BREVANTIS_ASN1_API CBlob
-asn1Encode<ASN1T_Time_traits, CTimeChoice>(const CTimeChoice&);
-extern template BREVANTIS_ASN1_API void asn1Decode<ASN1T_Time_traits, CTimeChoice>(const CBlob&,
-                                                                                   CTimeChoice&);
+BREVANTIS_ASN1_CODED(ASN1T_Time_traits, CTimeChoice)
 
 } // namespace Brevantis::ASN1
 
