@@ -27,22 +27,6 @@ void print(const char* what, const CWStringProxy& text) {
     std::printf("%s: %s\n", what, displayText(string.pbData(), size).c_str());
 }
 
-/// The whole text of a name, of which its own `toString` shows the beginning.
-CWStringProxy textOf(const CGeneralName& name) {
-    for (const wchar_t* text : {name.get_dNSName(), name.get_rfc822Name(), name.get_registeredID(),
-                                name.get_uniformResourceIdentifier()}) {
-        if (text != nullptr) {
-            return text;
-        }
-    }
-    if (const CBlob* address = name.get_iPAddress()) {
-        return towstring(address->writeToHexString(0).c_str());
-    }
-    CName directoryName;
-    directoryName.decode(*name.get_directoryName());
-    return directoryName.toString();
-}
-
 /// @throws std::runtime_error when it is no certificate
 void printNames(const std::vector<unsigned char>& der) {
     ASN1BERDecodeBuffer buffer(der.data(), static_cast<int>(der.size()));
@@ -69,7 +53,7 @@ void printNames(const std::vector<unsigned char>& der) {
             std::puts("  (a name of a kind that is not read here, and those behind it)");
         }
         for (const CGeneralName& alternative : alternatives) {
-            print("  also", textOf(alternative));
+            print("  also", alternative.wholeText());
         }
     }
 }

@@ -20,13 +20,6 @@ using namespace Brevantis::ASN1;
 
 constexpr const char* Data = "1.2.840.113549.1.7.1";
 
-/// An attribute with one value.
-CAttribute attributeOf(const CAttrValue& value) {
-    CAttribute attribute(value.get_oid());
-    attribute.add(value);
-    return attribute;
-}
-
 /// @param contentDigest SHA-256 of the content that is signed
 /// @param certificateDigest SHA-256 of the signer's certificate
 CAttributes signedAttributes(const CBlob& contentDigest, const CBlob& certificateDigest) {
@@ -35,10 +28,10 @@ CAttributes signedAttributes(const CBlob& contentDigest, const CBlob& certificat
     const CESSCertIDv2List signer{CESSCertIDv2(certificateDigest)};
 
     CAttributes attributes;
-    attributes.push_back(attributeOf(CAttrContentType(Data)));
-    attributes.push_back(attributeOf(CAttrSigningTime(CDateTime(std::time(nullptr), 0))));
-    attributes.push_back(attributeOf(messageDigest));
-    attributes.push_back(attributeOf(CAttrSigningCertificateV2(signer)));
+    attributes.emplace_back(CAttrContentType(Data));
+    attributes.emplace_back(CAttrSigningTime(CDateTime(std::time(nullptr), 0)));
+    attributes.emplace_back(messageDigest);
+    attributes.emplace_back(CAttrSigningCertificateV2(signer));
     return attributes;
 }
 

@@ -26,9 +26,7 @@ CBigInteger number(int i) {
 }
 
 CGeneralName name(int i) {
-    CGeneralName result;
-    result.put_dNSName(i == 0 ? L"before.example" : L"after.example");
-    return result;
+    return CGeneralName::dNSName(i == 0 ? L"before.example" : L"after.example");
 }
 
 CGeneralNames names(int i) {
@@ -91,8 +89,7 @@ TEST(Assignment, ChangesEveryFieldOrNone) {
     expectWholeAssignment(
         "CExtValue", [](int i) { return CExtValue(oid[i], octets[i]); }, value);
     expectWholeAssignment(
-        "CExtension", [](int i) { return CExtension(CExtValue(oid[i], octets[i]), i == 1); },
-        itself);
+        "CExtension", [](int i) { return CExtension(oid[i], octets[i], i == 1); }, itself);
     expectWholeAssignment(
         "CExtHoldInstructionCode", [](int i) { return CExtHoldInstructionCode(oid[i]); },
         [](const auto& of) { return std::tuple(copied(of.get_code()), of.get_value()); });

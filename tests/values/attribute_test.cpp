@@ -1,6 +1,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -73,6 +74,13 @@ TEST(Attribute, HoldsValuesOfAnyIdentifierAndWritesItsOwn) {
     CAttribute read;
     read.decode(mixed.encode());
     EXPECT_EQ(valuesOf(read), "1.2.3=0500 1.2.3=0500 ");
+}
+
+TEST(Attribute, IsMadeOfAValue) {
+    const CAttribute one(CAttrContentType("1.2.3"));
+    EXPECT_STREQ(one.get_oid(), contentType);
+    EXPECT_EQ(valuesOf(one), "1.2.840.113549.1.9.3=06022a03 ");
+    EXPECT_FALSE((std::is_convertible_v<CAttrValue, CAttribute>)) << "only when told";
 }
 
 TEST(Attribute, OwnsItsValuesFromTheStart) {

@@ -84,8 +84,7 @@ TEST(StatusInfo, LeavesOutWhatIsEmpty) {
 }
 
 TEST(RevocationAnnouncement, KeepsWholeSecondsAndDetailsThatAreNotEmpty) {
-    CGeneralName issuer;
-    issuer.put_dNSName(L"ca.test");
+    const CGeneralName issuer = CGeneralName::dNSName(L"ca.test");
     const CBlob serialNumber = blob("00C001");
     const CDateTime since(2029, 12, 31, 23, 59, 59);
     CRevAnnContent value(PKIStatusEnum_revocationWarning,
@@ -98,7 +97,7 @@ TEST(RevocationAnnouncement, KeepsWholeSecondsAndDetailsThatAreNotEmpty) {
     CExtensions details;
     value.put_crlDetails(&details);
     EXPECT_EQ(value.encode(), withoutDetails) << "empty details are absent";
-    details.insert(CExtension(CExtValue("2.5.29.20", blob("020105")), false));
+    details.insert(CExtension("2.5.29.20", blob("020105")));
     value.put_crlDetails(&details);
 
     CRevAnnContent read;

@@ -21,9 +21,7 @@ using tests::thrownCode;
 namespace {
 
 CGeneralName uri(const wchar_t* text) {
-    CGeneralName name;
-    name.put_uniformResourceIdentifier(text);
-    return name;
+    return CGeneralName::uniformResourceIdentifier(text);
 }
 
 /// The message of the openssl command that has this type, or the first of several.

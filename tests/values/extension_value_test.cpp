@@ -22,7 +22,7 @@ using tests::thrownCode;
 namespace {
 
 CExtension extension(const char* oid, const char* value, bool critical = false) {
-    return CExtension(CExtValue(oid, blob(value)), critical);
+    return CExtension(oid, blob(value), critical);
 }
 
 constexpr const char* keyUsage = "2.5.29.15";
@@ -45,6 +45,13 @@ TEST(Extension, IsEqualInFlagIdentifierAndValue) {
     EXPECT_TRUE(one != extension("1.2.3.5", "0500"));
     EXPECT_TRUE(one != extension(unknown, "0501"));
     EXPECT_FALSE(CExtension().get_critical());
+    CExtension changed;
+    changed.put_extnID(unknown);
+    changed.put_extnValue(blob("0500"));
+    EXPECT_TRUE(changed == one);
+    changed.put_critical(true);
+    changed.put_extnID("1.2.3.5");
+    EXPECT_TRUE(changed == extension("1.2.3.5", "0500", true));
 }
 
 TEST(Extensions, KeepOneForEachIdentifier) {

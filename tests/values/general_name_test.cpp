@@ -40,6 +40,36 @@ void put(CGeneralName& name, const DataRow& row) {
     }
 }
 
+CGeneralName made(const DataRow& row) {
+    const std::wstring text = towstring(row["content"].c_str());
+    switch (row.number("type")) {
+    case 2:
+        return CGeneralName::rfc822Name(text.c_str());
+    case 3:
+        return CGeneralName::dNSName(text.c_str());
+    case 5:
+        return CGeneralName::directoryName(blob(row["content"]));
+    case 7:
+        return CGeneralName::uniformResourceIdentifier(text.c_str());
+    case 8:
+        return CGeneralName::iPAddress(blob(row["content"]));
+    default:
+        return CGeneralName::registeredID(text.c_str());
+    }
+}
+
+/// The whole text of a name: that of a directoryName ends what is shown.
+std::wstring wholeText(const DataRow& row) {
+    switch (row.number("type")) {
+    case 5:
+        return towstring(row["shown"].substr(std::string("directoryName: ").size()).c_str());
+    case 8:
+        return towstring(blob(row["content"]).writeToHexString(0).c_str());
+    default:
+        return towstring(row["content"].c_str());
+    }
+}
+
 /// Every getter gives the content of its own alternative, and null for the others.
 void expectContent(const CGeneralName& name, const DataRow& row) {
     const auto expected = row.number<unsigned>("type");
@@ -67,6 +97,8 @@ TEST(GeneralName, OfEachKindGoesInAndOut) {
         expectContent(name, row);
         EXPECT_EQ(name.encode(), blob(row["message"]));
         EXPECT_EQ(name.toString(), towstring(row["shown"].c_str()));
+        EXPECT_EQ(name.wholeText(), wholeText(row));
+        expectContent(made(row), row);
         CGeneralName read;
         read.decode(blob(row["message"]));
         expectContent(read, row);
@@ -77,6 +109,8 @@ TEST(GeneralName, OfEachKindGoesInAndOut) {
 TEST(GeneralName, RefusesWhatItCannotCarry) {
     CGeneralName name;
     EXPECT_EQ(name.toString(), L"");
+    EXPECT_EQ(name.wholeText(), L"");
+    EXPECT_EQ(thrownCode([] { CGeneralName::rfc822Name(nullptr); }), E_INVALIDARG);
     EXPECT_EQ(thrownCode([&] { name.encode(); }), E_INVALIDARG) << "no name";
     EXPECT_EQ(thrownCode([&] { name.put_dNSName(nullptr); }), E_INVALIDARG);
     name.put_registeredID(L"1.2.x");
@@ -91,17 +125,12 @@ TEST(GeneralName, RefusesWhatItCannotCarry) {
 }
 
 TEST(GeneralName, ComparesTextsByTheirFirstCharacter) {
-    const auto named = [](const wchar_t* text) {
-        CGeneralName name;
-        name.put_dNSName(text);
-        return name;
-    };
+    const auto named = &CGeneralName::dNSName;
     EXPECT_TRUE(CGeneralName() == CGeneralName());
     EXPECT_TRUE(named(L"example.org") == named(L"e"));
     EXPECT_TRUE(named(L"example.org") != named(L"www.example.org"));
     EXPECT_TRUE(named(L"e") != CGeneralName());
-    CGeneralName mail;
-    mail.put_rfc822Name(L"e");
+    const CGeneralName mail = CGeneralName::rfc822Name(L"e");
     EXPECT_TRUE(named(L"e") != mail);
     CGeneralName first;
     CGeneralName second;
@@ -162,8 +191,8 @@ TEST(GeneralNames, GoInAndOutInOrder) {
 }
 
 TEST(GeneralName, ShowsAllOrFailsWhenMemoryIsOut) {
-    CGeneralName name;
-    name.put_directoryName(CName(L"CN=a,O=b+OU=c,CN=some longer common name").encode());
+    const CGeneralName name =
+        CGeneralName::directoryName(CName(L"CN=a,O=b+OU=c,CN=some longer common name"));
     const CWStringProxy whole = name.toString();
     EXPECT_GT(tests::failEveryAllocation([&] { EXPECT_EQ(name.toString(), whole); }), 10);
 }

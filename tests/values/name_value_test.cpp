@@ -94,8 +94,7 @@ TEST(Name, GoesOnBehindAZeroCharacterInAValue) {
         name.push_back(CRelativeDistinguishedName(L"O=x"));
         EXPECT_EQ(name.toString(), L"CN=A+OU=y,O=x") << value;
         EXPECT_STREQ(name.toString().c_str(), L"CN=A+OU=y,O=x") << value;
-        CGeneralName general;
-        general.put_directoryName(name.encode());
+        const CGeneralName general = CGeneralName::directoryName(name);
         EXPECT_NE(std::wstring(general.toString().c_str()).find(L",O=x"), std::wstring::npos)
             << value;
     }

@@ -182,6 +182,7 @@ void attributes(ASN1CTXT* ctxt, CBlob& blob, CAttrValue& value, CAttribute& attr
         CAttrEmailAddress("x"));
     const CAttribute& fixed = attribute;
     attribute = CAttribute("1.2");
+    attribute = CAttribute(value);
     attribute.add(value);
     attribute.add(blob);
     attribute.erase(attribute.begin());
@@ -351,8 +352,12 @@ void choices(ASN1CTXT* ctxt, CBlob& blob, CTimeChoice& time, CGeneralName& name,
     name.put_iPAddress(*name.get_iPAddress());
     name.put_registeredID(name.get_registeredID());
     name.decode(name.encode());
-    use(name.get_type(), name.toString(), compared(name, name), toOctetString(blob),
-        fromOctetString(blob));
+    use(name.get_type(), name.toString(), name.wholeText(), compared(name, name),
+        toOctetString(blob), fromOctetString(blob), isOneElement(blob));
+    use(CGeneralName::rfc822Name(L""), CGeneralName::dNSName(L""),
+        CGeneralName::directoryName(blob), CGeneralName::directoryName(CName()),
+        CGeneralName::uniformResourceIdentifier(L""), CGeneralName::iPAddress(blob),
+        CGeneralName::registeredID(L""));
     name.clear();
     ASN1T_GeneralName record;
     setAndGet<ASN1T_GeneralName_traits>(record, name, ctxt);
@@ -374,6 +379,10 @@ void extensions(ASN1CTXT* ctxt, CBlob& blob, CExtension& extension, CExtensions&
     CExtValue value("1.2", blob);
     use(CExtValue(), CExtValue("1.2"), value.get_oid(), value.get_value(), value.value());
     extension = CExtension(value, true);
+    extension = CExtension("1.2", blob);
+    extension.put_extnID("1.2");
+    extension.put_extnValue(blob);
+    extension.put_critical(true);
     use(CExtension(), extension.get_extnID(), extension.get_extnValue(), extension.get_critical(),
         compared(extension, extension));
     whole<ASN1T_Extension_traits>(extension, blob, ctxt);

@@ -15,6 +15,10 @@ CAttribute::CAttribute(const char* oid) {
     content_.edit().oid = oid != nullptr ? oid : "";
 }
 
+CAttribute::CAttribute(const CAttrValue& value) : CAttribute(value.get_oid()) {
+    add(value);
+}
+
 const char* CAttribute::get_oid() const {
     return content_.get() != nullptr ? content_.get()->oid.c_str() : "";
 }

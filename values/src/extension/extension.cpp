@@ -28,6 +28,9 @@ CBlob& CExtValue::value() {
 CExtension::CExtension(const CExtValue& value, bool critical)
     : CExtValue(value), critical_(critical) {}
 
+CExtension::CExtension(const char* oid, const CBlob& value, bool critical)
+    : CExtValue(oid, value), critical_(critical) {}
+
 const char* CExtension::get_extnID() const {
     return get_oid();
 }
@@ -38,6 +41,18 @@ const CBlob& CExtension::get_extnValue() const {
 
 bool CExtension::get_critical() const {
     return critical_;
+}
+
+void CExtension::put_extnID(const char* oid) {
+    CExtValue::operator=(CExtValue(oid, get_value()));
+}
+
+void CExtension::put_extnValue(const CBlob& newValue) {
+    value() = newValue;
+}
+
+void CExtension::put_critical(bool critical) {
+    critical_ = critical;
 }
 
 CBlob CExtension::encode() const {

@@ -2,6 +2,7 @@
 
 #include <brevantis/asn1/values/types/general_name_traits.h>
 #include <brevantis/asn1/values/types/name.h>
+#include <brevantis/asn1/values/util/text_conversion.h>
 
 namespace Brevantis::ASN1 {
 
@@ -33,6 +34,41 @@ void CGeneralName::putText(const wchar_t* text) {
         ATL::AtlThrowImpl(E_INVALIDARG);
     }
     choice_.put<Traits>(text);
+}
+
+template <class Argument>
+CGeneralName CGeneralName::made(void (CGeneralName::*put)(Argument), Argument argument) {
+    CGeneralName name;
+    (name.*put)(argument);
+    return name;
+}
+
+CGeneralName CGeneralName::rfc822Name(const wchar_t* name) {
+    return made(&CGeneralName::put_rfc822Name, name);
+}
+
+CGeneralName CGeneralName::dNSName(const wchar_t* name) {
+    return made(&CGeneralName::put_dNSName, name);
+}
+
+CGeneralName CGeneralName::directoryName(const CBlob& name) {
+    return made<const CBlob&>(&CGeneralName::put_directoryName, name);
+}
+
+CGeneralName CGeneralName::directoryName(const CName& name) {
+    return directoryName(name.encode());
+}
+
+CGeneralName CGeneralName::uniformResourceIdentifier(const wchar_t* identifier) {
+    return made(&CGeneralName::put_uniformResourceIdentifier, identifier);
+}
+
+CGeneralName CGeneralName::iPAddress(const CBlob& address) {
+    return made<const CBlob&>(&CGeneralName::put_iPAddress, address);
+}
+
+CGeneralName CGeneralName::registeredID(const wchar_t* identifier) {
+    return made(&CGeneralName::put_registeredID, identifier);
 }
 
 const wchar_t* CGeneralName::get_rfc822Name() const {
@@ -87,6 +123,22 @@ void CGeneralName::clear() {
     choice_.clear();
 }
 
+CWStringProxy CGeneralName::wholeText() const {
+    for (const wchar_t* text :
+         {get_rfc822Name(), get_dNSName(), get_uniformResourceIdentifier(), get_registeredID()}) {
+        if (text != nullptr) {
+            return text;
+        }
+    }
+    if (const CBlob* encoded = get_directoryName()) {
+        CName name;
+        name.decode(*encoded);
+        return name.toString();
+    }
+    const CBlob* address = get_iPAddress();
+    return address != nullptr ? towstring(address->writeToHexString(0).c_str()) : CWStringProxy();
+}
+
 CWStringProxy CGeneralName::toString() const {
     std::wstring text;
     // Of a text the first character is shown and no more.
@@ -97,12 +149,9 @@ CWStringProxy CGeneralName::toString() const {
     case DNSName::number:
         text = std::wstring(L"dNSName: ") + *get_dNSName();
         break;
-    case DirectoryName::number: {
-        CName name;
-        name.decode(*get_directoryName());
-        text = std::wstring(L"directoryName: ") + name.toString().c_str();
+    case DirectoryName::number:
+        text = std::wstring(L"directoryName: ") + wholeText().c_str();
         break;
-    }
     case UniformResourceIdentifier::number:
         text = std::wstring(L"uniformResourceIdentifier: ") + *get_uniformResourceIdentifier();
         break;

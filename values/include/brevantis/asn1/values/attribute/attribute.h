@@ -26,6 +26,8 @@ public:
     /// No values.
     /// @param oid dotted text, copied; null stands for the empty text
     explicit CAttribute(const char* oid);
+    /// An attribute of the type that a value tells, with a copy of that value.
+    explicit CAttribute(const CAttrValue& value);
 
     /// @return the identifier as dotted text, valid until it changes or goes
     const char* get_oid() const;

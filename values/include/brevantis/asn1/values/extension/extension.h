@@ -47,12 +47,20 @@ public:
     CExtension() = default;
     /// @param critical whether a reader that does not know the extension has to refuse the whole
     CExtension(const CExtValue& value, bool critical);
+    /// @param oid dotted text, copied; null stands for the empty text
+    /// @param value the DER of the extension's value, without the OCTET STRING around it
+    explicit CExtension(const char* oid, const CBlob& value, bool critical = false);
 
     /// @return as CExtValue::get_oid
     const char* get_extnID() const;
     /// @return as CExtValue::get_value
     const CBlob& get_extnValue() const;
     bool get_critical() const;
+    /// @param oid dotted text, copied; null stands for the empty text
+    void put_extnID(const char* oid);
+    /// @param value its DER, without the OCTET STRING around it
+    void put_extnValue(const CBlob& value);
+    void put_critical(bool critical);
 
     /// The value of an extension that the library knows is decoded and written anew as DER, without
     /// what stands behind its first element. Any other value goes out as it is, whole, and so does

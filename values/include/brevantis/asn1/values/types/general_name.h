@@ -13,6 +13,8 @@
 
 namespace Brevantis::ASN1 {
 
+class CName;
+
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 2>;
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 3>;
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 5>;
@@ -41,6 +43,20 @@ class BREVANTIS_ASN1_API CGeneralName {
 public:
     /// No name: alternative 0.
     CGeneralName() = default;
+
+    /// These make a name of one kind, as the setter of that kind sets it.
+    /// @throws ATL::CAtlException with E_INVALIDARG for null
+    static CGeneralName rfc822Name(const wchar_t* name);
+    static CGeneralName dNSName(const wchar_t* name);
+    /// @param name the DER of a Name
+    static CGeneralName directoryName(const CBlob& name);
+    /// @throws as CName::encode
+    static CGeneralName directoryName(const CName& name);
+    static CGeneralName uniformResourceIdentifier(const wchar_t* identifier);
+    /// @param address its octets: 4 or 16, and as many again for a mask
+    static CGeneralName iPAddress(const CBlob& address);
+    /// @param identifier dotted text
+    static CGeneralName registeredID(const wchar_t* identifier);
 
     /// @return number of the alternative, 0 for none
     unsigned int get_type() const;
@@ -73,9 +89,15 @@ public:
     void clear();
 
     /// The kind and the value, as "dNSName: e"; empty for no name.
-    /// @warning Of a text just the first character is shown, of an address nothing.
+    /// @warning Of a text just the first character is shown, of an address nothing. `wholeText` has
+    ///          them.
     /// @throws what CName::decode and CName::toString throw, for a directoryName
     CWStringProxy toString() const;
+
+    /// The whole value without its kind: text as it is, a directoryName as CName::toString has it,
+    /// an address in hexadecimal digits; empty for no name.
+    /// @throws as `toString`
+    CWStringProxy wholeText() const;
 
     /// @return the DER
     /// @throws ATL::CAtlException with E_INVALIDARG for no name or an identifier whose text is
@@ -97,6 +119,8 @@ private:
     const wchar_t* text() const;
     template <class Traits>
     void putText(const wchar_t* text);
+    template <class Argument>
+    static CGeneralName made(void (CGeneralName::*put)(Argument), Argument argument);
 
     ChoicePointer<CGeneralNameImpl> choice_;
 };
