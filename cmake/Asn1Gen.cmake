@@ -35,9 +35,9 @@ function(asn1gen_modules target)
     endif()
     add_custom_command(
         OUTPUT ${headers} ${sources}
-        COMMAND asn1gen --namespace ${arg_NAMESPACE} --header-dir ${header_dir}
+        COMMAND Brevantis::asn1gen --namespace ${arg_NAMESPACE} --header-dir ${header_dir}
             --include-prefix ${arg_INCLUDE_PREFIX} --source-dir ${source_dir} ${options} ${modules}
-        DEPENDS asn1gen ${modules}
+        DEPENDS Brevantis::asn1gen ${modules}
         COMMENT "Compiling the ASN.1 modules of ${target}"
         VERBATIM)
     # The target may belong to another directory, where it does not see the command itself.

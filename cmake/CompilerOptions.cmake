@@ -1,18 +1,10 @@
-# Compiler and linker flags shared by every target of the project.
+# Compiler and linker flags shared by every target of the project, and by none of a project around it.
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-
-if(NOT CMAKE_BUILD_TYPE)
-    set(CMAKE_BUILD_TYPE Release)
-endif()
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
-set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
 
 set(BREVANTIS_SANITIZERS "" CACHE STRING "Sanitizers for every target, as in -fsanitize=")
-option(BREVANTIS_WARNINGS_AS_ERRORS "Stop the build at the first warning" ON)
 
 set(BREVANTIS_WARNINGS
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-qual

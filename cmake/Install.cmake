@@ -6,7 +6,8 @@ include(CMakePackageConfigHelpers)
 set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/brevantis_asn1)
 
 set_target_properties(brevantis_asn1 PROPERTIES EXPORT_NAME asn1)
-install(TARGETS brevantis_asn1 asn1gen EXPORT brevantis_asn1_targets)
+set_target_properties(brevantis_asn1gen PROPERTIES EXPORT_NAME asn1gen)
+install(TARGETS brevantis_asn1 brevantis_asn1gen EXPORT brevantis_asn1_targets)
 install(EXPORT brevantis_asn1_targets
     NAMESPACE Brevantis:: DESTINATION ${package_directory})
 

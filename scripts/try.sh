@@ -10,7 +10,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
 install_missing g++ cmake ninja-build ca-certificates nlohmann-json3-dev libcli11-dev
 # Tests need a package that this script does without.
-build release -DBREVANTIS_BUILD_TESTS=OFF -- recode_certificates derview
+build release -DBREVANTIS_BUILD_TESTS=OFF -- brevantis_recode_certificates brevantis_derview
 
 if (($# == 0)); then
     set -- "$ca_bundle"
