@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
 # Format check, a build with clang and warnings as errors, and clang-tidy over what is written by
-# hand. Needs clang, clang-format and clang-tidy 14.
+# hand. Needs clang-format and clang-tidy 14; installs clang where it is missing.
 #
-# Usage: scripts/lint.sh [--format]      --format: the format check alone
+# Usage: scripts/lint.sh [--format | --build]
+#
+#   --format  the format check alone
+#   --build   the build alone
 set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
@@ -21,25 +24,29 @@ sources() {
     fi
 }
 
-say "checking the format"
-sources '*.cpp' '*.h' | xargs -0 -r clang-format --dry-run -Werror
+if [[ ${1:-} != --build ]]; then
+    say "checking the format"
+    sources '*.cpp' '*.h' | xargs -0 -r clang-format --dry-run -Werror
+fi
 if [[ ${1:-} == --format ]]; then
     exit 0
 fi
 
-say "building with $(clang++ --version | head -n 1)"
+install_missing clang g++ cmake ninja-build libgtest-dev libssl-dev binutils nlohmann-json3-dev \
+    libcli11-dev
 bench=OFF
 if is_provided libbenchmark-dev; then
     bench=ON
 fi
-cmake -S . -B build/lint -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
-    -DBREVANTIS_BUILD_BENCH=$bench >/dev/null
-cmake --build build/lint -j "$jobs"
+build clang -DBREVANTIS_BUILD_TESTS=ON -DBREVANTIS_BUILD_BENCH=$bench --
+if [[ ${1:-} == --build ]]; then
+    exit 0
+fi
 
 # Only what the build compiles has flags to be checked with: fuzz targets, for one, have none here.
 say "running clang-tidy"
 sources '*.cpp' | while IFS= read -r -d '' file; do
-    if grep -qF "\"file\": \"$root/$file\"" build/lint/compile_commands.json; then
+    if grep -qF "\"file\": \"$root/$file\"" build/clang/compile_commands.json; then
         printf '%s\0' "$file"
     fi
-done | xargs -0 -r -n 1 -P "$jobs" clang-tidy -p build/lint --quiet
+done | xargs -0 -r -n 1 -P "$jobs" clang-tidy -p build/clang --quiet

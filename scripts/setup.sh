@@ -15,6 +15,7 @@ fail() {
 # elsewhere serves as well as the distribution's.
 is_provided() {
     case $1 in
+        clang) command -v clang++ ;;
         g++) command -v c++ || command -v g++ ;;
         cmake) command -v cmake ;;
         ninja-build) command -v ninja ;;
