@@ -11,34 +11,42 @@ CAttrStringValue::CAttrStringValue(const char* oid, const wchar_t* text)
 CAttrStringValue::CAttrStringValue(const char* oid, const char* text)
     : CAttrStringValue(oid, towstring(text).c_str()) {}
 
-CAttrCommonName::CAttrCommonName(const char* text) : CAttrStringValue("2.5.4.3", text) {}
+CAttrCommonName::CAttrCommonName(const char* text)
+    : CAttrStringValue(commonNameAttribute.oid.c_str(), text) {}
 
-CAttrSurname::CAttrSurname(const char* text) : CAttrStringValue("2.5.4.4", text) {}
+CAttrSurname::CAttrSurname(const char* text)
+    : CAttrStringValue(surnameAttribute.oid.c_str(), text) {}
 
-CAttrSerialNumber::CAttrSerialNumber(const char* text) : CAttrStringValue("2.5.4.5", text) {}
+CAttrSerialNumber::CAttrSerialNumber(const char* text)
+    : CAttrStringValue(serialNumberAttribute.oid.c_str(), text) {}
 
-CAttrCountry::CAttrCountry(const char* text) : CAttrStringValue("2.5.4.6", text) {}
+CAttrCountry::CAttrCountry(const char* text)
+    : CAttrStringValue(countryNameAttribute.oid.c_str(), text) {}
 
-CAttrLocality::CAttrLocality(const char* text) : CAttrStringValue("2.5.4.7", text) {}
+CAttrLocality::CAttrLocality(const char* text)
+    : CAttrStringValue(localityNameAttribute.oid.c_str(), text) {}
 
 CAttrStateOrProvinceName::CAttrStateOrProvinceName(const char* text)
-    : CAttrStringValue("2.5.4.8", text) {}
+    : CAttrStringValue(stateOrProvinceNameAttribute.oid.c_str(), text) {}
 
 CAttrOrganizationName::CAttrOrganizationName(const char* text)
-    : CAttrStringValue("2.5.4.10", text) {}
+    : CAttrStringValue(organizationNameAttribute.oid.c_str(), text) {}
 
 CAttrOrganizationalUnitName::CAttrOrganizationalUnitName(const char* text)
-    : CAttrStringValue("2.5.4.11", text) {}
+    : CAttrStringValue(organizationUnitNameAttribute.oid.c_str(), text) {}
 
-CAttrTitle::CAttrTitle(const char* text) : CAttrStringValue("2.5.4.12", text) {}
+CAttrTitle::CAttrTitle(const char* text) : CAttrStringValue(titleAttribute.oid.c_str(), text) {}
 
-CAttrGivenName::CAttrGivenName(const char* text) : CAttrStringValue("2.5.4.42", text) {}
+CAttrGivenName::CAttrGivenName(const char* text)
+    : CAttrStringValue(givenNameAttribute.oid.c_str(), text) {}
 
-CAttrInitials::CAttrInitials(const char* text) : CAttrStringValue("2.5.4.43", text) {}
+CAttrInitials::CAttrInitials(const char* text)
+    : CAttrStringValue(initialsAttribute.oid.c_str(), text) {}
 
-CAttrPseudonym::CAttrPseudonym(const char* text) : CAttrStringValue("2.5.4.65", text) {}
+CAttrPseudonym::CAttrPseudonym(const char* text)
+    : CAttrStringValue(pseudonymAttribute.oid.c_str(), text) {}
 
 CAttrEmailAddress::CAttrEmailAddress(const char* text)
-    : CAttrStringValue("1.2.840.113549.1.9.1", text) {}
+    : CAttrStringValue(emailAddressAttribute.oid.c_str(), text) {}
 
 } // namespace Brevantis::ASN1

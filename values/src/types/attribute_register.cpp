@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/values/types/attribute_type_and_value.h>
+#include <brevantis/asn1/values/util/object_identifier_text.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 #include <brevantis/support/error.h>
 #include <brevantis/support/text.h>
@@ -18,30 +20,42 @@ namespace {
 
 constexpr unsigned long longest = 32768;
 
+CATAVRegister row(const ASN1OBJID& identifier, const wchar_t* shortName, StringType type) {
+    return CATAVRegister(toOID(identifier).c_str(), shortName, type, longest);
+}
+
 } // namespace
 
-const CATAVRegister commonNameAttribute("2.5.4.3", L"CN", StringTypeUTF8, longest);
-const CATAVRegister countryNameAttribute("2.5.4.6", L"C", StringTypePrintable, longest);
-const CATAVRegister localityNameAttribute("2.5.4.7", L"L", StringTypeUTF8, longest);
-const CATAVRegister stateOrProvinceNameAttribute("2.5.4.8", L"ST", StringTypeUTF8, longest);
-const CATAVRegister emailAddressAttribute("1.2.840.113549.1.9.1", L"E", StringTypeIA5, longest);
-const CATAVRegister organizationNameAttribute("2.5.4.10", L"O", StringTypeUTF8, longest);
-const CATAVRegister organizationUnitNameAttribute("2.5.4.11", L"OU", StringTypeUTF8, longest);
-const CATAVRegister titleAttribute("2.5.4.12", L"T", StringTypeUTF8, longest);
-const CATAVRegister givenNameAttribute("2.5.4.42", L"GN", StringTypeUTF8, longest);
-const CATAVRegister initialsAttribute("2.5.4.43", L"I", StringTypeUTF8, longest);
-const CATAVRegister surnameAttribute("2.5.4.4", L"SN", StringTypeUTF8, longest);
-const CATAVRegister pseudonymAttribute("2.5.4.65", L"PS", StringTypeUTF8, longest);
-const CATAVRegister ogrnAttribute("1.2.643.100.1", L"OGRN", StringTypeUTF8, longest);
-const CATAVRegister ogrnipAttribute("1.2.643.100.5", L"OGRNIP", StringTypeUTF8, longest);
-const CATAVRegister snilsAttribute("1.2.643.100.3", L"SNILS", StringTypeUTF8, longest);
-const CATAVRegister innAttribute("1.2.643.3.131.1.1", L"INN", StringTypeUTF8, longest);
-const CATAVRegister streetAddressAttribute("2.5.4.9", L"STREET", StringTypeUTF8, longest);
-const CATAVRegister domainComponentAttribute("0.9.2342.19200300.100.1.25", L"DC", StringTypeIA5,
-                                             longest);
-const CATAVRegister unstructuredNameAttribute("1.2.840.113549.1.9.2", L"UnstructuredName",
-                                              StringTypeUTF8, longest);
-const CATAVRegister PostalCodeAttribute("2.5.4.17", L"PostalCode", StringTypeUTF8, longest);
+const CATAVRegister commonNameAttribute = row(asn1data::id_at_commonName, L"CN", StringTypeUTF8);
+const CATAVRegister countryNameAttribute =
+    row(asn1data::id_at_countryName, L"C", StringTypePrintable);
+const CATAVRegister localityNameAttribute = row(asn1data::id_at_localityName, L"L", StringTypeUTF8);
+const CATAVRegister stateOrProvinceNameAttribute =
+    row(asn1data::id_at_stateOrProvinceName, L"ST", StringTypeUTF8);
+const CATAVRegister emailAddressAttribute =
+    row(asn1data::pkcs_9_at_emailAddress, L"E", StringTypeIA5);
+const CATAVRegister organizationNameAttribute =
+    row(asn1data::id_at_organizationName, L"O", StringTypeUTF8);
+const CATAVRegister organizationUnitNameAttribute =
+    row(asn1data::id_at_organizationalUnitName, L"OU", StringTypeUTF8);
+const CATAVRegister titleAttribute = row(asn1data::id_at_title, L"T", StringTypeUTF8);
+const CATAVRegister givenNameAttribute = row(asn1data::id_at_givenName, L"GN", StringTypeUTF8);
+const CATAVRegister initialsAttribute = row(asn1data::id_at_initials, L"I", StringTypeUTF8);
+const CATAVRegister surnameAttribute = row(asn1data::id_at_surname, L"SN", StringTypeUTF8);
+const CATAVRegister pseudonymAttribute = row(asn1data::id_at_pseudonym, L"PS", StringTypeUTF8);
+const CATAVRegister ogrnAttribute = row(asn1data::id_ogrn_attribute, L"OGRN", StringTypeUTF8);
+const CATAVRegister ogrnipAttribute = row(asn1data::id_ogrnip_attribute, L"OGRNIP", StringTypeUTF8);
+const CATAVRegister snilsAttribute = row(asn1data::id_snils_attribute, L"SNILS", StringTypeUTF8);
+const CATAVRegister innAttribute = row(asn1data::id_inn_attribute, L"INN", StringTypeUTF8);
+const CATAVRegister streetAddressAttribute =
+    row(asn1data::id_at_streetAddress, L"STREET", StringTypeUTF8);
+const CATAVRegister domainComponentAttribute =
+    row(asn1data::id_at_domainComponent, L"DC", StringTypeIA5);
+const CATAVRegister unstructuredNameAttribute =
+    row(asn1data::pkcs_9_at_unstructuredName, L"UnstructuredName", StringTypeUTF8);
+const CATAVRegister PostalCodeAttribute =
+    row(asn1data::id_at_postalCode, L"PostalCode", StringTypeUTF8);
+// No constant stands for id-at-serialNumber (X.520, 6.2.9).
 const CATAVRegister serialNumberAttribute("2.5.4.5", L"SERIALNUMBER", StringTypePrintable, longest);
 
 namespace {
