@@ -1,7 +1,9 @@
 #include <brevantis/asn1/values/attribute/signed_attributes.h>
 
+#include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/values/types/primitive_traits.h>
 #include <brevantis/asn1/values/types/time_choice_traits.h>
+#include <brevantis/asn1/values/util/object_identifier_text.h>
 #include <brevantis/asn1/values/util/octet_string_value.h>
 
 #include "util/value_with_field.h"
@@ -24,36 +26,39 @@ template class ValueWithField<CAttrValue, CTimeChoice>;
 
 namespace {
 
-constexpr const char* contentTypeId = "1.2.840.113549.1.9.3";
-constexpr const char* messageDigestId = "1.2.840.113549.1.9.4";
-constexpr const char* signingTimeId = "1.2.840.113549.1.9.5";
+const CStringProxy contentTypeId = toOID(asn1data::id_contentType);
+const CStringProxy messageDigestId = toOID(asn1data::id_messageDigest);
+const CStringProxy signingTimeId = toOID(asn1data::id_signingTime);
 
 } // namespace
 
-CAttrContentType::CAttrContentType(const char* contentType) : ValueWithField(contentTypeId) {
+CAttrContentType::CAttrContentType(const char* contentType)
+    : ValueWithField(contentTypeId.c_str()) {
     put_contentType(contentType);
 }
 
-CAttrContentType::CAttrContentType(const CBlob& encoded) : ValueWithField(contentTypeId, encoded) {}
+CAttrContentType::CAttrContentType(const CBlob& encoded)
+    : ValueWithField(contentTypeId.c_str(), encoded) {}
 
 void CAttrContentType::put_contentType(const char* contentType) {
     putField(contentType);
 }
 
-CAttrMessageDigest::CAttrMessageDigest() : ValueWithField(messageDigestId) {}
+CAttrMessageDigest::CAttrMessageDigest() : ValueWithField(messageDigestId.c_str()) {}
 
 CAttrMessageDigest::CAttrMessageDigest(const CBlob& encoded)
-    : ValueWithField(messageDigestId, encoded) {}
+    : ValueWithField(messageDigestId.c_str(), encoded) {}
 
 void CAttrMessageDigest::put_messageDigest(const CBlob& messageDigest) {
     putField(messageDigest);
 }
 
-CAttrSigningTime::CAttrSigningTime(const CDateTime& time) : ValueWithField(signingTimeId) {
+CAttrSigningTime::CAttrSigningTime(const CDateTime& time) : ValueWithField(signingTimeId.c_str()) {
     put_time(time);
 }
 
-CAttrSigningTime::CAttrSigningTime(const CBlob& encoded) : ValueWithField(signingTimeId, encoded) {}
+CAttrSigningTime::CAttrSigningTime(const CBlob& encoded)
+    : ValueWithField(signingTimeId.c_str(), encoded) {}
 
 void CAttrSigningTime::put_time(const CDateTime& time) {
     putField(CTimeChoice(time));

@@ -1,14 +1,16 @@
 #include <brevantis/asn1/values/attribute/signing_certificate.h>
 
+#include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/values/attribute/signing_certificate_traits.h>
+#include <brevantis/asn1/values/util/object_identifier_text.h>
 
 namespace Brevantis::ASN1 {
 
 namespace {
 
-constexpr const char* signingCertificateId = "1.2.840.113549.1.9.16.2.12";
-constexpr const char* otherSigningCertificateId = "1.2.840.113549.1.9.16.2.19";
-constexpr const char* signingCertificateV2Id = "1.2.840.113549.1.9.16.2.47";
+const CStringProxy signingCertificateId = toOID(asn1data::id_aa_signingCertificate);
+const CStringProxy otherSigningCertificateId = toOID(asn1data::id_aa_ets_otherSigCert);
+const CStringProxy signingCertificateV2Id = toOID(asn1data::id_aa_signingCertificateV2);
 
 template <class Attribute>
 struct TraitsOf;
@@ -95,7 +97,7 @@ template class SigningCertificateAttribute<CAttrSigningCertificateV2, CESSCertID
 template class SigningCertificateAttribute<CAttrOtherSigningCertificate, COtherCertIDList>;
 
 CAttrSigningCertificate::CAttrSigningCertificate()
-    : SigningCertificateAttribute(signingCertificateId) {}
+    : SigningCertificateAttribute(signingCertificateId.c_str()) {}
 
 CAttrSigningCertificate::CAttrSigningCertificate(const CESSCertIDList& certs)
     : CAttrSigningCertificate() {
@@ -103,12 +105,12 @@ CAttrSigningCertificate::CAttrSigningCertificate(const CESSCertIDList& certs)
 }
 
 CAttrSigningCertificate::CAttrSigningCertificate(const CBlob& encoded)
-    : SigningCertificateAttribute(signingCertificateId, encoded) {
+    : SigningCertificateAttribute(signingCertificateId.c_str(), encoded) {
     decode();
 }
 
 CAttrSigningCertificateV2::CAttrSigningCertificateV2()
-    : SigningCertificateAttribute(signingCertificateV2Id) {}
+    : SigningCertificateAttribute(signingCertificateV2Id.c_str()) {}
 
 CAttrSigningCertificateV2::CAttrSigningCertificateV2(const CESSCertIDv2List& certs)
     : CAttrSigningCertificateV2() {
@@ -116,12 +118,12 @@ CAttrSigningCertificateV2::CAttrSigningCertificateV2(const CESSCertIDv2List& cer
 }
 
 CAttrSigningCertificateV2::CAttrSigningCertificateV2(const CBlob& encoded)
-    : SigningCertificateAttribute(signingCertificateV2Id, encoded) {
+    : SigningCertificateAttribute(signingCertificateV2Id.c_str(), encoded) {
     decode();
 }
 
 CAttrOtherSigningCertificate::CAttrOtherSigningCertificate()
-    : SigningCertificateAttribute(otherSigningCertificateId) {}
+    : SigningCertificateAttribute(otherSigningCertificateId.c_str()) {}
 
 CAttrOtherSigningCertificate::CAttrOtherSigningCertificate(const COtherCertIDList& certs)
     : CAttrOtherSigningCertificate() {
@@ -129,7 +131,7 @@ CAttrOtherSigningCertificate::CAttrOtherSigningCertificate(const COtherCertIDLis
 }
 
 CAttrOtherSigningCertificate::CAttrOtherSigningCertificate(const CBlob& encoded)
-    : SigningCertificateAttribute(otherSigningCertificateId, encoded) {
+    : SigningCertificateAttribute(otherSigningCertificateId.c_str(), encoded) {
     decode();
 }
 

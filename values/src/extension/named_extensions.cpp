@@ -2,9 +2,11 @@
 
 #include <utility>
 
+#include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/values/extension/named_extension_traits.h>
 #include <brevantis/asn1/values/types/general_name_traits.h>
 #include <brevantis/asn1/values/types/primitive_traits.h>
+#include <brevantis/asn1/values/util/object_identifier_text.h>
 
 #include "util/value_with_field.h"
 
@@ -27,21 +29,21 @@ template class ValueWithField<CExtValue, CGeneralNames>;
 
 namespace {
 
-constexpr const char* privateKeyUsagePeriodId = "2.5.29.16";
-constexpr const char* reasonCodeId = "2.5.29.21";
-constexpr const char* instructionCodeId = "2.5.29.23";
-constexpr const char* invalidityDateId = "2.5.29.24";
-constexpr const char* certificateIssuerId = "2.5.29.29";
+const CStringProxy privateKeyUsagePeriodId = toOID(asn1data::id_ce_privateKeyUsagePeriod);
+const CStringProxy reasonCodeId = toOID(asn1data::id_ce_reasonCode);
+const CStringProxy instructionCodeId = toOID(asn1data::id_ce_instructionCode);
+const CStringProxy invalidityDateId = toOID(asn1data::id_ce_invalidityDate);
+const CStringProxy certificateIssuerId = toOID(asn1data::id_ce_certificateIssuer);
 
 } // namespace
 
-CExtCRLReason::CExtCRLReason() : ValueWithField(reasonCodeId) {}
+CExtCRLReason::CExtCRLReason() : ValueWithField(reasonCodeId.c_str()) {}
 
-CExtCRLReason::CExtCRLReason(CrlReason reason) : ValueWithField(reasonCodeId) {
+CExtCRLReason::CExtCRLReason(CrlReason reason) : ValueWithField(reasonCodeId.c_str()) {
     putField(reason);
 }
 
-CExtCRLReason::CExtCRLReason(const CBlob& value) : ValueWithField(reasonCodeId, value) {}
+CExtCRLReason::CExtCRLReason(const CBlob& value) : ValueWithField(reasonCodeId.c_str(), value) {}
 
 CrlReason CExtCRLReason::get_reason() const {
     return field();
@@ -51,15 +53,15 @@ void CExtCRLReason::put_reason(CrlReason reason) {
     putField(reason);
 }
 
-CExtHoldInstructionCode::CExtHoldInstructionCode() : ValueWithField(instructionCodeId) {}
+CExtHoldInstructionCode::CExtHoldInstructionCode() : ValueWithField(instructionCodeId.c_str()) {}
 
 CExtHoldInstructionCode::CExtHoldInstructionCode(const char* code)
-    : ValueWithField(instructionCodeId) {
+    : ValueWithField(instructionCodeId.c_str()) {
     putField(code);
 }
 
 CExtHoldInstructionCode::CExtHoldInstructionCode(const CBlob& value)
-    : ValueWithField(instructionCodeId, value) {}
+    : ValueWithField(instructionCodeId.c_str(), value) {}
 
 const char* CExtHoldInstructionCode::get_code() const {
     return field().c_str();
@@ -69,15 +71,15 @@ void CExtHoldInstructionCode::put_code(const char* code) {
     putField(code);
 }
 
-CExtInvalidityDate::CExtInvalidityDate() : ValueWithField(invalidityDateId) {}
+CExtInvalidityDate::CExtInvalidityDate() : ValueWithField(invalidityDateId.c_str()) {}
 
 CExtInvalidityDate::CExtInvalidityDate(const CDateTime& invalidityDate)
-    : ValueWithField(invalidityDateId) {
+    : ValueWithField(invalidityDateId.c_str()) {
     putField(invalidityDate);
 }
 
 CExtInvalidityDate::CExtInvalidityDate(const CBlob& value)
-    : ValueWithField(invalidityDateId, value) {}
+    : ValueWithField(invalidityDateId.c_str(), value) {}
 
 const CDateTime& CExtInvalidityDate::get_invalidityDate() const {
     return field();
@@ -87,15 +89,15 @@ void CExtInvalidityDate::put_invalidityDate(const CDateTime& invalidityDate) {
     putField(invalidityDate);
 }
 
-CExtCertificateIssuer::CExtCertificateIssuer() : ValueWithField(certificateIssuerId) {}
+CExtCertificateIssuer::CExtCertificateIssuer() : ValueWithField(certificateIssuerId.c_str()) {}
 
 CExtCertificateIssuer::CExtCertificateIssuer(const CGeneralNames& issuer)
-    : ValueWithField(certificateIssuerId) {
+    : ValueWithField(certificateIssuerId.c_str()) {
     putField(issuer);
 }
 
 CExtCertificateIssuer::CExtCertificateIssuer(const CBlob& value)
-    : ValueWithField(certificateIssuerId, value) {}
+    : ValueWithField(certificateIssuerId.c_str(), value) {}
 
 const CGeneralNames& CExtCertificateIssuer::get_issuer() const {
     return field();
@@ -119,18 +121,18 @@ const CDateTime* pointerTo(const std::optional<CDateTime>& time) {
 
 CExtPrivateKeyUsagePeriod::CExtPrivateKeyUsagePeriod(const CDateTime* notBefore,
                                                      const CDateTime* notAfter)
-    : CExtValue(privateKeyUsagePeriodId), notBefore_(optionalTime(notBefore)),
+    : CExtValue(privateKeyUsagePeriodId.c_str()), notBefore_(optionalTime(notBefore)),
       notAfter_(optionalTime(notAfter)) {
     encode();
 }
 
 CExtPrivateKeyUsagePeriod::CExtPrivateKeyUsagePeriod(const CBlob& value)
-    : CExtValue(privateKeyUsagePeriodId, value) {
+    : CExtValue(privateKeyUsagePeriodId.c_str(), value) {
     decode();
 }
 
 CExtPrivateKeyUsagePeriod::CExtPrivateKeyUsagePeriod(CExtPrivateKeyUsagePeriod&& other) noexcept
-    : CExtValue(privateKeyUsagePeriodId) {
+    : CExtValue(privateKeyUsagePeriodId.c_str()) {
     swap(other);
 }
 
