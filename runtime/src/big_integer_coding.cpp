@@ -125,7 +125,7 @@ int writeContents(ASN1CTXT* ctxt, const Digits& digits, bool signOctet,
     return status < 0 ? status : static_cast<int>(octets);
 }
 
-/// Contents octets of transcribed text, in the fewest octets (X.690 8.3.2).
+/// Contents octets of transcribed text, in the fewest octets (X.690, 8.3.2).
 int writeSigned(ASN1CTXT* ctxt, Digits digits) noexcept {
     const bool negative = digits.beginWithOne();
     if (negative) {
@@ -190,7 +190,7 @@ int readContents(ASN1CTXT* ctxt, ASN1TagType tagging, int length, const unsigned
             return status;
         }
     }
-    if (!fits(ctxt, length)) { // an indefinite length, which X.690 8.1.3.2 forbids here, included
+    if (!fits(ctxt, length)) { // an indefinite length, which X.690, 8.1.3.2 forbids here, included
         return ASN1S_END_OF_BUFFER;
     }
     *octets = ctxt->buffer.data + ctxt->buffer.byteIndex;
@@ -220,7 +220,7 @@ int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length
     if (const int status = readContents(ctxt, tagging, length, &octets, &length)) {
         return status;
     }
-    // X.690 8.3.2 allows one zero octet at most; software that pads numbers to a width sends more.
+    // X.690, 8.3.2 allows one zero octet at most; software that pads numbers to a width sends more.
     const bool leadingZero = length != 0 && *octets == 0;
     length = withoutLeadingZeros(&octets, length);
     const long long room = textSize(length);

@@ -28,13 +28,13 @@ int countBits(unsigned int octets, unsigned int unused, unsigned int* numbits) n
     return ASN1S_SUCCESS;
 }
 
-/// Contents of the primitive form (X.690 8.6.2): a count of unused bits, then the bits.
+/// Contents of the primitive form (X.690, 8.6.2): a count of unused bits, then the bits.
 int readPrimitive(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacity, int length,
                   unsigned int* numbits) noexcept {
     if (length < 0) {
         return ASN1S_INVALID_LENGTH;
     }
-    if (length == 0) { // X.690 8.6.2.1 wants the count; encoders that copy an empty buffer omit it
+    if (length == 0) { // X.690, 8.6.2.1 wants the count; encoders that copy an empty buffer omit it
         *numbits = 0;
         return ASN1S_SUCCESS;
     }
@@ -45,9 +45,9 @@ int readPrimitive(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capaci
     const unsigned int count = static_cast<unsigned int>(length) - 1;
     if (count == 0) {
         *numbits = 0;
-        return unused == 0 ? ASN1S_SUCCESS : ASN1S_INVALID_LENGTH; // X.690 8.6.2.3
+        return unused == 0 ? ASN1S_SUCCESS : ASN1S_INVALID_LENGTH; // X.690, 8.6.2.3
     }
-    if (unused > 7) { // X.690 8.6.2.2
+    if (unused > 7) { // X.690, 8.6.2.2
         return ASN1S_BAD_VALUE;
     }
     if (count > capacity) {
@@ -59,7 +59,7 @@ int readPrimitive(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capaci
     return countBits(count, unused, numbits);
 }
 
-/// Contents of the constructed form (X.690 8.6.4). Only the count of unused bits of the last
+/// Contents of the constructed form (X.690, 8.6.4). Only the count of unused bits of the last
 /// segment is taken out; which one that is shows when the data fill the capacity, or at the end.
 int readSegments(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacity, int length,
                  unsigned int* numbits) noexcept {
@@ -103,7 +103,7 @@ int readSegments(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacit
         total += count;
     }
     if (!unusedTaken) {
-        if (total == lastStart) { // X.690 8.6.2.2: the last segment has to bring the count
+        if (total == lastStart) { // X.690, 8.6.2.2: the last segment has to bring the count
             return record(ctxt, ASN1S_INVALID_LENGTH);
         }
         unused = firstOctet;
@@ -112,10 +112,10 @@ int readSegments(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacit
             std::memmove(last, last + 1, total - lastStart);
         }
     }
-    if (unused > 7) { // X.690 8.6.2.2
+    if (unused > 7) { // X.690, 8.6.2.2
         return ASN1S_BAD_VALUE;
     }
-    if (total == 0 && unused != 0) { // X.690 8.6.2.3
+    if (total == 0 && unused != 0) { // X.690, 8.6.2.3
         return ASN1S_INVALID_LENGTH;
     }
     unsigned int bits = 0;
@@ -144,7 +144,7 @@ int pointIntoMessage(ASN1CTXT* ctxt, const StringContents& contents, const unsig
         return ASN1S_END_OF_BUFFER;
     }
     const unsigned int unused = octetAt(ctxt);
-    if (unused > 7) { // X.690 8.6.2.2
+    if (unused > 7) { // X.690, 8.6.2.2
         return ASN1S_BAD_VALUE;
     }
     const auto count = static_cast<unsigned int>(contents.dataLength) - 1;
@@ -163,7 +163,7 @@ int readEmpty(ASN1CTXT* ctxt, int dataLength) noexcept {
     if (remaining(ctxt) == 0) {
         return ASN1S_END_OF_BUFFER;
     }
-    if (octetAt(ctxt) != 0) { // X.690 8.6.2.3
+    if (octetAt(ctxt) != 0) { // X.690, 8.6.2.3
         return ASN1S_INVALID_LENGTH;
     }
     ++ctxt->buffer.byteIndex;

@@ -16,7 +16,7 @@ using namespace runtime_detail;
 
 namespace {
 
-constexpr ASN1TAG segmentTag = 4; // X.690 8.23.6: the segments are OCTET STRINGs
+constexpr ASN1TAG segmentTag = 4; // X.690, 8.23.6: the segments are OCTET STRINGs
 
 /// Identifier octet of a tag whose number is below 31.
 unsigned char identifierOctetOf(ASN1TAG tag) noexcept {

@@ -28,7 +28,7 @@ Member memberOf(const ASN1Buffer& buffer, const Asn1RTSListNode* node) noexcept 
 }
 
 /// Whether the encoding of @p left is the greater octet string. A prefix is the lesser one, which
-/// is what padding with zero octets (X.690 11.6) comes to for whole elements.
+/// is what padding with zero octets (X.690, 11.6) comes to for whole elements.
 bool isGreater(const Member& left, const Member& right) noexcept {
     const int order = std::memcmp(left.octets, right.octets, std::min(left.count, right.count));
     return order != 0 ? order > 0 : left.count > right.count;

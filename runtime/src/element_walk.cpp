@@ -28,7 +28,7 @@ void returnToSavedInfo(ASN1CTXT* ctxt) noexcept {
 /// What a header means for the levels that are open in a walk.
 ///
 /// Steps over definite contents and counts @p depth up at an indefinite length, down at
-/// end-of-contents octets (X.690 8.1.5).
+/// end-of-contents octets (X.690, 8.1.5).
 int walkHeader(ASN1CTXT* ctxt, ASN1TAG tag, int length, int* depth) noexcept {
     if (length == ASN1IndefiniteLength) {
         ++*depth;
@@ -137,7 +137,7 @@ int xd_match1(ASN1CTXT* ctxt, unsigned char identifierOctet, int* len) noexcept 
         return status;
     }
     if (length == ASN1IndefiniteLength && (ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
-        return record(ctxt, ASN1S_INVALID_LENGTH); // X.690 8.1.3.2: constructed encodings only
+        return record(ctxt, ASN1S_INVALID_LENGTH); // X.690, 8.1.3.2: constructed encodings only
     }
     *len = length;
     return ASN1S_SUCCESS;
@@ -200,7 +200,7 @@ int xd_consStrIndefLenAndSize(ASN1CTXT* ctxt, ASN1TAG segmentTag, int* dataLen,
             return status;
         }
         if (tag != segmentTag && tag != 0) {
-            return ASN1S_BAD_TAG; // X.690 8.7.3.2, without segments in segments
+            return ASN1S_BAD_TAG; // X.690, 8.7.3.2, without segments in segments
         }
         if (tag == 0 && length == 0) {
             break;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned char objectIdentifierTag = 6;
 
-/// Reads one base-128 number (X.690 8.19.2) that ends by @p end at the latest.
+/// Reads one base-128 number (X.690, 8.19.2) that ends by @p end at the latest.
 unsigned int readNumber(ASN1CTXT* ctxt, unsigned int end) noexcept {
     unsigned int number = 0;
     while (ctxt->buffer.byteIndex < end) {
@@ -26,7 +26,7 @@ unsigned int readNumber(ASN1CTXT* ctxt, unsigned int end) noexcept {
     return number;
 }
 
-/// Writes the number for the first two arcs (X.690 8.19.4). Under a first arc of 2 the sum can
+/// Writes the number for the first two arcs (X.690, 8.19.4). Under a first arc of 2 the sum can
 /// exceed the 32 bits of an arc; its form is five octets at most either way.
 int writeFirstNumber(ASN1CTXT* ctxt, unsigned int first, unsigned int second) noexcept {
     const unsigned long long number = first * 40ULL + second;
@@ -49,7 +49,7 @@ int xd_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging, int length) 
             return status;
         }
     }
-    if (length < 1) { // X.690 8.19.2: at least one number
+    if (length < 1) { // X.690, 8.19.2: at least one number
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     if (!fits(ctxt, length)) {
@@ -57,7 +57,7 @@ int xd_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging, int length) 
     }
     const unsigned int end = ctxt->buffer.byteIndex + static_cast<unsigned int>(length);
     const unsigned int first = readNumber(ctxt, end);
-    value->subid[0] = first < 80 ? first / 40 : 2; // X.690 8.19.4
+    value->subid[0] = first < 80 ? first / 40 : 2; // X.690, 8.19.4
     value->subid[1] = first < 80 ? first % 40 : first - 80;
     unsigned int count = 2;
     while (ctxt->buffer.byteIndex < end) {

@@ -52,7 +52,7 @@ inline int skipContents(ASN1CTXT* ctxt, int length) noexcept {
     return ASN1S_SUCCESS;
 }
 
-/// ASN1F_CONSTRUCTED set or cleared after bit 6 of an identifier octet (X.690 8.1.2.5).
+/// ASN1F_CONSTRUCTED set or cleared after bit 6 of an identifier octet (X.690, 8.1.2.5).
 inline unsigned short withFormOf(unsigned short flags, unsigned char identifierOctet) noexcept {
     return static_cast<unsigned short>((flags & ~ASN1F_CONSTRUCTED) |
                                        ((identifierOctet & 0x20) << 5));
@@ -62,7 +62,7 @@ inline void clearConstructed(ASN1CTXT* ctxt) noexcept {
     ctxt->flags = static_cast<unsigned short>(ctxt->flags & ~ASN1F_CONSTRUCTED);
 }
 
-/// Reads a length, the one-octet form (X.690 8.1.3.4) without a call.
+/// Reads a length, the one-octet form (X.690, 8.1.3.4) without a call.
 /// @return 0; -2 when the buffer ends, not recorded; the failures of xd_len
 inline int readLength(ASN1CTXT* ctxt, int* length) noexcept {
     if (remaining(ctxt) == 0) {

@@ -29,7 +29,7 @@ int readFixed(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int* size, ASN
             length = ownLength;
         }
     }
-    if (length < 0) { // X.690 8.1.3.2: no indefinite length on a primitive form
+    if (length < 0) { // X.690, 8.1.3.2: no indefinite length on a primitive form
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     if (static_cast<unsigned int>(length) > *size) {
@@ -71,7 +71,7 @@ int openString(ASN1CTXT* ctxt, unsigned char identifierOctet, ASN1TAG segmentTag
     contents->dataLength = length;
     contents->start = ctxt->buffer.data + ctxt->buffer.byteIndex;
     if (length == ASN1IndefiniteLength) {
-        // X.690 8.1.3.6; producers that stream (CMS content, mostly) write this form.
+        // X.690, 8.1.3.6; producers that stream (CMS content, mostly) write this form.
         if (const int status = xd_consStrIndefLenAndSize(ctxt, segmentTag, &contents->dataLength,
                                                          &contents->length)) {
             record(ctxt, status);
@@ -85,7 +85,7 @@ int closeString(ASN1CTXT* ctxt, const StringContents& contents) noexcept {
     if (!contents.closesItself) {
         return ASN1S_SUCCESS;
     }
-    if (!rtEndOfContentsAhead(ctxt)) { // X.690 8.1.5
+    if (!rtEndOfContentsAhead(ctxt)) { // X.690, 8.1.5
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     ctxt->buffer.byteIndex += 2;
@@ -108,7 +108,7 @@ int readOctets(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int room, int
         *count = static_cast<unsigned int>(length);
         return ASN1S_SUCCESS;
     }
-    // X.690 8.7.3: the segments are OCTET STRINGs. The standard lets them be constructed in turn;
+    // X.690, 8.7.3: the segments are OCTET STRINGs. The standard lets them be constructed in turn;
     // here each has to be primitive, which also bounds the recursion.
     const unsigned int whole = static_cast<unsigned int>(length);
     const unsigned int start = ctxt->buffer.byteIndex;

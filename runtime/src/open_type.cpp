@@ -45,7 +45,7 @@ int passContents(ASN1CTXT* ctxt, ASN1TAG tag, int length) noexcept {
     if (length == ASN1IndefiniteLength) {
         return xd_MovePastEOC(ctxt);
     }
-    if (tag == 0 && length == 0) { // X.690 8.1.5: end-of-contents octets are no value
+    if (tag == 0 && length == 0) { // X.690, 8.1.5: end-of-contents octets are no value
         return ASN1S_BAD_VALUE;
     }
     return skipContents(ctxt, length) == ASN1S_SUCCESS ? ASN1S_SUCCESS : ASN1S_BAD_VALUE;

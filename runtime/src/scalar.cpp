@@ -73,13 +73,13 @@ int xd_boolean(ASN1CTXT* ctxt, unsigned char* value, ASN1TagType tagging, int le
             return status;
         }
     }
-    if (length != 1) { // X.690 8.2.1
+    if (length != 1) { // X.690, 8.2.1
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     if (remaining(ctxt) == 0) {
         return record(ctxt, ASN1S_END_OF_BUFFER);
     }
-    *value = takeOctet(ctxt); // X.690 8.2.2: any octet but 0, as BER encoders choose it
+    *value = takeOctet(ctxt); // X.690, 8.2.2: any octet but 0, as BER encoders choose it
     return ASN1S_SUCCESS;
 }
 
@@ -102,13 +102,13 @@ int xd_integer(ASN1CTXT* ctxt, int* value, ASN1TagType tagging, int length) noex
     if (static_cast<unsigned int>(length) > 4) {
         return record(ctxt, ASN1S_VALUE_TOO_BIG);
     }
-    if (length == 0) { // X.690 8.3.1: one octet or more
+    if (length == 0) { // X.690, 8.3.1: one octet or more
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     if (!fits(ctxt, length)) {
         return record(ctxt, ASN1S_END_OF_BUFFER);
     }
-    // Redundant leading octets (against X.690 8.3.2) are tolerated: encoders that write a machine
+    // Redundant leading octets (against X.690, 8.3.2) are tolerated: encoders that write a machine
     // word as it is produce them.
     std::uint32_t number = (octetAt(ctxt) & 0x80) != 0 ? 0xFFFFFFFF : 0;
     for (int i = 0; i < length; ++i) {
@@ -139,7 +139,7 @@ int xd_unsigned(ASN1CTXT* ctxt, unsigned int* value, ASN1TagType tagging, int le
         return record(ctxt, ASN1S_VALUE_TOO_BIG);
     }
     // The sign bit counts as value, as encoders write that forget the leading zero octet of
-    // X.690 8.3.3.
+    // X.690, 8.3.3.
     std::uint32_t number = 0;
     int status = ASN1S_SUCCESS;
     for (int i = 0; i < length; ++i) {
@@ -227,5 +227,5 @@ int xd_null(ASN1CTXT* ctxt, ASN1TagType tagging) noexcept {
     if (status != ASN1S_SUCCESS) {
         return status;
     }
-    return length == 0 ? ASN1S_SUCCESS : record(ctxt, ASN1S_INVALID_LENGTH); // X.690 8.8.2
+    return length == 0 ? ASN1S_SUCCESS : record(ctxt, ASN1S_INVALID_LENGTH); // X.690, 8.8.2
 }

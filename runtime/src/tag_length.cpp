@@ -24,7 +24,7 @@ constexpr std::uint32_t largestBlock = 0x7FFFFFCF;
 
 constexpr std::uint32_t growthStep = 16384;
 
-/// Low five bits of an identifier octet that announce number octets (X.690 8.1.2.4.1).
+/// Low five bits of an identifier octet that announce number octets (X.690, 8.1.2.4.1).
 constexpr unsigned char longFormNumber = 31;
 
 /// Class, form and, in the short form, number of an identifier octet as an ASN1TAG.
@@ -61,7 +61,7 @@ constexpr unsigned short closedMessage = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
         status = runtime_detail::readLength(ctxt, len);
         if (status == ASN1S_SUCCESS && *len == ASN1IndefiniteLength &&
             (ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
-            return ASN1S_INVALID_LENGTH; // X.690 8.1.3.2: constructed encodings only
+            return ASN1S_INVALID_LENGTH; // X.690, 8.1.3.2: constructed encodings only
         }
     }
     if ((matchFlags & ASN1MatchAdvance) == 0) {
@@ -105,7 +105,7 @@ int xd_setp(ASN1CTXT* ctxt, const unsigned char* msg, int msgLen, ASN1TAG* tag, 
         if (end <= buffer.size) {
             buffer.size = static_cast<std::uint32_t>(end);
         } else if ((ctxt->flags & ASN1F_LENGTH_UNCHECKED) == 0) {
-            // X.690 8.1.3: the element is cut off. `size` keeps to the octets that exist, for
+            // X.690, 8.1.3: the element is cut off. `size` keeps to the octets that exist, for
             // callers that go on all the same.
             status = ASN1S_INVALID_LENGTH;
         }
@@ -130,7 +130,7 @@ int xd_tag(ASN1CTXT* ctxt, ASN1TAG* tag) noexcept {
     if ((identifierOctet & 0x1F) != longFormNumber) {
         *tag = shortTag(identifierOctet);
     } else {
-        // X.690 8.1.2.4.2, with leading zero octets (against its item c) and numbers below 31
+        // X.690, 8.1.2.4.2, with leading zero octets (against its item c) and numbers below 31
         // tolerated as encoders with fixed-width tags write them. Four octets cannot exceed the
         // limit, nine are the most that any such encoder uses.
         std::uint32_t number = 0;
@@ -162,16 +162,16 @@ int xd_len(ASN1CTXT* ctxt, int* len) noexcept {
         return record(ctxt, ASN1S_END_OF_BUFFER);
     }
     const unsigned char first = takeOctet(ctxt);
-    if (first < 0x80) { // short form, X.690 8.1.3.4
+    if (first < 0x80) { // short form, X.690, 8.1.3.4
         *len = first;
         return ASN1S_SUCCESS;
     }
-    if (first == 0x80) { // indefinite form, X.690 8.1.3.6
+    if (first == 0x80) { // indefinite form, X.690, 8.1.3.6
         *len = ASN1IndefiniteLength;
         return ASN1S_SUCCESS;
     }
     const int count = first & 0x7F;
-    if (count > 4) { // X.690 8.1.3.5 allows more octets; no content of 4 GB can be held
+    if (count > 4) { // X.690, 8.1.3.5 allows more octets; no content of 4 GB can be held
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     std::uint32_t value = 0;

@@ -17,7 +17,7 @@ bool isOneElement(const CBlob& octets) {
     ASN1TAG tag = 0;
     int length = 0;
     if (xd_setp(ctxt, octets.pbData(), size, &tag, &length) != 0 ||
-        (tag & ~ASN1TagConstructed) == 0) { // X.690 8.1.5: end-of-contents octets are no value
+        (tag & ~ASN1TagConstructed) == 0) { // X.690, 8.1.5: end-of-contents octets are no value
         return false;
     }
     if (length != ASN1IndefiniteLength) {

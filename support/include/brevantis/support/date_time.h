@@ -69,7 +69,7 @@ public:
     int second() const noexcept;
     int millisecond() const noexcept;
 
-    /// The GeneralizedTime that DER prescribes (X.690 clause 11.7): YYYYMMDDHHMMSS, a point and the
+    /// The GeneralizedTime that DER prescribes (X.690, 11.7): YYYYMMDDHHMMSS, a point and the
     /// milliseconds without trailing zeros unless they are 0, "Z".
     CStringProxy getGeneralizedTime() const;
 

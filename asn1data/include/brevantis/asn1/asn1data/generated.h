@@ -38,7 +38,7 @@ constexpr Constraint within(const ValueRange (&ranges)[Count]) {
 namespace family {
 
 /// Copies the value of a control object on to its context's heap, for another object to serve.
-/// @throws ASN1MessageBuffer::RTLError with -12 when memory is out
+/// @throws ASN1MessageBuffer::RTLError with ASN1S_NO_MEMORY when memory is out
 template <class Control>
 auto& copiedValue(Control& other) {
     auto* const copy = other.getCopy(nullptr);

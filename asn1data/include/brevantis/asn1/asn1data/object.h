@@ -31,14 +31,14 @@ public:
 namespace family {
 
 /// Encodes the typed value of a slot with its own tag.
-/// @return octets added, or a negative status, which is recorded; -30 when the slot has no typed
-///         value
+/// @return octets added, or a negative status, which is recorded; ASN1S_INVALID_PARAMETER when the
+///         slot has no typed value
 BREVANTIS_ASN1_API int encodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot);
 
 /// Decodes a value at the context's position into a new record, which the slot holds from then on,
 /// whatever comes of it.
-/// @return 0 or a negative status, which is recorded; -12 when there is no memory for the record,
-///         and then the slot holds none
+/// @return 0 or a negative status, which is recorded; ASN1S_NO_MEMORY when there is no memory for
+///         the record, and then the slot holds none
 BREVANTIS_ASN1_API int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot);
 
 /// Copies the typed value of a slot into a new record on the context's heap. The target holds none

@@ -10,13 +10,15 @@
 
 /// Sets a bit of an array.
 /// @param numbits bits of @p bits
-/// @return the bit's mask when it was set before, 0 when not; -29 when @p index >= @p numbits
+/// @return the bit's mask when it was set before, 0 when not; ASN1S_OUT_OF_BOUNDS when @p index >=
+///         @p numbits
 BREVANTIS_ASN1_API int rtSetBit(unsigned char* bits, unsigned int numbits,
                                 unsigned int index) noexcept;
 
 /// Clears a bit of an array.
 /// @param numbits bits of @p bits
-/// @return the bit's mask when it was set before, 0 when not; -29 when @p index >= @p numbits
+/// @return the bit's mask when it was set before, 0 when not; ASN1S_OUT_OF_BOUNDS when @p index >=
+///         @p numbits
 BREVANTIS_ASN1_API int rtClearBit(unsigned char* bits, unsigned int numbits,
                                   unsigned int index) noexcept;
 
@@ -34,9 +36,9 @@ BREVANTIS_ASN1_API int rtOctetBitLen(int octet) noexcept;
 ///
 /// The bit count is the position of the last one-bit plus one; only a value taken over from a
 /// caller can start otherwise. Operations that fail record their status in the context and return
-/// it; nothing is thrown and the bits stay as they were. -12 (memory is out) is among the failures
-/// of every operation that can grow. Ranges go from a first bit to an end bit that is not part of
-/// them; a range that is empty changes no bit.
+/// it; nothing is thrown and the bits stay as they were. ASN1S_NO_MEMORY (memory is out) is among
+/// the failures of every operation that can grow. Ranges go from a first bit to an end bit that is
+/// not part of them; a range that is empty changes no bit.
 ///
 /// Own memory is a block of the context's heap and goes with the object. A string in a caller's
 /// ASN1TDynBitStr that outgrows its octets moves to such a block and leaves the octets behind. A
@@ -86,25 +88,29 @@ public:
     ~ASN1CBitStr() override;
 
     /// Sets a bit.
-    /// @return 0; -29 for a bit above the limit; -5 when a string of fixed size has no octet for it
+    /// @return 0; ASN1S_OUT_OF_BOUNDS for a bit above the limit; ASN1S_INVALID_LENGTH when a string
+    ///         of fixed size has no octet for it
     int set(unsigned int bit);
     /// Sets the bits from @p from to @p to - 1.
-    /// @return 0; -29 for a bound above the limit; -24 for @p from > @p to; -5 without room
+    /// @return 0; ASN1S_OUT_OF_BOUNDS for a bound above the limit; ASN1S_RANGE_ERROR for @p from >
+    ///         @p to; ASN1S_INVALID_LENGTH without room
     int set(unsigned int from, unsigned int to);
     /// Empties the string; memory is kept.
     /// @return 0
     int clear();
     /// Clears a bit, and nothing when it lies past the octets in use.
-    /// @return 0; -29 for a bit above the limit
+    /// @return 0; ASN1S_OUT_OF_BOUNDS for a bit above the limit
     int clear(unsigned int bit);
     /// Clears the bits from @p from to @p to - 1.
-    /// @return 0; -29 for a bound above the limit; -24 for @p from > @p to
+    /// @return 0; ASN1S_OUT_OF_BOUNDS for a bound above the limit; ASN1S_RANGE_ERROR for @p from >
+    ///         @p to
     int clear(unsigned int from, unsigned int to);
     /// Inverts a bit.
-    /// @return 0; -29 for a bit above the limit; -5 without room
+    /// @return 0; ASN1S_OUT_OF_BOUNDS for a bit above the limit; ASN1S_INVALID_LENGTH without room
     int invert(unsigned int bit);
     /// Inverts the bits from @p from to @p to - 1.
-    /// @return 0; -29 for a bound above the limit; -24 for @p from > @p to; -5 without room
+    /// @return 0; ASN1S_OUT_OF_BOUNDS for a bound above the limit; ASN1S_RANGE_ERROR for @p from >
+    ///         @p to; ASN1S_INVALID_LENGTH without room
     int invert(unsigned int from, unsigned int to);
 
     /// @return 1 when the bit is set, else 0
@@ -112,12 +118,12 @@ public:
     /// Copies the bits from @p from to @p to - 1, the first one to the high bit of `out[0]`; bits
     /// at `length()` and above read as 0, and so does the rest of @p out.
     /// @param size octets of @p out
-    /// @return 0; -29 for a bound above the limit; -24 for @p from > @p to; -17 when the range has
-    ///         more bits than @p out
+    /// @return 0; ASN1S_OUT_OF_BOUNDS for a bound above the limit; ASN1S_RANGE_ERROR for @p from >
+    ///         @p to; ASN1S_STRING_OVERFLOW when the range has more bits than @p out
     int get(unsigned int from, unsigned int to, unsigned char* out, int size) const;
     /// Copies the octets in use and zeroes the rest of @p out.
     /// @param size octets of @p out
-    /// @return 0; -5 when more octets are in use
+    /// @return 0; ASN1S_INVALID_LENGTH when more octets are in use
     int getBytes(unsigned char* out, int size) const;
 
     /// @return octets in use
@@ -132,19 +138,21 @@ public:
     /// ANDs with another array; 0 bits empty the string.
     /// @param bits the other array, not this string's own. Bits past @p numBits in its last octet
     ///        count
-    /// @return 0; -30 for a bad @p bits
+    /// @return 0; ASN1S_INVALID_PARAMETER for a bad @p bits
     int doAnd(const unsigned char* bits, unsigned int numBits);
     /// ORs with another array, as far as the limit goes.
     /// @param bits the other array, not this string's own
     /// @param numBits with 0, a string of fixed size gets all its bits set
-    /// @return 0; -30 for a bad @p bits, or 0 bits for a string that may grow; -5 without room
+    /// @return 0; ASN1S_INVALID_PARAMETER for a bad @p bits, or 0 bits for a string that may grow;
+    ///         ASN1S_INVALID_LENGTH without room
     int doOr(const unsigned char* bits, unsigned int numBits);
     /// XORs with another array, as far as the limit goes; the string's own octets empty it.
-    /// @return 0, with nothing done for 0 bits; -30 for null @p bits; -5 without room
+    /// @return 0, with nothing done for 0 bits; ASN1S_INVALID_PARAMETER for null @p bits;
+    ///         ASN1S_INVALID_LENGTH without room
     int doXor(const unsigned char* bits, unsigned int numBits);
     /// Clears the bits that are set in another array; the string's own octets empty it.
     /// @param bits the other array. Bits past @p numBits in its last octet count
-    /// @return 0, with nothing done for 0 bits; -30 for null @p bits
+    /// @return 0, with nothing done for 0 bits; ASN1S_INVALID_PARAMETER for null @p bits
     int doAndNot(const unsigned char* bits, unsigned int numBits);
 
     /// Moves bit i + @p count to bit i; the first @p count bits are lost.
@@ -158,13 +166,13 @@ public:
     /// (the length, less @p count for a fixed size) is 7 modulo 8, and when m and @p count are both
     /// 0 modulo 8. With a limit that is no multiple of 8, the last octet in use loses the bits past
     /// the limit modulo 8 even when it is not the limit's octet.
-    /// @return 0; -29 when the string would exceed 0xFFFFFFFF bits; -12
+    /// @return 0; ASN1S_OUT_OF_BOUNDS when the string would exceed 0xFFFFFFFF bits; ASN1S_NO_MEMORY
     int shiftRight(unsigned int count);
 
     /// The bits as a record that shares this string's octets.
     operator ASN1TDynBitStr() const; // NOLINT(google-explicit-constructor)
     /// The bits as a record of their own: record and octets are blocks of the context's heap.
-    /// @return the record; null when memory is out, with -12 recorded
+    /// @return the record; null when memory is out, with ASN1S_NO_MEMORY recorded
     operator ASN1TDynBitStr*() const; // NOLINT(google-explicit-constructor)
 
 protected:
@@ -184,7 +192,8 @@ protected:
     unsigned char* reallocateMemory(unsigned char* block, int oldOctets, int newOctets);
     void freeMemory(unsigned char* block);
     /// Brings at least @p units octets into use, growing if need be.
-    /// @return 0; -5 when a string of fixed size has fewer; -12; both recorded
+    /// @return 0; ASN1S_INVALID_LENGTH when a string of fixed size has fewer; ASN1S_NO_MEMORY; both
+    ///         recorded
     int checkCapacity(int units);
     /// Takes zero octets at the end out of use and the bit count down to `length()`.
     void recalculateUnitsUsed();

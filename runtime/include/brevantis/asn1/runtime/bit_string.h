@@ -5,12 +5,12 @@
 #include <brevantis/asn1/runtime/value_types.h>
 
 /// @file
-/// Coders of BIT STRING (X.690 clause 8.6): any BER form in, the primitive definite form out. The
-/// first bit of a value is the high bit of its first octet.
+/// Coders of BIT STRING (X.690, 8.6): any BER form in, the primitive definite form out. The first
+/// bit of a value is the high bit of its first octet.
 ///
 /// Of a constructed string only the last segment gives up its count of unused bits. The first octet
 /// of every other segment stays in the value as data, and a constructed segment counts as data as a
-/// whole. So a value from several segments is not the one that X.690 clause 8.6.4 has in mind.
+/// whole. So a value from several segments is not the one that X.690, 8.6.4 has in mind.
 
 struct ASN1CTXT;
 
@@ -18,7 +18,8 @@ struct ASN1CTXT;
 /// @param data the bits; unused bits of the last octet go out as they stand
 /// @param numbits bits in @p data; trailing zero bits are not trimmed
 /// @return octets written; 0, with nothing written, for bits without @p data, which counts as an
-///         absent value; -1 when a caller-owned buffer is full; -12 when memory is out
+///         absent value; ASN1S_BUFFER_OVERFLOW when a caller-owned buffer is full; ASN1S_NO_MEMORY
+///         when memory is out
 BREVANTIS_ASN1_API int xe_bitstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numbits,
                                  ASN1TagType tagging) noexcept;
 
@@ -28,11 +29,13 @@ BREVANTIS_ASN1_API int xe_bitstr(ASN1CTXT* ctxt, const unsigned char* data, unsi
 ///        an empty string
 /// @param numbits receives the count of bits; 0 after a failure
 /// @param length with ASN1TagImplicit the length of the content, or ASN1IndefiniteLength
-/// @return 0, or a status. Recorded: -2 for a segment past the end of the message, -3 for another
-///         tag, -5 for bad lengths and missing end-of-contents octets, -12 when memory is out, -17
-///         for a segment that exceeds the string, -21 for a segment of another tag in a string of
-///         indefinite length. Not recorded: -2 for content past the end, -5 for unused bits of an
-///         empty string, -17 for more bits than 32 bits can count, -18 for more than 7 unused bits
+/// @return 0, or a status. Recorded: ASN1S_END_OF_BUFFER for a segment past the end of the message,
+///         ASN1S_TAG_NOT_FOUND for another tag, ASN1S_INVALID_LENGTH for bad lengths and missing
+///         end-of-contents octets, ASN1S_NO_MEMORY when memory is out, ASN1S_STRING_OVERFLOW for a
+///         segment that exceeds the string, ASN1S_BAD_TAG for a segment of another tag in a string
+///         of indefinite length. Not recorded: ASN1S_END_OF_BUFFER for content past the end,
+///         ASN1S_INVALID_LENGTH for unused bits of an empty string, ASN1S_STRING_OVERFLOW for more
+///         bits than 32 bits can count, ASN1S_BAD_VALUE for more than 7 unused bits
 BREVANTIS_ASN1_API int xd_bitstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numbits,
                                  ASN1TagType tagging, int length) noexcept;
 
@@ -43,9 +46,8 @@ BREVANTIS_ASN1_API int xd_bitstr(ASN1CTXT* ctxt, const unsigned char** data, uns
 /// @param tagging ASN1TagExplicit takes a primitive element only
 /// @param length with ASN1TagImplicit the length of the content, or ASN1IndefiniteLength, whose
 ///        end-of-contents octets are left for the caller
-/// @return 0, or a status as for xd_bitstr; -17 also when the content exceeds the capacity,
-/// recorded
-///         for a constructed form only
+/// @return 0, or a status as for xd_bitstr; ASN1S_STRING_OVERFLOW also when the content exceeds the
+///         capacity, recorded for a constructed form only
 BREVANTIS_ASN1_API int xd_bitstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* numbits,
                                    ASN1TagType tagging, int length) noexcept;
 

@@ -64,13 +64,13 @@ struct ASN1CTXT {
 /// Sets up a context: zeroes it, creates its heap, takes both heap references.
 /// @param ctxt any storage; what it held is overwritten
 /// @param userData handed to every allocator call
-/// @return 0, or the status of the heap's creation (-12)
+/// @return 0, or the status of the heap's creation (ASN1S_NO_MEMORY)
 BREVANTIS_ASN1_API int rtInitContext(ASN1CTXT* ctxt, void* userData) noexcept;
 
 /// Binds a buffer.
 /// @param data caller-owned octets, or null for a dynamic block from the heap
 /// @param size octets; 0 with null @p data means 16384
-/// @return 0; -32 when @p ctxt is not set up; -12 when memory is out
+/// @return 0; ASN1S_NOT_INITIALISED when @p ctxt is not set up; ASN1S_NO_MEMORY when memory is out
 BREVANTIS_ASN1_API int rtInitContextBuffer(ASN1CTXT* ctxt, unsigned char* data,
                                            unsigned int size) noexcept;
 

@@ -13,7 +13,7 @@
 class BREVANTIS_ASN1_API ASN1CType {
 public:
     /// On a context of its own, without a buffer.
-    /// @throws ASN1MessageBuffer::RTLError with -12 when memory is out
+    /// @throws ASN1MessageBuffer::RTLError with ASN1S_NO_MEMORY when memory is out
     ASN1CType();
     /// On the buffer and its context.
     explicit ASN1CType(ASN1MessageBufferIF& buffer);
@@ -26,10 +26,11 @@ public:
     virtual ~ASN1CType();
 
     /// Encodes the value to the object's buffer.
-    /// @return octets written, 0 or more; a negative status; -30 when there is no buffer
+    /// @return octets written, 0 or more; a negative status; ASN1S_INVALID_PARAMETER when there is
+    ///         no buffer
     virtual int Encode();
     /// Decodes the value from the object's buffer.
-    /// @return 0 or a status; -30 when there is no buffer
+    /// @return 0 or a status; ASN1S_INVALID_PARAMETER when there is no buffer
     virtual int Decode();
     /// Encodes the value to @p buffer.
     /// @return octets written, 0 or more, or a negative status; 0 here, as there is no value

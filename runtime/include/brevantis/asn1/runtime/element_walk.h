@@ -9,12 +9,13 @@
 /// @file
 /// Finding, stepping over and measuring elements of a message.
 ///
-/// None of these moves the position past `size`: contents that end beyond it are -2.
+/// None of these moves the position past `size`: contents that end beyond it are
+/// ASN1S_END_OF_BUFFER.
 
 /// Steps over a one-octet tag that the caller has looked at, and reads the length.
 /// @param len receives the length, ASN1IndefiniteLength on a primitive form too
-/// @return 0; -2 at the end of the buffer, or when ASN1F_INDEF_MESSAGE and ASN1F_LAST_EOC are both
-///         set; the failures of xd_len
+/// @return 0; ASN1S_END_OF_BUFFER at the end of the buffer, or when ASN1F_INDEF_MESSAGE and
+///         ASN1F_LAST_EOC are both set; the failures of xd_len
 BREVANTIS_ASN1_API int xd_Tag1AndLen(ASN1CTXT* ctxt, int* len) noexcept;
 
 /// Finds an element by its tag; class and number decide, the form does not.
@@ -24,23 +25,25 @@ BREVANTIS_ASN1_API int xd_Tag1AndLen(ASN1CTXT* ctxt, int* len) noexcept;
 /// @param len receives the length of the element found; may be null
 /// @param matchFlags ASN1MatchFlags. Without ASN1MatchAdvance the position ends at the first octet
 ///        of the element found
-/// @return 0; -3 when it is not there or the buffer ends first; the failures of xd_tag_len. Nothing
-///         beyond what xd_len records is recorded
+/// @return 0; ASN1S_TAG_NOT_FOUND when it is not there or the buffer ends first; the failures of
+///         xd_tag_len. Nothing beyond what xd_len records is recorded
 BREVANTIS_ASN1_API int xd_match(ASN1CTXT* ctxt, ASN1TAG tag, int* len, int matchFlags) noexcept;
 
 /// Checks a one-octet tag at the position and reads the length; the form is not compared.
 /// @param identifierOctet the expected octet
 /// @param len receives the length. Null leaves even an indefinite length on a primitive form alone
-/// @return 0; -3 recorded, position unchanged, when another octet or none is there; -2 when the
-///         buffer ends behind the tag; the failures of xd_len; -5 recorded for an indefinite length
-///         on a primitive form (X.690 8.1.3.2)
+/// @return 0; ASN1S_TAG_NOT_FOUND recorded, position unchanged, when another octet or none is
+///         there; ASN1S_END_OF_BUFFER when the buffer ends behind the tag; the failures of xd_len;
+///         ASN1S_INVALID_LENGTH recorded for an indefinite length on a primitive form
+///         (X.690, 8.1.3.2)
 BREVANTIS_ASN1_API int xd_match1(ASN1CTXT* ctxt, unsigned char identifierOctet, int* len) noexcept;
 
 /// Steps over the element at the position, whatever it holds.
-/// @return 0; the failures of xd_tag_len; -2 when its contents end beyond the buffer
+/// @return 0; the failures of xd_tag_len; ASN1S_END_OF_BUFFER when its contents end beyond the
+///         buffer
 BREVANTIS_ASN1_API int xd_NextElement(ASN1CTXT* ctxt) noexcept;
 
-/// Moves behind the end-of-contents octets (X.690 8.1.5) of the element that the position is in.
+/// Moves behind the end-of-contents octets (X.690, 8.1.5) of the element that the position is in.
 /// @return 0; the failures of xd_NextElement
 BREVANTIS_ASN1_API int xd_MovePastEOC(ASN1CTXT* ctxt) noexcept;
 
@@ -53,9 +56,9 @@ BREVANTIS_ASN1_API int xd_count(ASN1CTXT* ctxt, int length, int* count) noexcept
 /// Size of a whole message whose first length is indefinite, its last end-of-contents included.
 /// @param msg the message
 /// @param bufSize octets in @p msg; nothing behind them is read
-/// @return the size; 0 when @p bufSize is below 5; -5 when the first length is not indefinite; -2
-///         when the message is not closed within @p bufSize; -12 when memory is out; the failures
-///         of xd_tag_len
+/// @return the size; 0 when @p bufSize is below 5; ASN1S_INVALID_LENGTH when the first length is
+///         not indefinite; ASN1S_END_OF_BUFFER when the message is not closed within @p bufSize;
+///         ASN1S_NO_MEMORY when memory is out; the failures of xd_tag_len
 BREVANTIS_ASN1_API int xd_indeflen_ex(const unsigned char* msg, int bufSize) noexcept;
 
 /// Measures a constructed string of indefinite length from its first content octet on; the position
@@ -63,14 +66,14 @@ BREVANTIS_ASN1_API int xd_indeflen_ex(const unsigned char* msg, int bufSize) noe
 /// @param segmentTag whole tag of the segments, 3 for BIT STRING and 4 for every other string
 /// @param dataLen receives the sum of the segments' lengths
 /// @param contentLen receives the octets in front of the end-of-contents, segment headers included
-/// @return 0; -21 for another tag, which a constructed segment has too; the failures of
+/// @return 0; ASN1S_BAD_TAG for another tag, which a constructed segment has too; the failures of
 ///         xd_NextElement
 BREVANTIS_ASN1_API int xd_consStrIndefLenAndSize(ASN1CTXT* ctxt, ASN1TAG segmentTag, int* dataLen,
                                                  int* contentLen) noexcept;
 
 /// Copies octets out of the message and moves behind them.
 /// @param target room for @p count octets
-/// @return 0; -2 when fewer are left, or @p count is negative
+/// @return 0; ASN1S_END_OF_BUFFER when fewer are left, or @p count is negative
 BREVANTIS_ASN1_API int xd_memcpy(ASN1CTXT* ctxt, unsigned char* target, int count) noexcept;
 
 /// Saves position and flags.

@@ -11,8 +11,8 @@
 ///
 /// It takes YYYYMMDDhh[mm[ss[.f]]] with "Z", an offset or nothing, and under DER with "Z" only. The
 /// fraction is one digit in what it writes. Of a longer one the value is the digits as a number
-/// (-31 from 2^31 on), and with the second digit read in place of a zone the time counts as local.
-/// An offset below an hour is written with a minus sign. Known and kept.
+/// (ASN1S_INVALID_FORMAT from 2^31 on), and with the second digit read in place of a zone the time
+/// counts as local. An offset below an hour is written with a minus sign. Known and kept.
 class BREVANTIS_ASN1_API ASN1CGeneralizedTime : public ASN1CTime {
 public:
     /// As the constructors of ASN1CTime.
@@ -26,11 +26,12 @@ public:
     ASN1CGeneralizedTime& operator=(const ASN1CGeneralizedTime& other);
     ~ASN1CGeneralizedTime() override;
 
-    /// @return the hundreds of the year; -31 for a text that does not parse, -3 without a year
+    /// @return the hundreds of the year; ASN1S_INVALID_FORMAT for a text that does not parse, -3
+    ///         without a year
     int getCentury();
     /// Replaces the hundreds of the year.
     /// @param value 0 to 99
-    /// @return 0; -31 for a value out of range
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range
     int setCentury(int value);
 
     int setTime(long seconds, unsigned char wantOffset) override;

@@ -50,7 +50,7 @@ BREVANTIS_ASN1_API void rtDefaultFree(void* userData, void* ptr);
 /// Creates a heap with one reference, to be dropped by rtMemHeapRelease.
 /// @param heap receives the heap
 /// @param userData handed to every allocator call of this heap
-/// @return 0; -30 when @p heap is null; -12 when memory is out
+/// @return 0; ASN1S_INVALID_PARAMETER when @p heap is null; ASN1S_NO_MEMORY when memory is out
 BREVANTIS_ASN1_API int rtMemHeapCreate(void** heap, void* userData) noexcept;
 
 /// Allocates a block, creating the heap when the pointer behind @p heapRef is null.

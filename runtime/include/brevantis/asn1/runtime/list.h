@@ -117,8 +117,9 @@ BREVANTIS_ASN1_API unsigned int rtDListToArray(ASN1CTXT* ctxt, const _Asn1RTDLis
 /// outlive the list.
 /// @param elementCount slots of @p array; 0 and below append nothing
 /// @param elementSize octets of a slot, not negative
-/// @return 0; -12 when memory is out, with the slots before that one appended; -30 for a null
-///         @p array or a negative @p elementSize. Nothing is recorded
+/// @return 0; ASN1S_NO_MEMORY when memory is out, with the slots before that one appended;
+///         ASN1S_INVALID_PARAMETER for a null @p array or a negative @p elementSize. Nothing is
+///         recorded
 BREVANTIS_ASN1_API int rtDListAppendArray(ASN1CTXT* ctxt, _Asn1RTDList* list, const void* array,
                                           int elementCount, int elementSize) noexcept;
 
@@ -126,8 +127,9 @@ BREVANTIS_ASN1_API int rtDListAppendArray(ASN1CTXT* ctxt, _Asn1RTDList* list, co
 /// slots that begin below it are copied, that is `octetCount / elementSize`, rounded up.
 /// @param octetCount octets of @p array; 0 and below append nothing
 /// @param elementSize octets of a slot, above 0
-/// @return 0; -12 when memory is out, with the slots before that one appended; -30 for a null
-///         @p array or an @p elementSize of 0 or below. Nothing is recorded
+/// @return 0; ASN1S_NO_MEMORY when memory is out, with the slots before that one appended;
+///         ASN1S_INVALID_PARAMETER for a null @p array or an @p elementSize of 0 or below. Nothing
+///         is recorded
 BREVANTIS_ASN1_API int rtDListAppendArrayCopy(ASN1CTXT* ctxt, _Asn1RTDList* list, const void* array,
                                               int octetCount, int elementSize) noexcept;
 

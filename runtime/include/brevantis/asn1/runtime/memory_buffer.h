@@ -37,8 +37,9 @@ BREVANTIS_ASN1_API void rtMemBufReset(ASN1MemBuf* buf) noexcept;
 
 /// Makes room for @p count octets behind the contents. Pointers into an earlier block end here. A
 /// growth that leaves a block of the caller's does not carry the contents over.
-/// @return 0; -12 when memory is out, with the fields unchanged; -30 when @p count is negative, or
-///         a growth is needed and `segmentSize` is 0
+/// @return 0; ASN1S_NO_MEMORY when memory is out, with the fields unchanged;
+///         ASN1S_INVALID_PARAMETER when @p count is negative, or a growth is needed and
+///         `segmentSize` is 0
 BREVANTIS_ASN1_API int rtMemBufPreAllocate(ASN1MemBuf* buf, int count) noexcept;
 
 /// Appends octets.

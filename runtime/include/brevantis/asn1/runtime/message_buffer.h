@@ -54,11 +54,11 @@ public:
     /// @return 0 or a status
     virtual int init();
     /// Binds the context to the octets of a growable buffer.
-    /// @return 0 or a status; -99 where this is not offered
+    /// @return 0 or a status; ASN1S_NOT_SUPPORTED where this is not offered
     virtual int initBuffer(ASN1MemBuf& memBuf);
-    /// @return -99: octets come as octets here
+    /// @return ASN1S_NOT_SUPPORTED: octets come as octets here
     virtual int initBuffer(unsigned short* text);
-    /// @return -99: octets come as octets here
+    /// @return ASN1S_NOT_SUPPORTED: octets come as octets here
     virtual int initBuffer(char* text);
     /// @return whether the buffer works in this direction
     virtual bool isA(Type type) = 0;
@@ -80,7 +80,7 @@ public:
     };
 
     /// Creates a context and holds the one reference to it.
-    /// @throws RTLError with -12 when memory is out
+    /// @throws RTLError with ASN1S_NO_MEMORY when memory is out
     explicit ASN1MessageBuffer(ASN1MessageBufferIF::Type type);
     ~ASN1MessageBuffer() override;
     ASN1MessageBuffer(const ASN1MessageBuffer&) = default;
@@ -94,8 +94,9 @@ public:
     unsigned char* getMsgPtr() override;
     /// Binds the context to the octets in @p memBuf, which has to outlive their use. The memory
     /// buffer must not grow in the meantime.
-    /// @return 0; -99 for a decode buffer and a @p memBuf that never held anything; -12 when an
-    ///         encode buffer gets a block of its own for want of one in @p memBuf and memory is out
+    /// @return 0; ASN1S_NOT_SUPPORTED for a decode buffer and a @p memBuf that never held anything;
+    ///         ASN1S_NO_MEMORY when an encode buffer gets a block of its own for want of one in
+    ///         @p memBuf and memory is out
     int initBuffer(ASN1MemBuf& memBuf) override;
     int initBuffer(unsigned short* text) override;
     int initBuffer(char* text) override;
@@ -119,7 +120,7 @@ public:
 class BREVANTIS_ASN1_API ASN1BEREncodeBuffer : public ASN1BERMessageBuffer {
 public:
     /// A block of 16384 octets that grows with the message.
-    /// @throws RTLError with -12 when memory is out
+    /// @throws RTLError with ASN1S_NO_MEMORY when memory is out
     ASN1BEREncodeBuffer();
     /// A block of the caller's, which has to outlive its use. Its last octet stays unused.
     /// @param size octets in @p buffer
@@ -131,7 +132,8 @@ public:
 
     /// Turns to another block; null for one that grows with the message.
     /// @param size octets in @p buffer, or of the first growing block (0: 16384)
-    /// @return 0; -12 when memory is out; -30 when @p size is negative; what xe_setp returns
+    /// @return 0; ASN1S_NO_MEMORY when memory is out; ASN1S_INVALID_PARAMETER when @p size is
+    ///         negative; what xe_setp returns
     int setBuffer(unsigned char* buffer, int size);
 
     /// Copies the message and the unused last octet behind it.
@@ -157,11 +159,11 @@ public:
 class BREVANTIS_ASN1_API ASN1BERDecodeBuffer : public ASN1BERMessageBuffer {
 public:
     /// No message yet.
-    /// @throws RTLError with -12 when memory is out
+    /// @throws RTLError with ASN1S_NO_MEMORY when memory is out
     ASN1BERDecodeBuffer();
     /// Remembers a message; nothing is read.
     /// @param size octets in @p msg
-    /// @throws RTLError with -12 when memory is out
+    /// @throws RTLError with ASN1S_NO_MEMORY when memory is out
     ASN1BERDecodeBuffer(const unsigned char* msg, int size);
     ~ASN1BERDecodeBuffer() override;
     ASN1BERDecodeBuffer(const ASN1BERDecodeBuffer&) = default;
@@ -179,7 +181,7 @@ public:
     /// message that is bound. One that is remembered and not bound yet is bound by init() all the
     /// same.
     /// @param memBuf has to outlive the use of its octets, and must not grow in the meantime
-    /// @return 0; -99 for a @p memBuf that never held anything
+    /// @return 0; ASN1S_NOT_SUPPORTED for a @p memBuf that never held anything
     int initBuffer(ASN1MemBuf& memBuf) override;
     using ASN1BERMessageBuffer::initBuffer;
     bool isA(Type type) override;
@@ -188,8 +190,9 @@ public:
     /// end of the message.
     /// @param size octets in @p msg
     /// @param keepIfSame non-zero: nothing happens when this very message is bound already
-    /// @return 0; -99 when @p msg is null or @p size below 1 (they are remembered all the same);
-    ///         otherwise what xd_setp returns, as -5 for an element that claims more than @p size
+    /// @return 0; ASN1S_NOT_SUPPORTED when @p msg is null or @p size below 1 (they are remembered
+    ///         all the same); otherwise what xd_setp returns, as ASN1S_INVALID_LENGTH for an
+    ///         element that claims more than @p size
     int setBuffer(const unsigned char* msg, int size, unsigned char keepIfSame = 0);
 
     /// Searches the message for an element, depth first and without decoding anything.

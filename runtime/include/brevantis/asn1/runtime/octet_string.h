@@ -5,7 +5,7 @@
 #include <brevantis/asn1/runtime/value_types.h>
 
 /// @file
-/// Coders of OCTET STRING (X.690 clause 8.7): any BER form in, the primitive definite form out.
+/// Coders of OCTET STRING (X.690, 8.7): any BER form in, the primitive definite form out.
 ///
 /// The decoders do not ask for DER. A constructed string consists of primitive segments only. A
 /// string of indefinite length takes its own end-of-contents octets with it.
@@ -15,7 +15,8 @@ struct ASN1CTXT;
 /// Writes an OCTET STRING.
 /// @param data the octets; null writes no content, whatever @p numocts says
 /// @param numocts octets in @p data
-/// @return octets written; -1 when a caller-owned buffer is full; -12 when memory is out
+/// @return octets written; ASN1S_BUFFER_OVERFLOW when a caller-owned buffer is full;
+///         ASN1S_NO_MEMORY when memory is out
 BREVANTIS_ASN1_API int xe_octstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numocts,
                                  ASN1TagType tagging) noexcept;
 
@@ -24,10 +25,11 @@ BREVANTIS_ASN1_API int xe_octstr(ASN1CTXT* ctxt, const unsigned char* data, unsi
 ///        primitive form, a pointer into the message, which must then outlive the value
 /// @param numocts receives the count of octets; 0 after a failure
 /// @param length with ASN1TagImplicit the length of the content, or ASN1IndefiniteLength
-/// @return 0, or a status recorded in the context: -2 for content past the end of the message, -3
-///         for another tag, -5 for a bad length or missing end-of-contents octets, -12 when memory
-///         is out, -17 for a segment that exceeds the string, -21 for a segment of another tag in
-///         a string of indefinite length
+/// @return 0, or a status recorded in the context: ASN1S_END_OF_BUFFER for content past the end of
+///         the message, ASN1S_TAG_NOT_FOUND for another tag, ASN1S_INVALID_LENGTH for a bad length
+///         or missing end-of-contents octets, ASN1S_NO_MEMORY when memory is out,
+///         ASN1S_STRING_OVERFLOW for a segment that exceeds the string, ASN1S_BAD_TAG for a segment
+///         of another tag in a string of indefinite length
 BREVANTIS_ASN1_API int xd_octstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numocts,
                                  ASN1TagType tagging, int length) noexcept;
 
@@ -38,9 +40,9 @@ BREVANTIS_ASN1_API int xd_octstr(ASN1CTXT* ctxt, const unsigned char** data, uns
 /// @param tagging ASN1TagExplicit takes a primitive element only
 /// @param length with ASN1TagImplicit the length of the content. With ASN1TagExplicit it is used
 ///        when the message's own length cannot be read; that failure is recorded nevertheless
-/// @return 0, or a status recorded in the context: -2, -3, -5 as for xd_octstr, -17 when the
-/// content
-///         exceeds the capacity
+/// @return 0, or a status recorded in the context: ASN1S_END_OF_BUFFER, ASN1S_TAG_NOT_FOUND,
+///         ASN1S_INVALID_LENGTH as for xd_octstr, ASN1S_STRING_OVERFLOW when the content exceeds
+///         the capacity
 BREVANTIS_ASN1_API int xd_octstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* size,
                                    ASN1TagType tagging, int length) noexcept;
 

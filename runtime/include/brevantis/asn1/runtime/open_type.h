@@ -16,10 +16,10 @@ struct ASN1CTXT;
 /// @param numocts receives the size of the element in octets. Where the message has no element
 ///        left, nor a whole header, both arguments stay as they were and the call succeeds: the
 ///        way in which an optional open type is absent
-/// @return 0, or a status: -18 for an element past the end of the message or end-of-contents
-///         octets in place of one, -12 when memory is out, -5 for a malformed length, -21 for a
-///         tag number that is too big. An element of indefinite length that the message cuts off
-///         is a success
+/// @return 0, or a status: ASN1S_BAD_VALUE for an element past the end of the message or
+///         end-of-contents octets in place of one, ASN1S_NO_MEMORY when memory is out,
+///         ASN1S_INVALID_LENGTH for a malformed length, ASN1S_BAD_TAG for a tag number that is too
+///         big. An element of indefinite length that the message cuts off is a success
 BREVANTIS_ASN1_API int xd_OpenType(ASN1CTXT* ctxt, const unsigned char** data,
                                    unsigned int* numocts) noexcept;
 
@@ -27,7 +27,7 @@ BREVANTIS_ASN1_API int xd_OpenType(ASN1CTXT* ctxt, const unsigned char** data,
 /// context's heap as one block; a failed call leaves that block in the heap.
 /// @param list null steps over the element instead
 /// @return 0, or a status recorded in the context: as for xd_OpenType and, with a null @p list, as
-///         for xd_NextElement; -12 when memory is out
+///         for xd_NextElement; ASN1S_NO_MEMORY when memory is out
 BREVANTIS_ASN1_API int xd_OpenTypeAppend(ASN1CTXT* ctxt, Asn1RTDList* list) noexcept;
 
 /// Collects the elements between known members of an extensible type.
@@ -35,8 +35,9 @@ BREVANTIS_ASN1_API int xd_OpenTypeAppend(ASN1CTXT* ctxt, Asn1RTDList* list) noex
 /// @param stopTag tag of the next known member, which is left at the position; ASN1TagNone collects
 ///        to the end of the scope
 /// @param list null drops the elements
-/// @return 0, or a status: -2, recorded, when the scope ends before @p stopTag or no header can be
-///         read any more; otherwise as for xd_OpenTypeAppend (recorded) and xd_match (not recorded)
+/// @return 0, or a status: ASN1S_END_OF_BUFFER, recorded, when the scope ends before @p stopTag or
+///         no header can be read any more; otherwise as for xd_OpenTypeAppend (recorded) and
+///         xd_match (not recorded)
 BREVANTIS_ASN1_API int xd_OpenTypeExt(ASN1CTXT* ctxt, ASN1ElementScope* scope, ASN1TAG stopTag,
                                       Asn1RTDList* list) noexcept;
 
@@ -45,9 +46,10 @@ BREVANTIS_ASN1_API int xd_OpenTypeExt(ASN1CTXT* ctxt, ASN1ElementScope* scope, A
 /// @param data the octets. When they are the current write position, they count as written already;
 ///        elsewhere in the context's own buffer they must not lie
 /// @param numocts octets in @p data; 0 writes nothing
-/// @return octets of the element; 0 for @p numocts 0; -18 for a null @p data; -2 or -5 when the
-///         element does not end within @p numocts, and the other statuses of reading a header;
-///         -1 when a caller-owned buffer is full; -12 when memory is out
+/// @return octets of the element; 0 for @p numocts 0; ASN1S_BAD_VALUE for a null @p data;
+///         ASN1S_END_OF_BUFFER or ASN1S_INVALID_LENGTH when the element does not end within
+///         @p numocts, and the other statuses of reading a header; ASN1S_BUFFER_OVERFLOW when a
+///         caller-owned buffer is full; ASN1S_NO_MEMORY when memory is out
 BREVANTIS_ASN1_API int xe_OpenType(ASN1CTXT* ctxt, const unsigned char* data,
                                    unsigned int numocts) noexcept;
 

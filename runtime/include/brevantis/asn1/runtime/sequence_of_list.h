@@ -14,26 +14,29 @@ class ASN1CSeqOfList;
 /// A position in a list. Made by ASN1CSeqOfList on the heap of its context and never freed singly:
 /// it goes with the heap. The list object must outlive its use.
 ///
-/// Each operation fails with -27 once the list was changed by another route than this iterator.
-/// Failures are kept in `stat`; nothing is recorded in the context.
+/// Each operation fails with ASN1S_CONCURRENT_MODIFICATION once the list was changed by another
+/// route than this iterator. Failures are kept in `stat`; nothing is recorded in the context.
 class BREVANTIS_ASN1_API ASN1CSeqOfListIterator {
 public:
     /// Gives the element ahead and steps over it.
-    /// @return the element; null on failure: -8 at the end, -27
+    /// @return the element; null on failure: ASN1S_MISSING_ELEMENT at the end,
+    ///         ASN1S_CONCURRENT_MODIFICATION
     void* next() noexcept;
     /// Gives the element before the one given last, or the one ahead when none was given since the
     /// start, an `insert` or a `remove`.
-    /// @return the element; null on failure: -8 at either end, the iterator staying where it is;
-    ///         -27
+    /// @return the element; null on failure: ASN1S_MISSING_ELEMENT at either end, the iterator
+    ///         staying where it is; ASN1S_CONCURRENT_MODIFICATION
     void* prev() noexcept;
     /// Replaces the element given last; no iterator minds.
-    /// @return 0; -28 when none was given since the last `insert` or `remove`; -27
+    /// @return 0; ASN1S_ILLEGAL_STATE when none was given since the last `insert` or `remove`;
+    ///         ASN1S_CONCURRENT_MODIFICATION
     int set(void* data) noexcept;
     /// Inserts in front of the element ahead, at the end when there is none.
-    /// @return 0; -12 when memory is out; -27
+    /// @return 0; ASN1S_NO_MEMORY when memory is out; ASN1S_CONCURRENT_MODIFICATION
     int insert(void* data) noexcept;
     /// Removes the element given last from the list; nothing is freed.
-    /// @return 0; -28 when none was given since the last `insert` or `remove`; -27
+    /// @return 0; ASN1S_ILLEGAL_STATE when none was given since the last `insert` or `remove`;
+    ///         ASN1S_CONCURRENT_MODIFICATION
     int remove() noexcept;
     /// @return the last failure, 0 until one occurs
     int getState() const noexcept { return stat; }

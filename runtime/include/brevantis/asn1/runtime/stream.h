@@ -77,18 +77,20 @@ struct ASN1Stream {
 };
 
 /// Calls the stream's flush operation. Octets in the context's buffer stay there.
-/// @return what the operation returned, 0 when there is none; -30 without an output stream
+/// @return what the operation returned, 0 when there is none; ASN1S_INVALID_PARAMETER without an
+///         output stream
 BREVANTIS_ASN1_API int rtStreamFlush(ASN1CTXT* ctxt);
 
 /// Hands octets to the stream, past the context's buffer.
-/// @return what the write operation returned; -32 without an output stream or an operation; -30
-///         when @p data is null and @p count is not 0
+/// @return what the write operation returned; ASN1S_NOT_INITIALISED without an output stream or an
+///         operation; ASN1S_INVALID_PARAMETER when @p data is null and @p count is not 0
 BREVANTIS_ASN1_API int rtStreamWrite(ASN1CTXT* ctxt, const unsigned char* data, unsigned int count);
 
 /// Writes the octets that wait in the context's buffer and flushes the stream. On a failure of the
 /// write operation the octets stay in the buffer.
-/// @return 0; a failure of either operation, that of writing recorded; -30 without an output
-///         stream, or when the position lies outside the buffer; -32 without a write operation
+/// @return 0; a failure of either operation, that of writing recorded; ASN1S_INVALID_PARAMETER
+///         without an output stream, or when the position lies outside the buffer;
+///         ASN1S_NOT_INITIALISED without a write operation
 BREVANTIS_ASN1_API int rtStreamBufFlush(ASN1CTXT* ctxt);
 
 /// Puts octets into the context's buffer, after writing out what waits there when they do not fit;
@@ -104,14 +106,15 @@ BREVANTIS_ASN1_API int rtStreamRelease(ASN1CTXT* ctxt) noexcept;
 
 /// Makes room for @p count octets behind the position: by flushing to the stream, then by growing a
 /// dynamic buffer by @p count octets and no less than 16384.
-/// @return 0; recorded: -1 when the caller's buffer is too small, -12 when memory is out, -30 when
-///         the position lies outside the buffer, a failure of flushing
+/// @return 0; recorded: ASN1S_BUFFER_OVERFLOW when the caller's buffer is too small,
+///         ASN1S_NO_MEMORY when memory is out, ASN1S_INVALID_PARAMETER when the position lies
+///         outside the buffer, a failure of flushing
 BREVANTIS_ASN1_API int rtCheckBuffer(ASN1CTXT* ctxt, unsigned int count);
 
 /// Writes octets forward: to the stream by way of the buffer, or into the buffer.
 /// @param data @p count octets that stay the caller's
-/// @return 0; a failure as of rtStreamBufWrite or rtCheckBuffer; -30, recorded, when @p data is
-///         null and @p count is not 0
+/// @return 0; a failure as of rtStreamBufWrite or rtCheckBuffer; ASN1S_INVALID_PARAMETER, recorded,
+///         when @p data is null and @p count is not 0
 BREVANTIS_ASN1_API int rtWriteBytes(ASN1CTXT* ctxt, const unsigned char* data, unsigned int count);
 
 #endif

@@ -18,8 +18,8 @@
 /// when the object goes while the variable still points there.
 ///
 /// Statuses that an operation returns are recorded in the context unless told otherwise; nothing
-/// throws but the constructors (ASN1MessageBuffer::RTLError with -12, where they make a context).
-/// `getTime` and `setTime` read the process's time zone; an object belongs to one thread.
+/// throws but the constructors (ASN1MessageBuffer::RTLError with ASN1S_NO_MEMORY, where they make a
+/// context). `getTime` and `setTime` read the process's time zone; an object belongs to one thread.
 class BREVANTIS_ASN1_API ASN1CTime : public ASN1CType {
 public:
     /// Days of the months of a common year by month number; 0 at index 0.
@@ -33,8 +33,8 @@ public:
     ASN1CTime& operator=(const ASN1CTime& other);
 
     /// The fields, parsed if need be.
-    /// @return the value, -3 for one that is not set; -31 for a text that does not parse. Negative
-    ///         parts of an offset are values, not failures
+    /// @return the value, -3 for one that is not set; ASN1S_INVALID_FORMAT for a text that does not
+    ///         parse. Negative parts of an offset are values, not failures
     virtual int getYear();
     virtual int getMonth();
     virtual int getDay();
@@ -45,13 +45,14 @@ public:
     virtual int getFraction();
     virtual int getDiffHour();
     virtual int getDiffMinute();
-    /// @return the offset from UTC in minutes; -31 also for a text that does not parse
+    /// @return the offset from UTC in minutes; ASN1S_INVALID_FORMAT also for a text that does not
+    ///         parse
     virtual int getDiff();
     /// @return non-zero for a time in UTC. Under DER nothing is parsed for it
     virtual unsigned char getUTC();
     /// Seconds since 1970-01-01 00:00:00 UTC, with the fields read as local standard time of the
     /// process whatever their zone, and the offset added. Known and kept.
-    /// @return the seconds; -31 for a text that does not parse
+    /// @return the seconds; ASN1S_INVALID_FORMAT for a text that does not parse
     virtual long getTime();
 
     /// The setters parse if need be, store, and write the text anew; that the other fields do not
@@ -60,7 +61,8 @@ public:
     /// @return 0, with nothing done under DER
     virtual int setUTC(unsigned char value);
     /// @param value 0 to 32767
-    /// @return 0; -31 for a value out of range or a day that its month does not have
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range or a day that its month does not
+    ///         have
     virtual int setYear(int value);
     /// @param value 1 to 12
     /// @return as setYear
@@ -69,13 +71,13 @@ public:
     /// @return as setYear
     virtual int setDay(int value);
     /// @param value 0 to 23
-    /// @return 0; -31 for a value out of range
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range
     virtual int setHour(int value);
     /// @param value 0 to 59
-    /// @return 0; -31 for a value out of range
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range
     virtual int setMinute(int value);
     /// @param value 0 to 59
-    /// @return 0; -31 for a value out of range
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range
     virtual int setSecond(int value);
     /// @param value the digits behind the decimal mark as a number; any value, and one below 1 is
     ///        not written
@@ -84,23 +86,24 @@ public:
     /// Takes the fields from a moment, as local time of the process.
     /// @param seconds since 1970-01-01 00:00:00 UTC
     /// @param wantOffset non-zero: keep the zone's offset with the time
-    /// @return 0; -31 for a moment whose year has no 16 bits
+    /// @return 0; ASN1S_INVALID_FORMAT for a moment whose year has no 16 bits
     virtual int setTime(long seconds, unsigned char wantOffset) = 0;
     /// @param value -12 to 12; the minutes of the offset stay
-    /// @return 0; -31 for a value out of range
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range
     virtual int setDiffHour(int value);
     /// @param hours -12 to 12
     /// @param minutes -59 to 59, taken with the sign of @p hours: positive when @p hours is 0
-    /// @return 0; -31 for a value out of range
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range
     virtual int setDiff(int hours, int minutes);
     /// @param minutes the offset, -720 to 720
-    /// @return 0; -31 for a value out of range
+    /// @return 0; ASN1S_INVALID_FORMAT for a value out of range
     virtual int setDiff(int minutes);
 
     /// Takes the fields from a text; one that is not the object's own is written to it too. A
     /// failure is not recorded and leaves the fields as they were.
     /// @param text up to its terminator
-    /// @return 0, also for a text without a date, which leaves the fields not set; -31
+    /// @return 0, also for a text without a date, which leaves the fields not set;
+    ///         ASN1S_INVALID_FORMAT
     virtual int parseString(const char* text) = 0;
     /// Takes every field back to its initial value and empties the text, which is not parsed then.
     virtual void clear();
@@ -117,8 +120,9 @@ public:
     virtual bool operator<=(ASN1CTime& other);
 
     /// Writes the text from the fields; nothing is parsed.
-    /// @return 0; -31 when a field that the text needs is not set; -17 when the text does not fit
-    ///         the caller's buffer, which stays as it was
+    /// @return 0; ASN1S_INVALID_FORMAT when a field that the text needs is not set;
+    ///         ASN1S_STRING_OVERFLOW when the text does not fit the caller's buffer, which stays as
+    ///         it was
     virtual int compileString() = 0;
 
     /// Writes the text from the fields, if they are set.
@@ -143,8 +147,8 @@ public:
     static bool checkDate(int d, int m, int y) noexcept;
     /// Moves a date.
     /// @param days signed
-    /// @return 0; -31, unrecorded, with the date as it was for a month that is none and a year
-    ///         beyond 16 bits
+    /// @return 0; ASN1S_INVALID_FORMAT, unrecorded, with the date as it was for a month that is
+    ///         none and a year beyond 16 bits
     static int addDays(int days, short& y, short& m, short& d) noexcept;
     /// Moves a date and time of day; what is below a tenth of a second is lost.
     /// @param milliseconds signed
@@ -197,17 +201,17 @@ protected:
     void adoptFields(const Fields& fields, const char* text);
     /// Begins a compilation.
     /// @param fields receives the fields, brought to UTC when the text is to end in "Z"
-    /// @return 0; -31, unrecorded, when that leads out of the calendar
+    /// @return 0; ASN1S_INVALID_FORMAT, unrecorded, when that leads out of the calendar
     int writtenFields(Fields& fields) const noexcept;
     /// Turns to the internal buffer unless the caller's is large enough for a time.
     void checkCapacity();
     /// Puts a terminated text of @p length octets in place of the object's own.
-    /// @return 0; -17, recorded, when it does not fit
+    /// @return 0; ASN1S_STRING_OVERFLOW, recorded, when it does not fit
     int storeText(const char* text, int length);
     /// Takes date and time of day from a moment, as local time of the process.
     /// @param keepOffset whether the offset is computed too: hours, and in place of its minutes its
     ///        seconds modulo 60, so that minutes are lost (known and kept); otherwise it becomes 0
-    /// @return 0, or -31, recorded
+    /// @return 0, or ASN1S_INVALID_FORMAT, recorded
     int takeLocalTime(long seconds, bool keepOffset);
 
     short year = NotSet;

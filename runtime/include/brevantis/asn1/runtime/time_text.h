@@ -39,7 +39,8 @@ struct ASN1TimeFields {
 /// @param ctxt records a failure; may be null
 /// @param text up to its terminator
 /// @param fields written on success only
-/// @return 0; -31 for a malformed text; -30 for a null @p text or @p fields; failures are recorded
+/// @return 0; ASN1S_INVALID_FORMAT for a malformed text; ASN1S_INVALID_PARAMETER for a null @p text
+///         or @p fields; failures are recorded
 BREVANTIS_ASN1_API int rtParseUTCTime(ASN1CTXT* ctxt, const char* text,
                                       ASN1TimeFields* fields) noexcept;
 
@@ -49,7 +50,8 @@ BREVANTIS_ASN1_API int rtParseUTCTime(ASN1CTXT* ctxt, const char* text,
 /// @param ctxt records a failure; may be null
 /// @param text up to its terminator
 /// @param fields written on success only
-/// @return 0; -31 for a malformed text; -30 for a null @p text or @p fields; failures are recorded
+/// @return 0; ASN1S_INVALID_FORMAT for a malformed text; ASN1S_INVALID_PARAMETER for a null @p text
+///         or @p fields; failures are recorded
 BREVANTIS_ASN1_API int rtParseGeneralizedTime(ASN1CTXT* ctxt, const char* text,
                                               ASN1TimeFields* fields) noexcept;
 
@@ -60,8 +62,9 @@ BREVANTIS_ASN1_API int rtParseGeneralizedTime(ASN1CTXT* ctxt, const char* text,
 /// @param text with @p size 0 receives a block of the context's heap, otherwise points to the
 ///        buffer that receives the text and its terminator
 /// @param size octets of the buffer
-/// @return 0; -31 for a field out of range or a fraction without a terminator; -17 when the buffer
-///         is too small; -12 when memory is out; -30 for null pointers; failures are recorded
+/// @return 0; ASN1S_INVALID_FORMAT for a field out of range or a fraction without a terminator;
+///         ASN1S_STRING_OVERFLOW when the buffer is too small; ASN1S_NO_MEMORY when memory is out;
+///         ASN1S_INVALID_PARAMETER for null pointers; failures are recorded
 BREVANTIS_ASN1_API int rtMakeGeneralizedTime(ASN1CTXT* ctxt, const ASN1TimeFields* fields,
                                              char** text, int size) noexcept;
 

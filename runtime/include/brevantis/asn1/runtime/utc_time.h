@@ -32,14 +32,14 @@ public:
     /// which shows two digits, is right either way.
     /// @param value 0 to 32767
     int setYear(int value) override;
-    /// @return -99, the fraction being 0
+    /// @return ASN1S_NOT_SUPPORTED, the fraction being 0
     int setFraction(int value) override;
     /// Without @p wantOffset the local time of day goes out marked "Z". Known and kept.
     int setTime(long seconds, unsigned char wantOffset) override;
     int parseString(const char* text) override;
     void clear() override;
-    /// @return as in the base; -31 also when there is neither "Z" nor an offset, with the text
-    ///         written without a zone
+    /// @return as in the base; ASN1S_INVALID_FORMAT also when there is neither "Z" nor an offset,
+    ///         with the text written without a zone
     int compileString() override;
 
 private:

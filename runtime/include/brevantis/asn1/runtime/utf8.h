@@ -22,7 +22,8 @@ BREVANTIS_ASN1_API unsigned int rtUTF8CharSize(unsigned int value) noexcept;
 /// Writes one character.
 /// @param target receives the sequence; at least one octet, whatever @p size says
 /// @param size octets of @p target, looked at for sequences of two octets and more
-/// @return octets written; -1 when @p size is too small; -26 for a value above 0x7FFFFFFF
+/// @return octets written; ASN1S_BUFFER_OVERFLOW when @p size is too small; ASN1S_INVALID_UTF8 for
+///         a value above 0x7FFFFFFF
 BREVANTIS_ASN1_API int rtUTF8EncodeChar(unsigned int value, char* target,
                                         std::size_t size) noexcept;
 
@@ -30,19 +31,20 @@ BREVANTIS_ASN1_API int rtUTF8EncodeChar(unsigned int value, char* target,
 /// @param ctxt not used, may be null
 /// @param text the lead octet and what follows it
 /// @param size in: octets of @p text; out: octets used, unchanged on failure
-/// @return the value; -26 for null pointers, an octet that cannot lead, a bad continuation octet
-///         or a sequence cut short by @p size
+/// @return the value; ASN1S_INVALID_UTF8 for null pointers, an octet that cannot lead, a bad
+///         continuation octet or a sequence cut short by @p size
 BREVANTIS_ASN1_API int rtUTF8DecodeChar(ASN1CTXT* ctxt, const char* text,
                                         std::size_t* size) noexcept;
 
 /// Number of characters of a terminated text, judged by lead octets alone. A sequence that the
 /// terminator cuts off counts as a character.
-/// @return the number; 0 for null; -26 at an octet that cannot lead; -1 above 0x7FFFFFFF
+/// @return the number; 0 for null; ASN1S_INVALID_UTF8 at an octet that cannot lead;
+///         ASN1S_BUFFER_OVERFLOW above 0x7FFFFFFF
 BREVANTIS_ASN1_API int rtUTF8Len(const char* text) noexcept;
 
 /// A count of characters that goes on from one piece of a text to the next.
 struct ASN1UTF8Count {
-    int characters;       ///< so far, as rtUTF8Len counts them; -26 after an octet that cannot lead
+    int characters;       ///< as rtUTF8Len counts them so far, or its failure
     unsigned int missing; ///< octets of the last character that the next piece holds
     bool ended;           ///< at a zero octet or a bad one; what follows does not count
 };
@@ -64,9 +66,9 @@ BREVANTIS_ASN1_API char* rtUTF8Strdup(ASN1CTXT* ctxt, const char* text) noexcept
 /// @param ctxt not used, may be null
 /// @param target receives the characters; null to check the text only
 /// @param capacity characters of @p target, of which at most 0x7FFFFFFF are used
-/// @return characters written, 0 without a target; -1 when more than @p capacity are there; -26 for
-///         an octet that cannot lead or a bad continuation octet. What was converted until then
-///         stands in @p target
+/// @return characters written, 0 without a target; ASN1S_BUFFER_OVERFLOW when more than @p capacity
+///         are there; ASN1S_INVALID_UTF8 for an octet that cannot lead or a bad continuation octet.
+///         What was converted until then stands in @p target
 BREVANTIS_ASN1_API int rtUTF8ToWCS(ASN1CTXT* ctxt, const char* text, wchar_t* target,
                                    std::size_t capacity) noexcept;
 
@@ -75,7 +77,8 @@ BREVANTIS_ASN1_API int rtUTF8ToWCS(ASN1CTXT* ctxt, const char* text, wchar_t* ta
 /// @param count characters of @p text
 /// @param size octets of @p target, of which at most 0x7FFFFFFF are used. A sequence of two octets
 ///        or more must leave one octet free behind it
-/// @return octets written; -1 when @p target is too small; -26 for a negative character
+/// @return octets written; ASN1S_BUFFER_OVERFLOW when @p target is too small; ASN1S_INVALID_UTF8
+///         for a negative character
 BREVANTIS_ASN1_API int rtWCSToUTF8(ASN1CTXT* ctxt, const wchar_t* text, std::size_t count,
                                    char* target, std::size_t size) noexcept;
 

@@ -6,6 +6,9 @@
 #include <brevantis/asn1/values/types/general_name.h>
 #include <brevantis/asn1/values/util/whole_assignment.h>
 
+/// @file
+/// A certificate, told by its issuer and serial number (RFC 4211, 6.5).
+
 namespace Brevantis::ASN1 {
 
 /// CertId of RFC 4211, 6.5: a certificate, told by its issuer and serial number.

@@ -6,6 +6,9 @@
 #include <brevantis/asn1/values/cmp/cert_id.h>
 #include <brevantis/asn1/values/util/traits.h>
 
+/// @file
+/// Traits of CCertId.
+
 namespace Brevantis::ASN1 {
 
 /// CertId (RFC 4211, 6.5).

@@ -4,6 +4,9 @@
 #include <brevantis/asn1/export.h>
 #include <brevantis/support/blob.h>
 
+/// @file
+/// Why a request failed, as named bits (RFC 4210, 5.2.3; time stamping: RFC 3161, 2.4.2).
+
 namespace Brevantis::ASN1 {
 
 /// PKIFailureInfo of RFC 4210, 5.2.3 and RFC 3161, 2.4.2: why a request failed, as named bits 0 to

@@ -8,6 +8,9 @@
 #include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
+/// @file
+/// Traits of CPKIFailureInfo.
+
 namespace Brevantis::ASN1 {
 
 /// PKIFailureInfo (RFC 4210, 5.2.3).

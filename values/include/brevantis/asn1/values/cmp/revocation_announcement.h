@@ -9,6 +9,9 @@
 #include <brevantis/support/blob.h>
 #include <brevantis/support/date_time.h>
 
+/// @file
+/// Announcements of revocations (RFC 4210, 5.3.15).
+
 namespace Brevantis::ASN1 {
 
 /// RevAnnContent of RFC 4210, 5.3.15: a certificate is about to be revoked.

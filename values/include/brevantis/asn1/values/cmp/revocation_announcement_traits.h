@@ -8,6 +8,9 @@
 #include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
+/// @file
+/// Traits of CRevAnnContent.
+
 namespace Brevantis::ASN1 {
 
 /// RevAnnContent (RFC 4210, 5.3.15). Failures are those of CRevAnnContent's `encode` and `decode`.

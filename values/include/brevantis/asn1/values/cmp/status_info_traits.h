@@ -8,6 +8,9 @@
 #include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
+/// @file
+/// Traits of CPKIStatusInfo.
+
 namespace Brevantis::ASN1 {
 
 /// PKIStatusInfo (RFC 4210, 5.2.3). Failure bits of 0 and an empty text are the same as absent

@@ -8,6 +8,9 @@
 #include <brevantis/asn1/values/util/instances.h>
 #include <brevantis/asn1/values/util/traits.h>
 
+/// @file
+/// Traits of CContentInfo.
+
 namespace Brevantis::ASN1 {
 
 /// ContentInfo (RFC 5652, 3) as a type and a content, or as a blob of the complete encoding.

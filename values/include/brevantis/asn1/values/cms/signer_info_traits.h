@@ -6,6 +6,9 @@
 #include <brevantis/asn1/values/cms/signer_info.h>
 #include <brevantis/asn1/values/util/traits.h>
 
+/// @file
+/// Traits of CSignerInfo.
+
 namespace Brevantis::ASN1 {
 
 /// Reads one signer out of a record.

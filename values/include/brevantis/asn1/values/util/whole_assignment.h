@@ -3,6 +3,9 @@
 
 #include <type_traits>
 
+/// @file
+/// Assignment of values with several parts, all of them or none.
+
 namespace Brevantis::ASN1 {
 
 /// The copy assignment of values with several parts: all of them are copied before the first one is
