@@ -16,6 +16,7 @@
 #include "corpus.h"
 #include "generated_messages.h"
 #include "number_text.h"
+#include "revocation_lookup.h"
 
 namespace bench {
 
@@ -153,6 +154,7 @@ void writeGrowth(std::ostream& out, const std::string& directory) {
     for (const Series& series : all) {
         writeSeries(out, series, directory);
     }
+    writeRevocationLookup(out);
 }
 
 } // namespace bench
