@@ -175,7 +175,8 @@ public:
     ~RevocationIndex();
 
     /// Makes the index of a list, which is read once. Takes memory for the index, and as much again
-    /// until it is done.
+    /// until it is done, in large pages where the system has them; the heap functions
+    /// (`g_malloc_func`) are not asked.
     /// @param list need not stay itself, its octets must
     /// @return 0; the status of the first entry that cannot be read; ASN1S_NO_MEMORY;
     ///         ASN1S_VALUE_TOO_BIG for a list of 2^40 octets or more. After a failure the index is
