@@ -159,11 +159,11 @@ BREVANTIS_ASN1_API int findEntryExtension(const RevokedEntry& entry, const ASN1O
 /// The entries of a list by serial number: 8 octets an entry behind a header of 64, and a sixteenth
 /// of an octet more for an indirect list. It can be kept in a file and used from there.
 ///
-/// A look-up compares with the serial number in the list itself. So an index can tell nothing that
-/// the list does not have; it could only fail to find. Against that it carries digests of the list
-/// and of itself, of 64 bits, which find every accident, but not those who forge: keep an index
-/// where only those write who may decide what is revoked. A forged one never leads outside the
-/// list.
+/// A look-up compares with the serial number in the list itself, so a wrong index could only fail
+/// to find. Against that it carries digests of the list and of itself, of 64 bits, which find every
+/// accident, but not those who forge: keep an index where only those write who may decide what is
+/// revoked. One that was forged hides entries, or gives octets within an entry that read as one; it
+/// never leads outside the entries.
 class BREVANTIS_ASN1_API RevocationIndex {
 public:
     /// An index of no entries.
