@@ -17,7 +17,7 @@ foreach(entry IN LISTS include_directories)
     string(REGEX REPLACE "^\\$<BUILD_INTERFACE:(.*)>$" "\\1" directory "${entry}")
     if(directory MATCHES "/include$" AND IS_ABSOLUTE "${directory}")
         install(DIRECTORY ${directory}/brevantis DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-            FILES_MATCHING PATTERN "*.h")
+            FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
     endif()
 endforeach()
 

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/octet_string.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
@@ -17,11 +18,6 @@ using namespace runtime_detail;
 namespace {
 
 constexpr ASN1TAG segmentTag = 4; // X.690, 8.23.6: the segments are OCTET STRINGs
-
-/// Identifier octet of a tag whose number is below 31.
-unsigned char identifierOctetOf(ASN1TAG tag) noexcept {
-    return static_cast<unsigned char>((tag & 31) | (tag >> 24 & 0xE0));
-}
 
 template <class Value>
 using CharacterOf = std::remove_pointer_t<decltype(Value::data)>;
@@ -61,7 +57,7 @@ int readWideOctets(ASN1CTXT* ctxt, OctetTarget* target, ASN1TagType tagging, ASN
                    int length, StringContents* contents, unsigned int* octets) noexcept {
     *octets = 0;
     if (const int status =
-            openString(ctxt, identifierOctetOf(tag), segmentTag, tagging, length, contents)) {
+            openString(ctxt, rtIdentifierOctet(tag), segmentTag, tagging, length, contents)) {
         return status;
     }
     if (contents->length < 0) {
@@ -112,7 +108,7 @@ int readText(ASN1CTXT* ctxt, OctetTarget* target, ASN1TagType tagging, ASN1TAG t
              StringContents* contents, unsigned int* count) noexcept {
     *count = 0;
     if (const int status =
-            openString(ctxt, identifierOctetOf(tag), segmentTag, tagging, length, contents)) {
+            openString(ctxt, rtIdentifierOctet(tag), segmentTag, tagging, length, contents)) {
         return status;
     }
     const unsigned int room =
@@ -145,6 +141,16 @@ int xe_charstr(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging, ASN1TAG ta
 }
 
 int xd_charstr(ASN1CTXT* ctxt, char** text, ASN1TagType tagging, ASN1TAG tag, int length) noexcept {
+    if (WholeContents whole; takeWhole(ctxt, rtIdentifierOctet(tag), tagging, length, &whole)) {
+        unsigned char* const block = allocateOctets(ctxt, whole.count + 1LL);
+        *text = static_cast<char*>(static_cast<void*>(block));
+        if (block == nullptr) {
+            return refuseWhole(ctxt, whole);
+        }
+        std::memcpy(block, whole.octets, whole.count);
+        block[whole.count] = 0;
+        return ASN1S_SUCCESS;
+    }
     OctetTarget target;
     StringContents contents;
     unsigned int count = 0;
@@ -155,6 +161,13 @@ int xd_charstr(ASN1CTXT* ctxt, char** text, ASN1TagType tagging, ASN1TAG tag, in
 
 int xd_measureText(ASN1CTXT* ctxt, ASN1Extent* extent, const ASN1OctetSink* sink,
                    ASN1TagType tagging, ASN1TAG tag, int length) noexcept {
+    if (WholeContents whole; takeWhole(ctxt, rtIdentifierOctet(tag), tagging, length, &whole)) {
+        if (sink != nullptr && whole.count != 0) {
+            sink->take(sink->state, whole.octets, whole.count);
+        }
+        *extent = {whole.octets, whole.count};
+        return ASN1S_SUCCESS;
+    }
     *extent = {nullptr, 0};
     OctetTarget target = OctetTarget::measuring(sink);
     StringContents contents;

@@ -2,16 +2,19 @@
 
 #include <type_traits>
 
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/message_buffer.h>
 #include <brevantis/asn1/runtime/stream.h>
 
 #include "block_header.h"
+#include "context_state.h"
 
 using runtime_detail::blockOf;
+using runtime_detail::initialisedCode;
+using runtime_detail::isSetUp;
 
 namespace {
 
-constexpr unsigned int initialisedCode = 0x1AA2A34Au;
 constexpr unsigned int defaultBufferSize = 16384;
 
 // Coders take a shared context by the address of the plain one.
@@ -75,8 +78,15 @@ int rtInitContext(ASN1CTXT* ctxt, void* userData) noexcept {
     return ASN1S_SUCCESS;
 }
 
+void rtInitReader(ASN1CTXT* ctxt, const unsigned char* octets, unsigned int count) noexcept {
+    *ctxt = ASN1CTXT{};
+    ctxt->initCode = initialisedCode;
+    // A reading context does not write.
+    ctxt->buffer = ASN1Buffer{const_cast<unsigned char*>(octets), 0, count, 8, 0, 0};
+}
+
 int rtInitContextBuffer(ASN1CTXT* ctxt, unsigned char* data, unsigned int size) noexcept {
-    if (ctxt->initCode != initialisedCode) {
+    if (!isSetUp(ctxt)) {
         return ASN1S_NOT_INITIALISED;
     }
     unsigned char dynamic = 0;
@@ -94,7 +104,7 @@ int rtInitContextBuffer(ASN1CTXT* ctxt, unsigned char* data, unsigned int size) 
 }
 
 void rtFreeContext(ASN1CTXT* ctxt) noexcept {
-    if (ctxt->initCode != initialisedCode) {
+    if (!isSetUp(ctxt)) {
         return;
     }
     if (ctxt->buffer.dynamic != 0 && ctxt->buffer.data != nullptr) {

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include <brevantis/asn1/runtime/header.h>
+
 #include "octet_reader.h"
 
 namespace {
@@ -178,13 +180,9 @@ int xd_indeflen_ex(const unsigned char* msg, int bufSize) noexcept {
     if (bufSize < smallestMessage) {
         return 0;
     }
-    ASN1CTXT ctxt;
-    int result = rtInitContext(&ctxt, nullptr);
-    if (result == ASN1S_SUCCESS) {
-        result = measureIndefinite(&ctxt, msg, bufSize);
-        rtFreeContext(&ctxt);
-    }
-    return result;
+    ASN1CTXT reader;
+    rtInitReader(&reader, msg, 0);
+    return measureIndefinite(&reader, msg, bufSize);
 }
 
 int xd_consStrIndefLenAndSize(ASN1CTXT* ctxt, ASN1TAG segmentTag, int* dataLen,

@@ -14,19 +14,20 @@ namespace {
 constexpr unsigned char objectIdentifierTag = 6;
 
 /// Reads one base-128 number (X.690, 8.19.2) that ends by @p end at the latest.
-unsigned int readNumber(ASN1CTXT* ctxt, unsigned int end) noexcept {
+/// @param at moves behind the number; in front of @p end
+inline unsigned int readNumber(const unsigned char*& at, const unsigned char* end) noexcept {
     unsigned int number = 0;
-    while (ctxt->buffer.byteIndex < end) {
-        const unsigned char octet = takeOctet(ctxt);
-        number = number << 7 | (octet & 0x7Fu);
-        if ((octet & 0x80) == 0) {
+    while (at != end) {
+        const unsigned int octet = *at++;
+        number = number << 7 | (octet & 0x7FU);
+        if (octet < 0x80) {
             break;
         }
     }
     return number;
 }
 
-/// Writes the number for the first two arcs (X.690, 8.19.4). Under a first arc of 2 the sum can
+/// Writes the number for the first two arcs (X.690 8.19.4). Under a first arc of 2 the sum can
 /// exceed the 32 bits of an arc; its form is five octets at most either way.
 int writeFirstNumber(ASN1CTXT* ctxt, unsigned int first, unsigned int second) noexcept {
     const unsigned long long number = first * 40ULL + second;
@@ -49,26 +50,31 @@ int xd_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging, int length) 
             return status;
         }
     }
-    if (length < 1) { // X.690, 8.19.2: at least one number
+    if (length < 1) { // X.690 8.19.2: at least one number
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     if (!fits(ctxt, length)) {
         return record(ctxt, ASN1S_END_OF_BUFFER);
     }
-    const unsigned int end = ctxt->buffer.byteIndex + static_cast<unsigned int>(length);
-    const unsigned int first = readNumber(ctxt, end);
+    const unsigned char* at = ctxt->buffer.data + ctxt->buffer.byteIndex;
+    const unsigned char* const end = at + length;
+    const unsigned int first = readNumber(at, end);
     value->subid[0] = first < 80 ? first / 40 : 2; // X.690, 8.19.4
     value->subid[1] = first < 80 ? first % 40 : first - 80;
-    unsigned int count = 2;
-    while (ctxt->buffer.byteIndex < end) {
-        if (count == ASN1MaxSubIds) {
-            value->numids = count;
-            return ASN1S_INVALID_OBJID;
+    unsigned int* arc = value->subid + 2;
+    const unsigned int* const room = value->subid + ASN1MaxSubIds;
+    while (at != end && arc != room) {
+        const unsigned int octet = *at;
+        if (octet < 0x80) { // most arcs
+            ++at;
+            *arc++ = octet;
+        } else {
+            *arc++ = readNumber(at, end);
         }
-        value->subid[count++] = readNumber(ctxt, end);
     }
-    value->numids = count;
-    return ASN1S_SUCCESS;
+    value->numids = static_cast<unsigned int>(arc - value->subid);
+    ctxt->buffer.byteIndex = static_cast<unsigned int>(at - ctxt->buffer.data);
+    return at == end ? int{ASN1S_SUCCESS} : int{ASN1S_INVALID_OBJID};
 }
 
 int xe_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging) noexcept {

@@ -91,6 +91,56 @@ inline int readExplicitHeader(ASN1CTXT* ctxt, unsigned char identifierOctet, int
     return status == ASN1S_SUCCESS ? status : record(ctxt, status);
 }
 
+/// Contents that stand in the message in one piece.
+struct WholeContents {
+    const unsigned char* octets;
+    unsigned int count;
+};
+
+/// The usual form of a string, in few steps: primitive, of definite length up to 64 KiB, all there.
+/// Moves behind the contents.
+/// @param length with ASN1TagImplicit the length that the caller read
+/// @return false, with nothing changed, for every other form, which is then read from its start
+inline bool takeWhole(ASN1CTXT* ctxt, unsigned char identifierOctet, ASN1TagType tagging,
+                      int length, WholeContents* contents) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    const unsigned int left = remaining(ctxt);
+    const unsigned char* const at = buffer.data + buffer.byteIndex;
+    auto count = static_cast<unsigned int>(length);
+    unsigned int header = 0;
+    if (tagging == ASN1TagExplicit) {
+        constexpr unsigned int longest = 4; // that is read here
+        if (left < longest || at[0] != identifierOctet || (identifierOctet & 0x20) != 0) {
+            return false;
+        }
+        count = at[1];
+        header = 2;
+        if (count >= 0x80) {
+            if (count > 0x82 || count == 0x80) {
+                return false;
+            }
+            header = count - 0x80 + 2;
+            count = count == 0x81 ? at[2] : static_cast<unsigned int>(at[2] << 8 | at[3]);
+        }
+        if (count > left - header) {
+            return false;
+        }
+        clearConstructed(ctxt);
+    } else if ((ctxt->flags & ASN1F_CONSTRUCTED) != 0 || length < 0 || count > left) {
+        return false;
+    }
+    *contents = {at + header, count};
+    buffer.byteIndex += header + count;
+    return true;
+}
+
+/// Records that there is no memory for contents that takeWhole has moved behind, and goes back to
+/// their start.
+inline int refuseWhole(ASN1CTXT* ctxt, const WholeContents& contents) noexcept {
+    ctxt->buffer.byteIndex -= contents.count;
+    return record(ctxt, ASN1S_NO_MEMORY);
+}
+
 } // namespace runtime_detail
 
 #endif

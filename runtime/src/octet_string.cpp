@@ -136,6 +136,19 @@ int xd_octstr(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numocts,
               ASN1TagType tagging, int length) noexcept {
     *data = nullptr;
     *numocts = 0;
+    if (WholeContents whole; takeWhole(ctxt, octetStringTag, tagging, length, &whole)) {
+        if ((ctxt->flags & ASN1F_NO_COPY) == 0) {
+            unsigned char* const block = allocateOctets(ctxt, whole.count);
+            if (block == nullptr) {
+                return refuseWhole(ctxt, whole);
+            }
+            std::memcpy(block, whole.octets, whole.count);
+            whole.octets = block;
+        }
+        *data = whole.octets;
+        *numocts = whole.count;
+        return ASN1S_SUCCESS;
+    }
     StringContents contents;
     if (const int status = openOctets(ctxt, tagging, length, &contents)) {
         return status;
@@ -171,6 +184,13 @@ int xd_octstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* size, ASN1T
 
 int xd_measureOctets(ASN1CTXT* ctxt, ASN1Extent* extent, const ASN1OctetSink* sink,
                      ASN1TagType tagging, int length) noexcept {
+    if (WholeContents whole; takeWhole(ctxt, octetStringTag, tagging, length, &whole)) {
+        if (sink != nullptr && whole.count != 0) {
+            sink->take(sink->state, whole.octets, whole.count);
+        }
+        *extent = {whole.octets, whole.count};
+        return ASN1S_SUCCESS;
+    }
     *extent = {nullptr, 0};
     StringContents contents;
     if (const int status = openOctets(ctxt, tagging, length, &contents)) {

@@ -7,6 +7,7 @@
 
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/element_walk.h>
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
@@ -51,27 +52,26 @@ int passContents(ASN1CTXT* ctxt, ASN1TAG tag, int length) noexcept {
     return skipContents(ctxt, length) == ASN1S_SUCCESS ? ASN1S_SUCCESS : ASN1S_BAD_VALUE;
 }
 
-/// Size of the first element in @p data, end-of-contents octets included. Only its headers are
-/// looked at, on a context of its own that never needs its heap.
+/// Size of the first element in @p data, end-of-contents octets included. Only headers are looked
+/// at.
 /// @return the size, or the status of reading it
 int measureElement(const unsigned char* data, unsigned int numocts) noexcept {
-    ASN1CTXT reader = {};
-    reader.buffer.data = const_cast<unsigned char*>(data); // a reading context does not write
-    reader.buffer.size = std::min(numocts, static_cast<unsigned int>(INT_MAX));
-    ASN1TAG tag = 0;
-    int length = 0;
-    if (const int status = xd_tag_len(&reader, &tag, &length, ASN1MatchAdvance)) {
+    const unsigned int end = std::min(numocts, static_cast<unsigned int>(INT_MAX));
+    ASN1Header header;
+    if (const int status = rtReadHeader(data, end, &header)) {
         return status;
     }
-    if (length == ASN1IndefiniteLength) {
-        rtCtxtSetFlag(&reader, ASN1F_INDEF_MESSAGE);
-        if (const int status = xd_MovePastEOC(&reader)) {
-            return status;
-        }
-    } else if (skipContents(&reader, length) != ASN1S_SUCCESS) {
-        return ASN1S_INVALID_LENGTH;
+    if (header.length != ASN1IndefiniteLength) {
+        return static_cast<unsigned int>(header.length) > end - header.size
+                   ? int{ASN1S_INVALID_LENGTH}
+                   : static_cast<int>(header.size) + header.length;
     }
-    return static_cast<int>(reader.buffer.byteIndex);
+    ASN1CTXT reader;
+    rtInitReader(&reader, data, end);
+    rtCtxtSetFlag(&reader, ASN1F_INDEF_MESSAGE);
+    reader.buffer.byteIndex = header.size;
+    const int status = xd_MovePastEOC(&reader);
+    return status != ASN1S_SUCCESS ? status : static_cast<int>(reader.buffer.byteIndex);
 }
 
 } // namespace

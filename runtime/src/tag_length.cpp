@@ -5,37 +5,27 @@
 #include <cstring>
 #include <limits>
 
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/heap.h>
 
+#include "context_state.h"
+#include "header_octets.h"
 #include "octet_reader.h"
 #include "octet_writer.h"
 
 namespace {
 
 using runtime_detail::growBuffer;
+using runtime_detail::OctetReader;
 using runtime_detail::putOctet;
 using runtime_detail::record;
 using runtime_detail::remaining;
-using runtime_detail::takeOctet;
 
 /// Largest message, and the largest block that the heap hands out.
 constexpr std::uint32_t longestMessage = 0x7FFFFFFF;
 constexpr std::uint32_t largestBlock = 0x7FFFFFCF;
 
 constexpr std::uint32_t growthStep = 16384;
-
-/// Low five bits of an identifier octet that announce number octets (X.690, 8.1.2.4.1).
-constexpr unsigned char longFormNumber = 31;
-
-/// Class, form and, in the short form, number of an identifier octet as an ASN1TAG.
-constexpr ASN1TAG shortTag(unsigned char identifierOctet) noexcept {
-    return ((identifierOctet & 0xE0U) << 24) | (identifierOctet & 0x1FU);
-}
-
-/// First identifier octet with class and form of @p tag and @p lowBits as its low five bits.
-constexpr unsigned char leadingOctet(ASN1TAG tag, std::uint32_t lowBits) noexcept {
-    return static_cast<unsigned char>((tag >> 29 << 5) | lowBits);
-}
 
 constexpr unsigned short closedMessage = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
 
@@ -61,7 +51,7 @@ constexpr unsigned short closedMessage = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
         status = runtime_detail::readLength(ctxt, len);
         if (status == ASN1S_SUCCESS && *len == ASN1IndefiniteLength &&
             (ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
-            return ASN1S_INVALID_LENGTH; // X.690, 8.1.3.2: constructed encodings only
+            return ASN1S_INVALID_LENGTH; // X.690 8.1.3.2: constructed encodings only
         }
     }
     if ((matchFlags & ASN1MatchAdvance) == 0) {
@@ -71,10 +61,45 @@ constexpr unsigned short closedMessage = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
     return status;
 }
 
+/// Binds a message that begins with a whole element of at most 129 octets, as most open values do.
+/// @return false, with nothing changed, for any other
+bool bindShort(ASN1CTXT* ctxt, const unsigned char* msg, std::uint32_t stated) noexcept {
+    const std::uint32_t end = 2U + msg[1];
+    if (msg[1] >= 0x80 || (msg[0] & 0x1F) == ASN1LongTagNumber || end > stated ||
+        !runtime_detail::isSetUp(ctxt)) {
+        return false;
+    }
+    ctxt->buffer = ASN1Buffer{const_cast<unsigned char*>(msg), 0, end, 8, 0, 0}; // only read
+    const auto flags = static_cast<unsigned short>(ctxt->flags & ~closedMessage);
+    ctxt->savedInfo.byteIndex = 0;
+    ctxt->savedInfo.flags = flags;
+    ctxt->flags = runtime_detail::withFormOf(flags, msg[0]);
+    return true;
+}
+
+/// Octets of a header and of the contents behind it.
+int added(std::uint32_t headerSize, int length) noexcept {
+    const int header = static_cast<int>(headerSize);
+    if (length == ASN1IndefiniteLength) {
+        return header;
+    }
+    const bool countable = header <= std::numeric_limits<int>::max() - length;
+    return countable ? header + length : ASN1S_BUFFER_OVERFLOW;
+}
+
 } // namespace
 
 int xd_setp(ASN1CTXT* ctxt, const unsigned char* msg, int msgLen, ASN1TAG* tag, int* len) noexcept {
     const std::uint32_t stated = msgLen < 1 ? longestMessage : static_cast<std::uint32_t>(msgLen);
+    if (msg != nullptr && stated >= 2 && bindShort(ctxt, msg, stated)) {
+        if (tag != nullptr) {
+            *tag = rtTagOfOctet(msg[0]);
+        }
+        if (len != nullptr) {
+            *len = static_cast<int>(ctxt->buffer.size);
+        }
+        return ASN1S_SUCCESS;
+    }
     // Decoders only ever read through the descriptor, whose pointer serves encoders as well.
     int status = rtInitContextBuffer(ctxt, const_cast<unsigned char*>(msg), stated);
     if (status != ASN1S_SUCCESS) {
@@ -105,7 +130,7 @@ int xd_setp(ASN1CTXT* ctxt, const unsigned char* msg, int msgLen, ASN1TAG* tag, 
         if (end <= buffer.size) {
             buffer.size = static_cast<std::uint32_t>(end);
         } else if ((ctxt->flags & ASN1F_LENGTH_UNCHECKED) == 0) {
-            // X.690, 8.1.3: the element is cut off. `size` keeps to the octets that exist, for
+            // X.690 8.1.3: the element is cut off. `size` keeps to the octets that exist, for
             // callers that go on all the same.
             status = ASN1S_INVALID_LENGTH;
         }
@@ -122,66 +147,24 @@ int xd_setp(ASN1CTXT* ctxt, const unsigned char* msg, int msgLen, ASN1TAG* tag, 
 }
 
 int xd_tag(ASN1CTXT* ctxt, ASN1TAG* tag) noexcept {
-    *tag = 0;
-    if (remaining(ctxt) == 0) {
-        return ASN1S_END_OF_BUFFER;
+    ASN1Buffer& buffer = ctxt->buffer;
+    const std::uint32_t start = buffer.byteIndex;
+    OctetReader reader{buffer.data, start, buffer.size};
+    const int status = runtime_detail::readTagOctets(reader, tag);
+    buffer.byteIndex = reader.place;
+    if (status == ASN1S_SUCCESS) {
+        ctxt->flags = runtime_detail::withFormOf(ctxt->flags, buffer.data[start]);
     }
-    const unsigned char identifierOctet = takeOctet(ctxt);
-    if ((identifierOctet & 0x1F) != longFormNumber) {
-        *tag = shortTag(identifierOctet);
-    } else {
-        // X.690, 8.1.2.4.2, with leading zero octets (against its item c) and numbers below 31
-        // tolerated as encoders with fixed-width tags write them. Four octets cannot exceed the
-        // limit, nine are the most that any such encoder uses.
-        std::uint32_t number = 0;
-        for (int position = 1;; ++position) {
-            if (remaining(ctxt) == 0) {
-                return ASN1S_END_OF_BUFFER;
-            }
-            const unsigned char octet = takeOctet(ctxt);
-            number = (number << 7) | (octet & 0x7FU);
-            if (position >= 5 && number > ASN1TagNumberMask) {
-                return ASN1S_BAD_TAG;
-            }
-            if ((octet & 0x80) == 0) {
-                break;
-            }
-            if (position == 9) {
-                return ASN1S_BAD_TAG;
-            }
-        }
-        *tag = ((identifierOctet & 0xE0U) << 24) | number;
-    }
-    ctxt->flags = runtime_detail::withFormOf(ctxt->flags, identifierOctet);
-    return ASN1S_SUCCESS;
+    return status;
 }
 
 int xd_len(ASN1CTXT* ctxt, int* len) noexcept {
-    *len = 0;
-    if (remaining(ctxt) == 0) {
-        return record(ctxt, ASN1S_END_OF_BUFFER);
+    OctetReader reader{ctxt->buffer.data, ctxt->buffer.byteIndex, ctxt->buffer.size};
+    const int status = runtime_detail::readLengthOctets(reader, len);
+    ctxt->buffer.byteIndex = reader.place;
+    if (status != ASN1S_SUCCESS) {
+        return record(ctxt, status);
     }
-    const unsigned char first = takeOctet(ctxt);
-    if (first < 0x80) { // short form, X.690, 8.1.3.4
-        *len = first;
-        return ASN1S_SUCCESS;
-    }
-    if (first == 0x80) { // indefinite form, X.690, 8.1.3.6
-        *len = ASN1IndefiniteLength;
-        return ASN1S_SUCCESS;
-    }
-    const int count = first & 0x7F;
-    if (count > 4) { // X.690, 8.1.3.5 allows more octets; no content of 4 GB can be held
-        return record(ctxt, ASN1S_INVALID_LENGTH);
-    }
-    std::uint32_t value = 0;
-    for (int i = 0; i < count; ++i) {
-        if (remaining(ctxt) == 0) {
-            return record(ctxt, ASN1S_END_OF_BUFFER);
-        }
-        value = (value << 8) | takeOctet(ctxt);
-    }
-    *len = static_cast<int>(value);
     if (*len == ASN1IndefiniteLength || (ctxt->flags & ASN1F_LENGTH_UNCHECKED) != 0) {
         return ASN1S_SUCCESS;
     }
@@ -196,10 +179,10 @@ int xd_tag_len(ASN1CTXT* ctxt, ASN1TAG* tag, int* len, int matchFlags) noexcept 
     const unsigned short flags = ctxt->flags;
     if ((flags & closedMessage) != closedMessage && remaining(ctxt) >= 2) {
         const unsigned char* header = buffer.data + buffer.byteIndex;
-        if ((header[0] & 0x1F) != longFormNumber && header[1] < 0x80) {
+        if ((header[0] & 0x1F) != ASN1LongTagNumber && header[1] < 0x80) {
             ctxt->savedInfo.byteIndex = buffer.byteIndex;
             ctxt->savedInfo.flags = flags;
-            *tag = shortTag(header[0]);
+            *tag = rtTagOfOctet(header[0]);
             *len = header[1];
             if ((matchFlags & ASN1MatchAdvance) != 0) {
                 ctxt->flags = runtime_detail::withFormOf(flags, header[0]);
@@ -298,14 +281,14 @@ int xe_identifier(ASN1CTXT* ctxt, unsigned int value) noexcept {
 
 int xe_tag(ASN1CTXT* ctxt, ASN1TAG tag) noexcept {
     const std::uint32_t number = tag & ASN1TagNumberMask;
-    if (number < longFormNumber) {
-        return putOctet(ctxt, leadingOctet(tag, number));
+    int count = 0;
+    if (number >= ASN1LongTagNumber) {
+        count = xe_identifier(ctxt, number);
+        if (count < 0) {
+            return count;
+        }
     }
-    const int count = xe_identifier(ctxt, number);
-    if (count < 0) {
-        return count;
-    }
-    const int status = putOctet(ctxt, leadingOctet(tag, longFormNumber));
+    const int status = putOctet(ctxt, rtIdentifierOctet(tag));
     return status < 0 ? status : count + status;
 }
 
@@ -337,12 +320,17 @@ int xe_tag_len(ASN1CTXT* ctxt, ASN1TAG tag, int length) noexcept {
         return length;
     }
     ASN1Buffer& buffer = ctxt->buffer;
-    if (length >= 0 && length < 0x80 && (tag & ASN1TagNumberMask) < longFormNumber &&
-        buffer.byteIndex >= 2) {
-        buffer.byteIndex -= 2;
-        buffer.data[buffer.byteIndex] = leadingOctet(tag, tag & ASN1TagNumberMask);
-        buffer.data[buffer.byteIndex + 1] = static_cast<unsigned char>(length);
-        return length + 2;
+    if (buffer.byteIndex >= ASN1LongestHeader) {
+        if (length >= 0 && length < 0x80 && (tag & ASN1TagNumberMask) < ASN1LongTagNumber) {
+            buffer.byteIndex -= 2;
+            buffer.data[buffer.byteIndex] = rtIdentifierOctet(tag);
+            buffer.data[buffer.byteIndex + 1] = static_cast<unsigned char>(length);
+            return length + 2;
+        }
+        const std::uint32_t size = rtTagSize(tag) + rtLengthSize(length);
+        buffer.byteIndex -= size;
+        rtWriteHeader(tag, length, buffer.data + buffer.byteIndex);
+        return added(size, length);
     }
     const int lengthCount = xe_len(ctxt, length);
     if (lengthCount < 0) {
@@ -352,10 +340,5 @@ int xe_tag_len(ASN1CTXT* ctxt, ASN1TAG tag, int length) noexcept {
     if (tagCount < 0) {
         return tagCount;
     }
-    const int headerCount = lengthCount + tagCount;
-    if (length == ASN1IndefiniteLength) {
-        return headerCount;
-    }
-    const bool countable = headerCount <= std::numeric_limits<int>::max() - length;
-    return countable ? headerCount + length : ASN1S_BUFFER_OVERFLOW;
+    return added(static_cast<std::uint32_t>(lengthCount + tagCount), length);
 }

@@ -1,6 +1,7 @@
 #include <brevantis/asn1/runtime/utf8.h>
 
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
 #include <string>
@@ -59,6 +60,26 @@ std::size_t countable(std::size_t capacity) noexcept {
     return capacity < INT_MAX ? capacity : static_cast<std::size_t>(INT_MAX);
 }
 
+/// Whether text has no octet above 127; a word at a time.
+bool isAscii(const char* text, std::size_t size) noexcept {
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::uint64_t seen = 0;
+    std::size_t i = 0;
+    for (; i + sizeof seen <= size; i += sizeof seen) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text + i, sizeof word);
+        seen |= word;
+    }
+    for (; i < size; ++i) {
+        seen |= octetAt(text + i);
+    }
+    return (seen & highBits) == 0;
+}
+
+int toInt(std::size_t count) noexcept {
+    return count <= INT_MAX ? static_cast<int>(count) : static_cast<int>(ASN1S_BUFFER_OVERFLOW);
+}
+
 } // namespace
 
 unsigned int rtUTF8CharSize(unsigned int value) noexcept {
@@ -111,7 +132,11 @@ int rtUTF8Len(const char* text) noexcept {
     if (text == nullptr) {
         return 0;
     }
-    std::size_t count = 0;
+    std::size_t count = std::strlen(text);
+    if (isAscii(text, count)) {
+        return toInt(count);
+    }
+    count = 0;
     while (*text != '\0') {
         const unsigned int length = sequenceLength(octetAt(text));
         if (length == 0) {
@@ -123,7 +148,7 @@ int rtUTF8Len(const char* text) noexcept {
         }
         ++count;
     }
-    return count <= INT_MAX ? static_cast<int>(count) : static_cast<int>(ASN1S_BUFFER_OVERFLOW);
+    return toInt(count);
 }
 
 void rtUTF8CountPiece(ASN1UTF8Count* count, const unsigned char* octets,

@@ -165,21 +165,8 @@ void Checker::finishElement(const Type& type, Element& element) {
     const bool choice = type.shape == Shape::Choice;
     element.parameter = (choice ? "pvalue->u." : "pvalue->") + element.member;
     const char* const access = choice ? "->" : ".";
-    switch (element.type->shape) {
-    case Shape::OctetString:
-    case Shape::FixedOctetString:
-        element.parameter += std::string(access) + "numocts";
-        break;
-    case Shape::BitString:
-    case Shape::FixedBitString:
-        element.parameter += std::string(access) + "numbits";
-        break;
-    case Shape::Text16:
-    case Shape::Text32:
-        element.parameter += std::string(access) + "nchars";
-        break;
-    default:
-        break;
+    if (isString(element.type->shape) && *traitsOf(element.type->shape).countName != '\0') {
+        element.parameter += std::string(access) + traitsOf(element.type->shape).countName;
     }
     if (element.defaultValue) {
         finishDefault(type, element);
@@ -204,10 +191,8 @@ void Checker::finishConstraint(Type& type) {
         return;
     }
     type.constraint = ranges(*type.module, *type.node, type);
-    const bool fixed = type.shape == Shape::FixedOctetString ||
-                       type.shape == Shape::FixedBitString || type.shape == Shape::FixedArray;
     for (const Range& range : type.constraint) {
-        if (fixed && range.upper > type.capacity) {
+        if (isFixed(type.shape) && range.upper > type.capacity) {
             diagnostics_.error(type.node->constraintAt, "the size does not fit the capacity of " +
                                                             std::to_string(type.capacity));
             break;
@@ -216,28 +201,15 @@ void Checker::finishConstraint(Type& type) {
 }
 
 std::vector<Range> Checker::ranges(const Module& module, const TypeNode& node, const Type& base) {
-    const Shape shape = base.shape;
-    const bool isNumber =
-        shape == Shape::Integer || shape == Shape::Unsigned || shape == Shape::Unsigned16;
-    const bool isBigNumber = shape == Shape::BigInteger || shape == Shape::BigUnsigned;
-    const bool sized = !isNumber && !isBigNumber && shape != Shape::Boolean &&
-                       shape != Shape::Null && shape != Shape::ObjectIdentifier &&
-                       shape != Shape::OpenType && shape != Shape::Enumerated &&
-                       shape != Shape::Sequence && shape != Shape::Set && shape != Shape::Choice;
+    const ShapeTraits& traits = traitsOf(base.shape);
+    const bool isNumber = traits.kind == ShapeKind::Number && base.shape != Shape::Enumerated;
+    const bool isBigNumber = traits.kind == ShapeKind::BigNumber;
+    const bool sized = isString(base.shape) || traits.kind == ShapeKind::Repeated;
     if ((!node.sizes.empty() && !sized) || (!node.values.empty() && !isNumber && !isBigNumber)) {
         diagnostics_.error(node.constraintAt, "the constraint does not fit the type");
         return {};
     }
-    Range whole{0, MaxCount};
-    if (shape == Shape::Integer) {
-        whole = {-2147483648ll, 2147483647ll};
-    } else if (shape == Shape::Unsigned16) {
-        whole = {0, 65535};
-    } else if (shape == Shape::BigInteger) {
-        whole = {INT64_MIN, INT64_MAX};
-    } else if (shape == Shape::BigUnsigned) {
-        whole = {0, INT64_MAX};
-    }
+    const Range whole = sized ? Range{0, MaxCount} : Range{traits.lower, traits.upper};
     std::vector<Range> result;
     for (const RangeNode& range : node.sizes.empty() ? node.values : node.sizes) {
         Range bounds = whole;
@@ -284,9 +256,9 @@ void Checker::finishDefault(const Type& type, Element& element) {
         element.defaultNumber = value.boolean ? 1 : 0;
         return;
     }
-    const bool big = target.shape == Shape::BigInteger || target.shape == Shape::BigUnsigned;
-    if (!big && target.shape != Shape::Integer && target.shape != Shape::Unsigned &&
-        target.shape != Shape::Unsigned16 && target.shape != Shape::Enumerated) {
+    const ShapeTraits& traits = traitsOf(target.shape);
+    const bool big = traits.kind == ShapeKind::BigNumber;
+    if (!big && traits.kind != ShapeKind::Number) {
         diagnostics_.error(value.at, "a default is supported on BOOLEAN, INTEGER and ENUMERATED");
         return;
     }
@@ -309,18 +281,7 @@ void Checker::finishDefault(const Type& type, Element& element) {
                                          : "the default of an INTEGER is a number");
         return;
     }
-    long long lower = 0;
-    long long upper = MaxCount;
-    if (target.shape == Shape::Integer) {
-        lower = -2147483648ll;
-        upper = 2147483647ll;
-    } else if (target.shape == Shape::Unsigned16) {
-        upper = 65535;
-    } else if (target.shape == Shape::BigInteger) {
-        lower = INT64_MIN;
-        upper = INT64_MAX;
-    }
-    bool fits = *number >= lower && *number <= upper;
+    bool fits = *number >= traits.lower && *number <= traits.upper;
     for (const std::vector<Range>* tested : {&element.constraint, &element.type->constraint}) {
         fits = fits && (tested->empty() ||
                         std::any_of(tested->begin(), tested->end(), [&number](const Range& range) {
@@ -340,22 +301,13 @@ void Checker::finishDefault(const Type& type, Element& element) {
 bool Checker::computeHoldsMemory(const Type& type) const {
     const Type& target = type.target();
     switch (target.shape) {
-    case Shape::OctetString:
-    case Shape::BitString:
-    case Shape::Text:
-    case Shape::Text16:
-    case Shape::Text32:
-    case Shape::OpenType:
-    case Shape::List:
-    case Shape::Array:
-        return true;
     case Shape::FixedArray:
         return computeHoldsMemory(*target.element);
     case Shape::Choice:
         return std::any_of(target.elements.begin(), target.elements.end(),
                            [](const Element& element) {
-                               const Shape shape = element.type->shape;
-                               return shape > Shape::Null;
+                               const ShapeTraits& traits = traitsOf(element.type->shape);
+                               return !traits.scalar || traits.holdsMemory;
                            });
     case Shape::Sequence:
     case Shape::Set:
@@ -365,7 +317,7 @@ bool Checker::computeHoldsMemory(const Type& type) const {
                                return element.hasSlot || computeHoldsMemory(*element.type);
                            });
     default:
-        return false;
+        return traitsOf(target.shape).holdsMemory;
     }
 }
 
@@ -418,9 +370,9 @@ Octets Checker::beginsWith(const Type& type, bool wholeTag) const {
         }
         return octets;
     }
-    const bool scalar = type.shape <= Shape::ObjectIdentifier;
     const bool universal = type.tag >> 30 == 0;
-    if (wholeTag || (scalar && universal)) {
+    const bool oneForm = isPrimitive(type.shape) && !isString(type.shape);
+    if (wholeTag || (oneForm && universal)) {
         octets.set(identifierOctet(type.tag));
         return octets;
     }

@@ -26,25 +26,26 @@ std::string elementComment(const Element& element) {
 
 // Numbers and pointers start as 0, plain records as well; the others do so by themselves.
 std::string initializer(const Type& type) {
-    switch (type.shape) {
-    case Shape::Boolean:
-    case Shape::Integer:
-    case Shape::Unsigned:
-    case Shape::Unsigned16:
-    case Shape::Enumerated:
+    switch (kindOf(type.shape)) {
+    case ShapeKind::Boolean:
+    case ShapeKind::Number:
         return " = 0";
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-    case Shape::Text:
+    case ShapeKind::BigNumber:
         return " = nullptr";
-    case Shape::OctetString:
-    case Shape::BitString:
-    case Shape::Text16:
-    case Shape::Text32:
-        return "{}";
-    default:
-        return "";
+    case ShapeKind::Text:
+        return traitsOf(type.shape).scalar ? " = nullptr" : "{}";
+    case ShapeKind::OctetString:
+    case ShapeKind::BitString:
+        return isFixed(type.shape) ? "" : "{}"; // a record of its own
+    case ShapeKind::Null:
+    case ShapeKind::ObjectIdentifier:
+    case ShapeKind::OpenType:
+    case ShapeKind::Record:
+    case ShapeKind::Choice:
+    case ShapeKind::Repeated:
+        break; // have constructors
     }
+    return "";
 }
 
 } // namespace

@@ -41,57 +41,14 @@ std::string constraintText(const std::vector<Range>& ranges, const std::string& 
     return ranges.empty() ? engine + "unconstrained" : engine + "within(" + rangeName(ranges) + ")";
 }
 
-const char* shapeName(Shape shape) {
-    static const char* const names[] = {"Boolean",
-                                        "Integer",
-                                        "Unsigned",
-                                        "Unsigned16",
-                                        "Enumerated",
-                                        "BigInteger",
-                                        "BigUnsigned",
-                                        "Null",
-                                        "ObjectIdentifier",
-                                        "OctetString",
-                                        "FixedOctetString",
-                                        "BitString",
-                                        "FixedBitString",
-                                        "Text",
-                                        "Text16",
-                                        "Text32",
-                                        "OpenType",
-                                        "Sequence",
-                                        "Set",
-                                        "Choice",
-                                        "List",
-                                        "Array",
-                                        "FixedArray"};
-    return names[static_cast<int>(shape)];
-}
-
 std::string truth(bool value) {
     return value ? "true" : "false";
 }
 
 // What a broken constraint of the type names.
 std::string parameterOf(const Type& type) {
-    switch (type.shape) {
-    case Shape::List:
-        return "pvalue->count";
-    case Shape::Array:
-    case Shape::FixedArray:
-        return "pvalue->n";
-    case Shape::OctetString:
-    case Shape::FixedOctetString:
-        return "pvalue->numocts";
-    case Shape::BitString:
-    case Shape::FixedBitString:
-        return "pvalue->numbits";
-    case Shape::Text16:
-    case Shape::Text32:
-        return "pvalue->nchars";
-    default:
-        return "*pvalue";
-    }
+    const std::string count = traitsOf(type.shape).countName;
+    return count.empty() || type.shape == Shape::Choice ? "*pvalue" : "pvalue->" + count;
 }
 
 // The octets of beginsWith, empty when it is any.
@@ -387,38 +344,11 @@ void Emitter::description(Writer& out, const Type& type) {
     for (const Element& element : target.elements) {
         mandatory += element.presence == Presence::Mandatory ? 1 : 0;
     }
-    std::string count = "0";
-    std::string content = "0";
-    switch (type.shape) {
-    case Shape::Choice:
-        count = "t";
-        content = "u";
-        break;
-    case Shape::Array:
-    case Shape::FixedArray:
-        count = "n";
-        content = "elem";
-        break;
-    case Shape::OctetString:
-    case Shape::FixedOctetString:
-        count = "numocts";
-        content = "data";
-        break;
-    case Shape::BitString:
-    case Shape::FixedBitString:
-        count = "numbits";
-        content = "data";
-        break;
-    case Shape::Text16:
-    case Shape::Text32:
-        count = "nchars";
-        content = "data";
-        break;
-    default:
-        break;
-    }
+    // A list begins with its count, and has no other member to be found.
+    const std::string content = traitsOf(type.shape).dataName;
+    const std::string count = content.empty() ? "" : traitsOf(type.shape).countName;
     const auto offset = [&record](const std::string& member) {
-        return member == "0" ? member : "offsetof(" + record + ", " + member + ")";
+        return member.empty() ? "0" : "offsetof(" + record + ", " + member + ")";
     };
     out.line();
     if (type.shape == Shape::List && type.aliasOf == nullptr) {
@@ -450,7 +380,7 @@ void Emitter::description(Writer& out, const Type& type) {
         }
     }
     row("standard", literalLines(type.standard).front());
-    row("shape", data + "Shape::" + shapeName(type.shape));
+    row("shape", data + "Shape::" + traitsOf(type.shape).name);
     row("setOf", truth(type.setOf));
     row("stepsOverEndOfContents", truth(type.stepsOverEndOfContents));
     row("closesRecursion", truth(type.closesRecursion));

@@ -2,6 +2,7 @@
 #include <functional>
 #include <set>
 
+#include "builtin_types.h"
 #include "emitter.h"
 
 // How values lie in memory and what order that asks for.
@@ -20,35 +21,12 @@ bool ObjectClass::hasOptionalFields() const {
 }
 
 std::string scalarName(Shape shape) {
-    switch (shape) {
-    case Shape::Boolean:
-        return "unsigned char";
-    case Shape::Integer:
-        return "int";
-    case Shape::Unsigned:
-    case Shape::Enumerated:
-        return "unsigned int";
-    case Shape::Unsigned16:
-        return "unsigned short";
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-    case Shape::Text:
-        return "char const*";
-    case Shape::ObjectIdentifier:
-        return "ASN1TObjId";
-    case Shape::OctetString:
-        return "ASN1TDynOctStr";
-    case Shape::BitString:
-        return "ASN1TDynBitStr";
-    case Shape::Text16:
-        return "Asn116BitCharString";
-    case Shape::Text32:
-        return "Asn132BitCharString";
-    case Shape::OpenType:
-        return "ASN1TOpenType";
-    default:
-        return "";
+    for (const BuiltinType& row : builtinTypes()) {
+        if (row.shape == shape) {
+            return shape == Shape::Null ? "" : row.storage;
+        }
     }
+    return "";
 }
 
 std::string recordName(const Type& type) {
@@ -62,11 +40,15 @@ std::string valueName(const Type& type) {
     if (!type.builtin) {
         return recordName(type);
     }
-    return type.name == "typedOpenType" ? "Asn1TObject" : scalarName(type.shape);
+    const auto& rows = builtinTypes();
+    const auto row = std::find_if(rows.begin(), rows.end(), [&type](const BuiltinType& candidate) {
+        return candidate.constant == type.name;
+    });
+    return row->shape == Shape::Null ? "" : row->storage;
 }
 
 bool isIndirect(const Type& type) {
-    return type.shape > Shape::Null && type.shape != Shape::Text;
+    return !traitsOf(type.shape).scalar;
 }
 
 bool ownsContext(const Type& type) {

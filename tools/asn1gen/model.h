@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <brevantis/asn1/asn1data/shape.h>
+
 #include "ast.h"
 
 /// @file
@@ -16,32 +18,15 @@
 
 namespace asn1gen {
 
-/// Mirrors asn1data::Shape, in its order.
-enum class Shape {
-    Boolean,
-    Integer,
-    Unsigned,
-    Unsigned16,
-    Enumerated,
-    BigInteger,
-    BigUnsigned,
-    Null,
-    ObjectIdentifier,
-    OctetString,
-    FixedOctetString,
-    BitString,
-    FixedBitString,
-    Text,
-    Text16,
-    Text32,
-    OpenType,
-    Sequence,
-    Set,
-    Choice,
-    List,
-    Array,
-    FixedArray
-};
+// Values are held as the engine holds them.
+using asn1data::isFixed;
+using asn1data::isPrimitive;
+using asn1data::isString;
+using asn1data::kindOf;
+using asn1data::Shape;
+using asn1data::ShapeKind;
+using asn1data::ShapeTraits;
+using asn1data::traitsOf;
 
 enum class Tagging { Untagged, Implicit, Explicit };
 enum class Presence { Mandatory, Optional, Default };

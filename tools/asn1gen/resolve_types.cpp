@@ -1,3 +1,4 @@
+#include "builtin_types.h"
 #include "names.h"
 #include "notation.h"
 #include "resolver.h"
@@ -152,7 +153,7 @@ Type* Resolver::builtinOf(const TypeNode& node, const Place& place) {
     if (!isType) {
         return model_.builtins["OBJECT IDENTIFIER"];
     }
-    return model_.builtins[node.table ? "open typed" : "open"];
+    return model_.builtins[builtinKey("open type", node.table ? "typed" : "")];
 }
 
 Type* Resolver::integerOf(const TypeNode&, const Place& place) {
@@ -160,10 +161,19 @@ Type* Resolver::integerOf(const TypeNode&, const Place& place) {
     if (remark == nullptr) {
         return model_.builtins["INTEGER"];
     }
-    const auto found = model_.builtins.find("INTEGER " + remark->value);
+    const auto found = model_.builtins.find(builtinKey("INTEGER", remark->value));
     if (found == model_.builtins.end()) {
-        diagnostics_.error(remark->at, "an INTEGER is held as signed32, unsigned32, unsigned16 or "
-                                       "magnitude");
+        std::vector<std::string> variants;
+        for (const BuiltinType& row : builtinTypes()) {
+            if (row.notations.front() == "INTEGER" && !row.variant.empty()) {
+                variants.push_back(row.variant);
+            }
+        }
+        std::string text;
+        for (const std::string& variant : variants) {
+            text += (text.empty() ? "" : &variant == &variants.back() ? " or " : ", ") + variant;
+        }
+        diagnostics_.error(remark->at, "an INTEGER is held as " + text);
         return model_.builtins["INTEGER"];
     }
     return found->second;

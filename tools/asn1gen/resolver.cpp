@@ -2,47 +2,12 @@
 
 #include <algorithm>
 
+#include "builtin_types.h"
 #include "names.h"
 #include "notation.h"
 
 namespace asn1gen {
 namespace {
-
-struct BuiltinRow {
-    const char* notation;
-    const char* constant; ///< in the namespace `builtin` of the descriptions
-    Shape shape;
-    unsigned tag;
-};
-
-const BuiltinRow builtinRows[] = {
-    {"BOOLEAN", "boolean", Shape::Boolean, 1},
-    {"INTEGER signed32", "integer", Shape::Integer, 2},
-    {"INTEGER unsigned32", "unsignedInteger", Shape::Unsigned, 2},
-    {"INTEGER unsigned16", "unsignedInteger16", Shape::Unsigned16, 2},
-    {"INTEGER", "bigInteger", Shape::BigInteger, 2},
-    {"INTEGER magnitude", "bigUnsigned", Shape::BigUnsigned, 2},
-    {"ENUMERATED", "enumerated", Shape::Enumerated, 10},
-    {"NULL", "null", Shape::Null, 5},
-    {"OBJECT IDENTIFIER", "objectIdentifier", Shape::ObjectIdentifier, 6},
-    {"OCTET STRING", "octetString", Shape::OctetString, 4},
-    {"BIT STRING", "bitString", Shape::BitString, 3},
-    {"UTF8String", "utf8String", Shape::Text, 12},
-    {"NumericString", "numericString", Shape::Text, 18},
-    {"PrintableString", "printableString", Shape::Text, 19},
-    {"TeletexString", "teletexString", Shape::Text, 20},
-    {"T61String", "teletexString", Shape::Text, 20},
-    {"IA5String", "ia5String", Shape::Text, 22},
-    {"UTCTime", "utcTime", Shape::Text, 23},
-    {"GeneralizedTime", "generalizedTime", Shape::Text, 24},
-    {"VisibleString", "visibleString", Shape::Text, 26},
-    {"ISO646String", "visibleString", Shape::Text, 26},
-    {"GeneralString", "generalString", Shape::Text, 27},
-    {"UniversalString", "universalString", Shape::Text32, 28},
-    {"BMPString", "bmpString", Shape::Text16, 30},
-    {"open", "openType", Shape::OpenType, 0},
-    {"open typed", "typedOpenType", Shape::OpenType, 0},
-};
 
 const char* const remarkKeys[] = {"value",   "storage",   "capacity",        "end-of-contents",
                                   "no-copy", "name",      "keep-extensions", "standard",
@@ -170,14 +135,16 @@ void Resolver::breakNameCycle(Type& type) {
 }
 
 void Resolver::addBuiltins() {
-    for (const BuiltinRow& row : builtinRows) {
+    for (const BuiltinType& row : builtinTypes()) {
         Type& type = model_.types.emplace_back();
         type.name = row.constant;
         type.builtin = true;
         type.shape = row.shape;
         type.universalTag = row.tag;
         type.generalizedTime = row.tag == 24;
-        model_.builtins[row.notation] = &type;
+        for (const std::string& notation : row.notations) {
+            model_.builtins[builtinKey(notation, row.variant)] = &type;
+        }
     }
 }
 

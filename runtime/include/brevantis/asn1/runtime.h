@@ -14,6 +14,7 @@
 #include <brevantis/asn1/runtime/der_order.h>
 #include <brevantis/asn1/runtime/element_walk.h>
 #include <brevantis/asn1/runtime/generalized_time.h>
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/list.h>
 #include <brevantis/asn1/runtime/measure.h>

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include <brevantis/asn1/asn1data/shape.h>
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
 #include <brevantis/asn1/runtime/value_types.h>
@@ -16,33 +17,6 @@
 /// and may be read from any thread.
 
 namespace asn1data {
-
-/// How the value of a type is held in memory and coded.
-enum class Shape : unsigned char {
-    Boolean,          ///< `unsigned char`, 0 is false
-    Integer,          ///< `int`
-    Unsigned,         ///< `unsigned int`
-    Unsigned16,       ///< `unsigned short`
-    Enumerated,       ///< `unsigned int`
-    BigInteger,       ///< `char const*`, the text form of a signed INTEGER of any size
-    BigUnsigned,      ///< `char const*`, the text form of an INTEGER taken as a magnitude
-    Null,             ///< no value
-    ObjectIdentifier, ///< `ASN1TObjId`
-    OctetString,      ///< `ASN1TDynOctStr`
-    FixedOctetString, ///< a count `numocts` and an array `data` of `capacity` octets
-    BitString,        ///< `ASN1TDynBitStr`
-    FixedBitString,   ///< a count `numbits` and an array `data` for `capacity` bits
-    Text,             ///< `char const*`, 8-bit characters
-    Text16,           ///< `Asn116BitCharString`
-    Text32,           ///< `Asn132BitCharString`
-    OpenType,         ///< `ASN1TOpenType`, or `Asn1TObject` where an object set resolves it
-    Sequence,         ///< a record with a member an element
-    Set,              ///< a record with a member an element, in any order on the wire
-    Choice,           ///< a selector `t` and a union `u`
-    List,             ///< a doubly linked list whose nodes point to element records
-    Array,            ///< a count `n` and `elem`, a pointer to an array on the heap
-    FixedArray        ///< a count `n` and `elem`, an array of `capacity` elements in the record
-};
 
 /// How an element's tag stands to the tag of its type.
 enum class Tagging : unsigned char {
@@ -173,32 +147,12 @@ struct TypeDescription {
     unsigned nameCount;
 };
 
-/// Descriptions of the types that the notation itself brings along.
+/// Descriptions of the types that the notation itself brings along, as builtin_types.inc lists
+/// them. `openType` holds an `ASN1TOpenType`, `typedOpenType` an `Asn1TObject`.
 namespace builtin {
-extern BREVANTIS_ASN1_API const TypeDescription boolean;
-extern BREVANTIS_ASN1_API const TypeDescription integer;
-extern BREVANTIS_ASN1_API const TypeDescription unsignedInteger;
-extern BREVANTIS_ASN1_API const TypeDescription unsignedInteger16;
-extern BREVANTIS_ASN1_API const TypeDescription enumerated;
-extern BREVANTIS_ASN1_API const TypeDescription bigInteger;
-extern BREVANTIS_ASN1_API const TypeDescription bigUnsigned;
-extern BREVANTIS_ASN1_API const TypeDescription null;
-extern BREVANTIS_ASN1_API const TypeDescription objectIdentifier;
-extern BREVANTIS_ASN1_API const TypeDescription octetString;
-extern BREVANTIS_ASN1_API const TypeDescription bitString;
-extern BREVANTIS_ASN1_API const TypeDescription utf8String;
-extern BREVANTIS_ASN1_API const TypeDescription numericString;
-extern BREVANTIS_ASN1_API const TypeDescription printableString;
-extern BREVANTIS_ASN1_API const TypeDescription teletexString;
-extern BREVANTIS_ASN1_API const TypeDescription ia5String;
-extern BREVANTIS_ASN1_API const TypeDescription utcTime;
-extern BREVANTIS_ASN1_API const TypeDescription generalizedTime;
-extern BREVANTIS_ASN1_API const TypeDescription visibleString;
-extern BREVANTIS_ASN1_API const TypeDescription generalString;
-extern BREVANTIS_ASN1_API const TypeDescription universalString;
-extern BREVANTIS_ASN1_API const TypeDescription bmpString;
-extern BREVANTIS_ASN1_API const TypeDescription openType;      ///< holds an `ASN1TOpenType`
-extern BREVANTIS_ASN1_API const TypeDescription typedOpenType; ///< holds an `Asn1TObject`
+#define BREVANTIS_BUILTIN_TYPE(constant, notation, variant, shape, tag, storage)                   \
+    extern BREVANTIS_ASN1_API const TypeDescription constant;
+#include <brevantis/asn1/asn1data/builtin_types.inc>
 } // namespace builtin
 
 /// A range over descriptions.

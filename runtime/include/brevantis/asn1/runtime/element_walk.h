@@ -38,6 +38,27 @@ BREVANTIS_ASN1_API int xd_match(ASN1CTXT* ctxt, ASN1TAG tag, int* len, int match
 ///         (X.690, 8.1.3.2)
 BREVANTIS_ASN1_API int xd_match1(ASN1CTXT* ctxt, unsigned char identifierOctet, int* len) noexcept;
 
+/// What xd_match1 does for a length of one octet, without a call.
+/// @return false, with nothing changed, where anything else stands at the position
+inline bool rtMatchShort(ASN1CTXT* ctxt, unsigned char identifierOctet, int* len) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (buffer.size < 2 || buffer.byteIndex > buffer.size - 2) {
+        return false;
+    }
+    constexpr unsigned int formIgnored = 0xDF;
+    const unsigned char* const header = buffer.data + buffer.byteIndex;
+    if (((header[0] ^ identifierOctet) & formIgnored) != 0 || header[1] >= 0x80) {
+        return false;
+    }
+    constexpr unsigned int form = 0x20; // X.690, 8.1.2.5
+    ctxt->flags =
+        static_cast<unsigned short>((header[0] & form) != 0 ? ctxt->flags | ASN1F_CONSTRUCTED
+                                                            : ctxt->flags & ~ASN1F_CONSTRUCTED);
+    buffer.byteIndex += 2;
+    *len = header[1];
+    return true;
+}
+
 /// Steps over the element at the position, whatever it holds.
 /// @return 0; the failures of xd_tag_len; ASN1S_END_OF_BUFFER when its contents end beyond the
 ///         buffer

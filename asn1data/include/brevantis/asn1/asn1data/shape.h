@@ -1,0 +1,152 @@
+#ifndef BREVANTIS_ASN1_ASN1DATA_SHAPE_H
+#define BREVANTIS_ASN1_ASN1DATA_SHAPE_H
+
+/// @file
+/// How values of the catalogue are held in memory: the shapes, and what each of them is. This file
+/// includes nothing, so that the schema compiler works from the same list as the engine.
+
+namespace asn1data {
+
+/// How the value of a type is held in memory and coded.
+enum class Shape : unsigned char {
+    Boolean,          ///< `unsigned char`, 0 is false
+    Integer,          ///< `int`
+    Unsigned,         ///< `unsigned int`
+    Unsigned16,       ///< `unsigned short`
+    Enumerated,       ///< `unsigned int`
+    BigInteger,       ///< `char const*`, the text form of a signed INTEGER of any size
+    BigUnsigned,      ///< `char const*`, the text form of an INTEGER taken as a magnitude
+    Null,             ///< no value
+    ObjectIdentifier, ///< `ASN1TObjId`
+    OctetString,      ///< `ASN1TDynOctStr`
+    FixedOctetString, ///< a count `numocts` and an array `data` of `capacity` octets
+    BitString,        ///< `ASN1TDynBitStr`
+    FixedBitString,   ///< a count `numbits` and an array `data` for `capacity` bits
+    Text,             ///< `char const*`, 8-bit characters
+    Text16,           ///< `Asn116BitCharString`
+    Text32,           ///< `Asn132BitCharString`
+    OpenType,         ///< `ASN1TOpenType`, or `Asn1TObject` where an object set resolves it
+    Sequence,         ///< a record with a member an element
+    Set,              ///< a record with a member an element, in any order on the wire
+    Choice,           ///< a selector `t` and a union `u`
+    List,             ///< a doubly linked list whose nodes point to element records
+    Array,            ///< a count `n` and `elem`, a pointer to an array on the heap
+    FixedArray        ///< a count `n` and `elem`, an array of `capacity` elements in the record
+};
+
+/// What a value is, whatever holds it.
+enum class ShapeKind : unsigned char {
+    Boolean,
+    Number,    ///< INTEGER or ENUMERATED in a machine word
+    BigNumber, ///< INTEGER of any size, as text
+    Null,
+    ObjectIdentifier,
+    OctetString,
+    BitString,
+    Text, ///< any character string or time
+    OpenType,
+    Record, ///< SEQUENCE or SET
+    Choice,
+    Repeated ///< SEQUENCE OF or SET OF
+};
+
+/// What is known of a shape.
+struct ShapeTraits {
+    Shape shape;
+    const char* name; ///< of the enumerator
+    ShapeKind kind;
+    bool scalar;           ///< a number, a BOOLEAN or a pointer to text: a union holds it by value
+    bool holdsMemory;      ///< the value itself points to a block of the heap that is released
+    const char* countName; ///< member with the count that a size constraint is about; empty if none
+    const char* dataName;  ///< member that the count is of; empty if none
+    long long lower;       ///< Number, BigNumber: least value that can be told in 64 bits
+    long long upper;       ///< Number, BigNumber: greatest such value
+};
+
+/// Every shape, in the order of the enumerators.
+inline constexpr ShapeTraits shapeTraits[] = {
+    {Shape::Boolean, "Boolean", ShapeKind::Boolean, true, false, "", "", 0, 1},
+    {Shape::Integer, "Integer", ShapeKind::Number, true, false, "", "", -0x7FFFFFFFLL - 1,
+     0x7FFFFFFFLL},
+    {Shape::Unsigned, "Unsigned", ShapeKind::Number, true, false, "", "", 0, 0xFFFFFFFFLL},
+    {Shape::Unsigned16, "Unsigned16", ShapeKind::Number, true, false, "", "", 0, 0xFFFFLL},
+    {Shape::Enumerated, "Enumerated", ShapeKind::Number, true, false, "", "", 0, 0xFFFFFFFFLL},
+    {Shape::BigInteger, "BigInteger", ShapeKind::BigNumber, true, false, "", "",
+     -0x7FFFFFFFFFFFFFFFLL - 1, 0x7FFFFFFFFFFFFFFFLL},
+    {Shape::BigUnsigned, "BigUnsigned", ShapeKind::BigNumber, true, false, "", "", 0,
+     0x7FFFFFFFFFFFFFFFLL},
+    {Shape::Null, "Null", ShapeKind::Null, true, false, "", "", 0, 0},
+    {Shape::ObjectIdentifier, "ObjectIdentifier", ShapeKind::ObjectIdentifier, false, false, "", "",
+     0, 0},
+    {Shape::OctetString, "OctetString", ShapeKind::OctetString, false, true, "numocts", "data", 0,
+     0},
+    {Shape::FixedOctetString, "FixedOctetString", ShapeKind::OctetString, false, false, "numocts",
+     "data", 0, 0},
+    {Shape::BitString, "BitString", ShapeKind::BitString, false, true, "numbits", "data", 0, 0},
+    {Shape::FixedBitString, "FixedBitString", ShapeKind::BitString, false, false, "numbits", "data",
+     0, 0},
+    {Shape::Text, "Text", ShapeKind::Text, true, true, "", "", 0, 0},
+    {Shape::Text16, "Text16", ShapeKind::Text, false, true, "nchars", "data", 0, 0},
+    {Shape::Text32, "Text32", ShapeKind::Text, false, true, "nchars", "data", 0, 0},
+    {Shape::OpenType, "OpenType", ShapeKind::OpenType, false, true, "", "", 0, 0},
+    {Shape::Sequence, "Sequence", ShapeKind::Record, false, false, "", "", 0, 0},
+    {Shape::Set, "Set", ShapeKind::Record, false, false, "", "", 0, 0},
+    {Shape::Choice, "Choice", ShapeKind::Choice, false, false, "t", "u", 0, 0},
+    {Shape::List, "List", ShapeKind::Repeated, false, true, "count", "", 0, 0},
+    {Shape::Array, "Array", ShapeKind::Repeated, false, true, "n", "elem", 0, 0},
+    {Shape::FixedArray, "FixedArray", ShapeKind::Repeated, false, false, "n", "elem", 0, 0},
+};
+
+/// What is known of a shape.
+constexpr const ShapeTraits& traitsOf(Shape shape) {
+    return shapeTraits[static_cast<unsigned char>(shape)];
+}
+
+/// What a value of the shape is.
+constexpr ShapeKind kindOf(Shape shape) {
+    return traitsOf(shape).kind;
+}
+
+/// Whether values have no elements.
+constexpr bool isPrimitive(Shape shape) {
+    return shape < Shape::Sequence;
+}
+
+/// Whether values are a string of octets, bits or characters, which BER may cut into segments
+/// (X.690, 8.6.4, 8.7.3, 8.23).
+constexpr bool isString(Shape shape) {
+    return shape >= Shape::OctetString && shape <= Shape::Text32;
+}
+
+/// Whether values hold a fixed number of octets, bits or elements inside the record.
+constexpr bool isFixed(Shape shape) {
+    return shape == Shape::FixedOctetString || shape == Shape::FixedBitString ||
+           shape == Shape::FixedArray;
+}
+
+namespace shape_detail {
+
+constexpr bool isStringKind(ShapeKind kind) {
+    return kind == ShapeKind::OctetString || kind == ShapeKind::BitString ||
+           kind == ShapeKind::Text;
+}
+
+/// Whether the table and the predicates that go by the order of the enumerators tell the same.
+constexpr bool orderHolds() {
+    unsigned place = 0;
+    for (const ShapeTraits& row : shapeTraits) {
+        if (static_cast<unsigned char>(row.shape) != place++ ||
+            isPrimitive(row.shape) != (row.kind < ShapeKind::Record) ||
+            isString(row.shape) != isStringKind(row.kind)) {
+            return false;
+        }
+    }
+    return place == static_cast<unsigned>(Shape::FixedArray) + 1;
+}
+static_assert(orderHolds(), "a row for each shape, in the order of the enumerators");
+
+} // namespace shape_detail
+
+} // namespace asn1data
+
+#endif
