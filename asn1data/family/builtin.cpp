@@ -30,6 +30,8 @@ constexpr TypeDescription describe(const char* name, Shape shape, unsigned char 
     type.extensionOffset = NoOffset;
     type.identifiers = identifiersOf(shape, tag);
     type.parameter = "*pvalue";
+    type.road = Road::Primitive;
+    type.identifier = tag;
     return type;
 }
 

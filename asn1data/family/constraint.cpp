@@ -1,3 +1,4 @@
+#include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/runtime/utf8.h>
 
 #include "value_access.h"
@@ -7,42 +8,46 @@ namespace asn1data::family {
 namespace {
 
 /// The number that a constraint of the type is about.
-long long measured(const TypeDescription& type, const void* value) {
-    switch (type.shape) {
-    case Shape::Boolean:
-        return at<unsigned char>(value, 0);
-    case Shape::Integer:
-        return at<int>(value, 0);
-    case Shape::Unsigned:
-    case Shape::Enumerated:
-        return at<unsigned>(value, 0);
-    case Shape::Unsigned16:
-        return at<unsigned short>(value, 0);
-    case Shape::OctetString:
-    case Shape::BitString:
-    case Shape::Text16:
-    case Shape::Text32:
-    case Shape::List:
-        // The count comes first in each of these records.
-        return at<unsigned>(value, 0);
-    case Shape::FixedOctetString:
-    case Shape::FixedBitString:
-    case Shape::Array:
-    case Shape::FixedArray:
-        return at<unsigned>(value, type.countOffset);
-    case Shape::Text: {
-        const char* text = at<const char*>(value, 0);
+struct Measure {
+    const TypeDescription& type;
+
+    long long operator()(Is<Shape::OctetString>, const ASN1TDynOctStr& value) const {
+        return value.numocts;
+    }
+    long long operator()(Is<Shape::BitString>, const ASN1TDynBitStr& value) const {
+        return value.numbits;
+    }
+    long long operator()(Is<Shape::Text>, const char* text) const {
         // UTF8String is bounded in characters, every other 8-bit string in octets, which are its
         // characters. Text that is no UTF-8 measures as a number that no bound permits.
-        if (type.tag == Utf8StringTag) {
-            return static_cast<unsigned>(rtUTF8Len(text));
+        return type.tag == Utf8StringTag ? static_cast<unsigned>(rtUTF8Len(text))
+                                         : static_cast<unsigned>(std::strlen(text));
+    }
+    long long operator()(Is<Shape::Text16>, const Asn116BitCharString& value) const {
+        return value.nchars;
+    }
+    long long operator()(Is<Shape::Text32>, const Asn132BitCharString& value) const {
+        return value.nchars;
+    }
+    long long operator()(Is<Shape::List>, const Asn1RTDList& value) const { return value.count; }
+    template <Shape S, class Value>
+    long long operator()(Is<S>, const Value& value) const {
+        constexpr ShapeKind kind = kindOf(S);
+        if constexpr (kind == ShapeKind::Boolean || kind == ShapeKind::Number) {
+            return value;
+        } else if constexpr (kind == ShapeKind::Repeated) {
+            return at<unsigned>(value, type.countOffset);
+        } else if constexpr (isString(S) && isFixed(S)) {
+            return value.count;
+        } else {
+            static_assert(kind == ShapeKind::BigNumber || kind == ShapeKind::Null ||
+                              kind == ShapeKind::ObjectIdentifier || kind == ShapeKind::OpenType ||
+                              kind == ShapeKind::Record || kind == ShapeKind::Choice,
+                          "there is something to measure");
+            return 0;
         }
-        return static_cast<long long>(static_cast<unsigned>(std::strlen(text)));
     }
-    default:
-        return 0;
-    }
-}
+};
 
 } // namespace
 
@@ -51,7 +56,7 @@ int checkRanges(ASN1CTXT* ctxt, const TypeDescription& type, const void* value,
     if (type.shape == Shape::Text && at<const char*>(value, 0) == nullptr) {
         return fail(ctxt, ASN1S_BAD_VALUE);
     }
-    return checkNumber(ctxt, type, measured(type, value), constraint, parameter);
+    return checkNumber(ctxt, type, withValue(type, value, Measure{type}), constraint, parameter);
 }
 
 int checkNumber(ASN1CTXT* ctxt, const TypeDescription& type, long long number,

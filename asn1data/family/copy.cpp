@@ -1,5 +1,6 @@
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/object.h>
+#include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/runtime/open_type.h>
 #include <brevantis/asn1/runtime/value_copy.h>
 
@@ -19,67 +20,66 @@ void settle(ASN1CTXT* ctxt, bool copied, Value& target) {
     }
 }
 
-void copyText(ASN1CTXT* ctxt, const void* source, void* target) {
-    const char* text = at<const char*>(source, 0);
-    auto& copied = at<const char*>(target, 0);
-    if (text == nullptr) {
-        copied = nullptr;
-        return;
-    }
-    settle(ctxt, rtCopyCharStr(ctxt, text, &copied) != 0, copied);
-}
+/// Copies a primitive.
+struct PrimitiveCopier {
+    ASN1CTXT* ctxt;
+    const TypeDescription& type;
 
-/// The raw octets of an open value; its typed form is the business of the record around it, which
-/// knows the identifier.
-void copyOpenType(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target) {
-    auto& raw = at<ASN1OpenType>(target, 0);
-    settle(ctxt, rtCopyOpenType(ctxt, &at<ASN1OpenType>(source, 0), &raw) != 0, raw);
-    if (type.valueSize == sizeof(Asn1TObject)) {
-        at<Asn1TObject>(target, 0).decoded = nullptr;
+    void operator()(Is<Shape::Null>, const void* /*source*/, void* /*target*/) const {}
+    void operator()(Is<Shape::ObjectIdentifier>, const ASN1TObjId& source,
+                    ASN1TObjId& target) const {
+        rtCopyOID(ctxt, &source, &target);
     }
-}
+    void operator()(Is<Shape::OctetString>, const ASN1TDynOctStr& source,
+                    ASN1TDynOctStr& target) const {
+        settle(ctxt, rtCopyDynOctStr(ctxt, &source, &target) != 0, target);
+    }
+    void operator()(Is<Shape::BitString>, const ASN1TDynBitStr& source,
+                    ASN1TDynBitStr& target) const {
+        settle(ctxt, rtCopyDynBitStr(ctxt, &source, &target) != 0, target);
+    }
+    void operator()(Is<Shape::Text16>, const Asn116BitCharString& source,
+                    Asn116BitCharString& target) const {
+        settle(ctxt, rtCopy16BitCharStr(ctxt, &source, &target) != 0, target);
+    }
+    void operator()(Is<Shape::Text32>, const Asn132BitCharString& source,
+                    Asn132BitCharString& target) const {
+        settle(ctxt, rtCopy32BitCharStr(ctxt, &source, &target) != 0, target);
+    }
+    /// The raw octets of an open value; its typed form is the business of the record around it,
+    /// which knows the identifier.
+    void operator()(Is<Shape::OpenType>, const ASN1OpenType& source, ASN1OpenType& target) const {
+        settle(ctxt, rtCopyOpenType(ctxt, &source, &target) != 0, target);
+        if (type.valueSize == sizeof(Asn1TObject)) {
+            static_cast<Asn1TObject&>(target).decoded = nullptr;
+        }
+    }
+    template <Shape S, class Value>
+    void operator()(Is<S>, const Value& source, Value& target) const {
+        if constexpr (std::is_same_v<Value, const char*>) {
+            if (source == nullptr) {
+                target = nullptr;
+            } else {
+                settle(ctxt, rtCopyCharStr(ctxt, source, &target) != 0, target);
+            }
+        } else {
+            static_assert(std::is_arithmetic_v<Value>, "numbers hold everything themselves");
+            target = source;
+        }
+    }
+    /// A string in the record.
+    template <Shape S>
+    void operator()(Is<S>, FixedString<const unsigned char> source,
+                    FixedString<unsigned char> target) const {
+        target.count = source.count;
+        std::memcpy(target.data, source.data, octetsOf(S, source.capacity));
+    }
 
-void copyPrimitive(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target) {
-    switch (type.shape) {
-    case Shape::ObjectIdentifier:
-        rtCopyOID(ctxt, &at<ASN1TObjId>(source, 0), &at<ASN1TObjId>(target, 0));
-        break;
-    case Shape::OctetString: {
-        auto& octets = at<ASN1TDynOctStr>(target, 0);
-        settle(ctxt, rtCopyDynOctStr(ctxt, &at<ASN1TDynOctStr>(source, 0), &octets) != 0, octets);
-        break;
+private:
+    static std::size_t octetsOf(Shape shape, unsigned capacity) {
+        return shape == Shape::FixedBitString ? (capacity + 7) / 8 : capacity;
     }
-    case Shape::BitString: {
-        auto& bits = at<ASN1TDynBitStr>(target, 0);
-        settle(ctxt, rtCopyDynBitStr(ctxt, &at<ASN1TDynBitStr>(source, 0), &bits) != 0, bits);
-        break;
-    }
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-    case Shape::Text:
-        copyText(ctxt, source, target);
-        break;
-    case Shape::Text16: {
-        auto& text = at<Asn116BitCharString>(target, 0);
-        settle(ctxt, rtCopy16BitCharStr(ctxt, &at<Asn116BitCharString>(source, 0), &text) != 0,
-               text);
-        break;
-    }
-    case Shape::Text32: {
-        auto& text = at<Asn132BitCharString>(target, 0);
-        settle(ctxt, rtCopy32BitCharStr(ctxt, &at<Asn132BitCharString>(source, 0), &text) != 0,
-               text);
-        break;
-    }
-    case Shape::OpenType:
-        copyOpenType(ctxt, type, source, target);
-        break;
-    default:
-        // Numbers and strings of a capacity hold everything themselves.
-        std::memcpy(target, source, type.valueSize);
-        break;
-    }
-}
+};
 
 /// An unknown identifier has no typed form.
 void copyTyped(ASN1CTXT* ctxt, const ObjectDescription* object, const Asn1TObject& source,
@@ -160,12 +160,11 @@ void copyChoice(ASN1CTXT* ctxt, const TypeDescription& type, const void* source,
     at<unsigned>(target, type.countOffset) = at<unsigned>(source, type.countOffset);
 }
 
-void copyList(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target) {
-    auto& list = at<Asn1RTDList>(target, 0);
+void copyList(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1RTDList& source,
+              Asn1RTDList& list) {
     rtDListInit(&list);
     const int blockSize = static_cast<int>(sizeof(Asn1RTDListNode) + type.element->valueSize);
-    for (const Asn1RTDListNode* node = at<Asn1RTDList>(source, 0).head; node != nullptr;
-         node = node->next) {
+    for (const Asn1RTDListNode* node = source.head; node != nullptr; node = node->next) {
         auto* block = static_cast<unsigned char*>(rtMemHeapAllocZ(&ctxt->memHeap, blockSize));
         if (block == nullptr) {
             fail(ctxt, ASN1S_NO_MEMORY);
@@ -207,6 +206,30 @@ void copyArray(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, 
     }
 }
 
+/// Copies any value.
+struct Copier : PrimitiveCopier {
+    using PrimitiveCopier::operator();
+
+    void operator()(Is<Shape::Sequence>, const void* source, void* target) const {
+        copyRecord(ctxt, type, source, target);
+    }
+    void operator()(Is<Shape::Set>, const void* source, void* target) const {
+        copyRecord(ctxt, type, source, target);
+    }
+    void operator()(Is<Shape::Choice>, const void* source, void* target) const {
+        copyChoice(ctxt, type, source, target);
+    }
+    void operator()(Is<Shape::List>, const Asn1RTDList& source, Asn1RTDList& target) const {
+        copyList(ctxt, type, source, target);
+    }
+    void operator()(Is<Shape::Array>, const void* source, void* target) const {
+        copyArray(ctxt, type, source, target);
+    }
+    void operator()(Is<Shape::FixedArray>, const void* source, void* target) const {
+        copyArray(ctxt, type, source, target);
+    }
+};
+
 } // namespace
 
 void copy(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target) {
@@ -218,25 +241,7 @@ void copy(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void*
         fail(ctxt, ASN1S_NO_MEMORY);
         return;
     }
-    switch (type.shape) {
-    case Shape::Sequence:
-    case Shape::Set:
-        copyRecord(ctxt, type, source, target);
-        break;
-    case Shape::Choice:
-        copyChoice(ctxt, type, source, target);
-        break;
-    case Shape::List:
-        copyList(ctxt, type, source, target);
-        break;
-    case Shape::Array:
-    case Shape::FixedArray:
-        copyArray(ctxt, type, source, target);
-        break;
-    default:
-        copyPrimitive(ctxt, type, source, target);
-        break;
-    }
+    withValues(type, source, target, Copier{{ctxt, type}});
 }
 
 } // namespace asn1data::family

@@ -1,4 +1,5 @@
 #include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/runtime/big_integer.h>
 #include <brevantis/asn1/runtime/bit_string.h>
 #include <brevantis/asn1/runtime/character_string.h>
@@ -15,101 +16,100 @@ namespace asn1data::family {
 
 namespace {
 
-int decodePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
-                    int length) {
-    switch (type.shape) {
-    case Shape::Boolean:
-        return xd_boolean(ctxt, &at<unsigned char>(value, 0), tagging, length);
-    case Shape::Integer:
-        return xd_integer(ctxt, &at<int>(value, 0), tagging, length);
-    case Shape::Unsigned:
-        return xd_unsigned(ctxt, &at<unsigned>(value, 0), tagging, length);
-    case Shape::Unsigned16:
-        return xd_uint16(ctxt, &at<unsigned short>(value, 0), tagging, length);
-    case Shape::Enumerated: {
+/// Reads the value of a primitive.
+struct PrimitiveDecoder {
+    ASN1CTXT* ctxt;
+    const TypeDescription& type;
+    ASN1TagType tagging;
+    int length;
+
+    int operator()(Is<Shape::Boolean>, unsigned char& value) const {
+        return xd_boolean(ctxt, &value, tagging, length);
+    }
+    int operator()(Is<Shape::Integer>, int& value) const {
+        return xd_integer(ctxt, &value, tagging, length);
+    }
+    int operator()(Is<Shape::Unsigned>, unsigned& value) const {
+        return xd_unsigned(ctxt, &value, tagging, length);
+    }
+    int operator()(Is<Shape::Unsigned16>, unsigned short& value) const {
+        return xd_uint16(ctxt, &value, tagging, length);
+    }
+    int operator()(Is<Shape::Enumerated>, unsigned& value) const {
         int number = 0;
         const int status = xd_enum(ctxt, &number, tagging, length);
-        at<unsigned>(value, 0) = static_cast<unsigned>(number);
+        value = static_cast<unsigned>(number);
         return status;
     }
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-        return xd_bigint(ctxt, &at<const char*>(value, 0), tagging, length);
-    case Shape::Null:
-        return xd_null(ctxt, tagging);
-    case Shape::ObjectIdentifier:
-        return xd_objid(ctxt, &at<ASN1TObjId>(value, 0), tagging, length);
-    case Shape::OctetString: {
-        auto& octets = at<ASN1TDynOctStr>(value, 0);
-        return xd_octstr(ctxt, &octets.data, &octets.numocts, tagging, length);
+    int operator()(Is<Shape::BigInteger>, const char*& value) const {
+        return xd_bigint(ctxt, &value, tagging, length);
     }
-    case Shape::FixedOctetString: {
-        auto& count = at<unsigned>(value, type.countOffset);
-        count = type.capacity;
-        const int status =
-            xd_octstr_s(ctxt, &at<unsigned char>(value, type.dataOffset), &count, tagging, length);
-        count = status == ASN1S_SUCCESS ? count : 0;
-        return status;
+    int operator()(Is<Shape::BigUnsigned>, const char*& value) const {
+        return xd_bigint(ctxt, &value, tagging, length);
     }
-    case Shape::BitString: {
-        auto& bits = at<ASN1TDynBitStr>(value, 0);
-        return xd_bitstr(ctxt, &bits.data, &bits.numbits, tagging, length);
+    int operator()(Is<Shape::Null>, void* /*value*/) const { return xd_null(ctxt, tagging); }
+    int operator()(Is<Shape::ObjectIdentifier>, ASN1TObjId& value) const {
+        return xd_objid(ctxt, &value, tagging, length);
     }
-    case Shape::FixedBitString: {
-        auto& count = at<unsigned>(value, type.countOffset);
-        count = type.capacity;
-        const int status =
-            xd_bitstr_s(ctxt, &at<unsigned char>(value, type.dataOffset), &count, tagging, length);
-        count = status == ASN1S_SUCCESS ? count : 0;
-        return status;
+    int operator()(Is<Shape::OctetString>, ASN1TDynOctStr& value) const {
+        return xd_octstr(ctxt, &value.data, &value.numocts, tagging, length);
     }
-    case Shape::Text: {
+    int operator()(Is<Shape::FixedOctetString>, FixedString<unsigned char> value) const {
+        value.count = value.capacity;
+        return settled(value, xd_octstr_s(ctxt, value.data, &value.count, tagging, length));
+    }
+    int operator()(Is<Shape::BitString>, ASN1TDynBitStr& value) const {
+        return xd_bitstr(ctxt, &value.data, &value.numbits, tagging, length);
+    }
+    int operator()(Is<Shape::FixedBitString>, FixedString<unsigned char> value) const {
+        value.count = value.capacity;
+        return settled(value, xd_bitstr_s(ctxt, value.data, &value.count, tagging, length));
+    }
+    int operator()(Is<Shape::Text>, const char*& value) const {
         char* text = nullptr;
         const int status = xd_charstr(ctxt, &text, tagging, type.tag, length);
-        at<const char*>(value, 0) = text;
+        value = text;
         return status;
     }
-    case Shape::Text16:
-        return xd_16BitCharStr(ctxt, &at<Asn116BitCharString>(value, 0), tagging, type.tag, length);
-    case Shape::Text32:
-        return xd_32BitCharStr(ctxt, &at<Asn132BitCharString>(value, 0), tagging, type.tag, length);
-    case Shape::OpenType: {
-        auto& raw = at<ASN1OpenType>(value, 0);
-        raw.numocts = 0;
-        raw.data = nullptr;
+    int operator()(Is<Shape::Text16>, Asn116BitCharString& value) const {
+        return xd_16BitCharStr(ctxt, &value, tagging, type.tag, length);
+    }
+    int operator()(Is<Shape::Text32>, Asn132BitCharString& value) const {
+        return xd_32BitCharStr(ctxt, &value, tagging, type.tag, length);
+    }
+    int operator()(Is<Shape::OpenType>, ASN1OpenType& value) const {
+        value = {0, nullptr};
         if (type.valueSize == sizeof(Asn1TObject)) {
-            at<Asn1TObject>(value, 0).decoded = nullptr;
+            static_cast<Asn1TObject&>(value).decoded = nullptr;
         }
-        return xd_OpenType(ctxt, &raw.data, &raw.numocts);
+        return xd_OpenType(ctxt, &value.data, &value.numocts);
     }
-    default:
-        return ASN1S_NOT_SUPPORTED;
+    template <Shape S, class Value, class = std::enable_if_t<!isPrimitive(S)>>
+    int operator()(Is<S>, Value&& /*value*/) const {
+        return ASN1S_NOT_SUPPORTED; // no coder reads these as a whole
     }
-}
 
-void setDefault(const ElementDescription& element, void* value) {
-    switch (element.type->shape) {
-    case Shape::Boolean:
-        at<unsigned char>(value, 0) = static_cast<unsigned char>(element.defaultNumber);
-        break;
-    case Shape::Integer:
-        at<int>(value, 0) = static_cast<int>(element.defaultNumber);
-        break;
-    case Shape::Unsigned:
-    case Shape::Enumerated:
-        at<unsigned>(value, 0) = static_cast<unsigned>(element.defaultNumber);
-        break;
-    case Shape::Unsigned16:
-        at<unsigned short>(value, 0) = static_cast<unsigned short>(element.defaultNumber);
-        break;
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-        at<const char*>(value, 0) = element.defaultText;
-        break;
-    default:
-        break;
+private:
+    /// Nothing is in use where the reading failed.
+    static int settled(FixedString<unsigned char>& value, int status) {
+        value.count = status == ASN1S_SUCCESS ? value.count : 0;
+        return status;
     }
-}
+};
+
+/// Gives an element its DEFAULT: a number, a BOOLEAN or the text of an INTEGER.
+struct DefaultSetter {
+    const ElementDescription& element;
+
+    template <Shape S, class Value>
+    void operator()(Is<S>, Value&& value) const {
+        if constexpr (kindOf(S) == ShapeKind::Boolean || kindOf(S) == ShapeKind::Number) {
+            value = static_cast<std::remove_reference_t<Value>>(element.defaultNumber);
+        } else if constexpr (kindOf(S) == ShapeKind::BigNumber) {
+            value = element.defaultText;
+        }
+    }
+};
 
 /// An open value left from an earlier decoding would be taken for one of the new identifier's type
 /// if the decoding fails between the two.
@@ -121,20 +121,12 @@ void forgetOpenValue(const TableConstraint& table, void* record) {
     }
 }
 
-/// Clears the presence bits and puts the DEFAULTs in place.
-void prepareRecord(const TypeDescription& type, void* record) {
-    if (type.presenceOffset != NoOffset) {
-        setPresenceBits(record, type.presenceOffset, 0);
-    }
-    if (type.table != nullptr) {
-        forgetOpenValue(*type.table, record);
-    }
-    if (type.mandatoryCount == type.elementCount) {
-        return;
-    }
+/// Puts the DEFAULTs in place.
+void setDefaults(const TypeDescription& type, void* record) {
     for (unsigned i = 0; i < type.elementCount; ++i) {
-        if (type.elements[i].presence == Presence::Default) {
-            setDefault(type.elements[i], address(record, type.elements[i].offset));
+        const ElementDescription& element = type.elements[i];
+        if (element.presence == Presence::Default) {
+            withValue(*element.type, address(record, element.offset), DefaultSetter{element});
         }
     }
 }
@@ -178,7 +170,15 @@ public:
         return address(record, element.offset);
     }
     void prepare(const TypeDescription& type, void* record) const {
-        prepareRecord(type, record);
+        if (type.presenceOffset != NoOffset) {
+            setPresenceBits(record, type.presenceOffset, 0);
+        }
+        if (type.table != nullptr) {
+            forgetOpenValue(*type.table, record);
+        }
+        if (type.hasDefaults) {
+            setDefaults(type, record);
+        }
         if (type.extensionOffset != NoOffset) {
             rtDListInit(&at<Asn1RTDList>(record, type.extensionOffset));
         }
@@ -190,7 +190,7 @@ public:
         return xd_OpenTypeAppend(ctxt_, &at<Asn1RTDList>(record, type.extensionOffset));
     }
     int primitive(const TypeDescription& type, void* value, ASN1TagType tagging, int length) const {
-        return decodePrimitive(ctxt_, type, value, tagging, length);
+        return withValue(type, value, PrimitiveDecoder{ctxt_, type, tagging, length});
     }
     int withinConstraint(const TypeDescription& type, const void* value,
                          const Constraint& constraint, const char* parameter) const {

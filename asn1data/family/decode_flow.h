@@ -1,6 +1,9 @@
 #ifndef BREVANTIS_ASN1DATA_FAMILY_DECODE_FLOW_H
 #define BREVANTIS_ASN1DATA_FAMILY_DECODE_FLOW_H
 
+#include <algorithm>
+
+#include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime/element_walk.h>
 #include <brevantis/asn1/runtime/tag_length.h>
@@ -37,10 +40,27 @@ struct DecodeFlow {
     enum : ASN1TAG { ClassMask = 0xC0000000u };
     enum : unsigned { MaximumListCount = 0x7FFFFFFEu };
 
-    /// The contents octets of a constructed value, from where the position stands now.
-    static ASN1ElementScope scopeAt(const ASN1CTXT* ctxt, int length) {
-        return {ctxt->buffer.data + ctxt->buffer.byteIndex, length};
-    }
+    /// The contents octets of a constructed value, from where the position stands now. What
+    /// rtScopeEnded tests is settled for a definite length once.
+    class Scope {
+    public:
+        Scope(const ASN1CTXT* ctxt, int length)
+            : open_{ctxt->buffer.data + ctxt->buffer.byteIndex, length} {
+            const unsigned start = ctxt->buffer.byteIndex;
+            const unsigned left = start < ctxt->buffer.size ? ctxt->buffer.size - start : 0;
+            end_ = length == ASN1IndefiniteLength ? 0
+                   : length < 0                   ? start
+                                : start + std::min(static_cast<unsigned>(length), left);
+        }
+        bool ended(const ASN1CTXT* ctxt) const {
+            return ctxt->buffer.byteIndex >= end_ &&
+                   (open_.length != ASN1IndefiniteLength || rtScopeEnded(ctxt, open_));
+        }
+
+    private:
+        ASN1ElementScope open_;
+        unsigned end_; ///< of a definite length, held to the end of the buffer
+    };
 
     /// Steps over the end-of-contents octets that close an indefinite form (X.690, 8.1.5).
     static int stepOverEndOfContents(Sink sink) {
@@ -97,14 +117,14 @@ struct DecodeFlow {
         const unsigned char octet = ctxt->buffer.data[ctxt->buffer.byteIndex];
         return element.tagging == Tagging::Untagged
                    ? element.type->identifiers.contains(octet)
-                   : (octet & FormMask) == (identifierOctet(element.tag) & FormMask);
+                   : ((octet ^ element.identifier) & FormMask) == 0;
     }
 
     /// Elements behind the known ones, kept as they are.
     static int decodeAdditions(Sink sink, const TypeDescription& type, Value record,
-                               const ASN1ElementScope& scope) {
+                               const Scope& scope) {
         ASN1CTXT* const ctxt = sink.ctxt();
-        for (unsigned place = 0; !rtScopeEnded(ctxt, scope); ++place) {
+        for (unsigned place = 0; !scope.ended(ctxt); ++place) {
             const unsigned start = ctxt->buffer.byteIndex;
             const int status = sink.addition(type, record, place);
             if (status != ASN1S_SUCCESS) {
@@ -135,11 +155,11 @@ struct DecodeFlow {
     static int decodeSequence(Sink sink, const TypeDescription& type, Value record, int length) {
         ASN1CTXT* const ctxt = sink.ctxt();
         sink.prepare(type, record);
-        const ASN1ElementScope scope = scopeAt(ctxt, length);
+        const Scope scope(ctxt, length);
         unsigned place = 0;
         unsigned next = 0; // the place behind the element that was there last
         unsigned found = 0;
-        while (!rtScopeEnded(ctxt, scope)) {
+        while (!scope.ended(ctxt)) {
             if (place >= type.elementCount) {
                 if (type.extensionOffset == NoOffset) {
                     return sink.fail(ASN1S_EXTRA_ELEMENT, candidates(type, next));
@@ -189,10 +209,10 @@ struct DecodeFlow {
     static int decodeSet(Sink sink, const TypeDescription& type, Value record, int length) {
         ASN1CTXT* const ctxt = sink.ctxt();
         sink.prepare(type, record);
-        const ASN1ElementScope scope = scopeAt(ctxt, length);
+        const Scope scope(ctxt, length);
         unsigned long long seen = 0;
         unsigned found = 0;
-        while (!rtScopeEnded(ctxt, scope)) {
+        while (!scope.ended(ctxt)) {
             ASN1TAG tag = 0;
             int elementLength = 0;
             sink.atElement();
@@ -249,13 +269,10 @@ struct DecodeFlow {
         const unsigned char octet = ctxt->buffer.data[start];
         for (unsigned i = 0; i < type.elementCount; ++i) {
             const ElementDescription& alternative = type.elements[i];
-            // An alternative that is itself a CHOICE or an open type has no tag to compare; it
-            // reads its own from the start.
-            const bool untagged = alternative.tagging == Tagging::Untagged &&
-                                  (alternative.type->tag == 0 || alternative.type->outerTag != 0);
-            const ASN1TAG expected =
-                alternative.tagging == Tagging::Untagged ? alternative.type->tag : alternative.tag;
-            if (untagged ? !alternative.type->identifiers.contains(octet) : tag != expected) {
+            // An alternative without a tag to compare reads its own from the start.
+            const bool untagged = alternative.matchTag == 0;
+            if (untagged ? !alternative.type->identifiers.contains(octet)
+                         : tag != alternative.matchTag) {
                 continue;
             }
             Value value;
@@ -289,8 +306,8 @@ struct DecodeFlow {
     template <class Elements>
     static int decodeElements(Sink sink, const TypeDescription& type, Elements& elements,
                               int length, unsigned capacity) {
-        const ASN1ElementScope scope = scopeAt(sink.ctxt(), length);
-        while (!rtScopeEnded(sink.ctxt(), scope)) {
+        const Scope scope(sink.ctxt(), length);
+        while (!scope.ended(sink.ctxt())) {
             if (elements.count() >= capacity) {
                 return sink.fail(ASN1S_EXTRA_ELEMENT, {Expectation::NoElement, nullptr, &type});
             }
@@ -335,25 +352,32 @@ struct DecodeFlow {
     }
 
     static int decodeConstructed(Sink sink, const TypeDescription& type, Value value, int length) {
-        switch (type.shape) {
-        case Shape::Sequence:
-            return decodeSequence(sink, type, value, length);
-        case Shape::Set:
-            return decodeSet(sink, type, value, length);
-        case Shape::List:
-            return decodeList(sink, type, value, length);
-        case Shape::Array:
-            return decodeArray(sink, type, value, length);
-        case Shape::FixedArray:
-            return decodePlaces(sink, type, value, length, type.capacity);
-        default:
-            return sink.fail(ASN1S_NOT_SUPPORTED, {Expectation::Contents, &type});
-        }
+        return withShape(type.shape, [&](auto is) {
+            constexpr Shape shape = decltype(is)::value;
+            if constexpr (shape == Shape::Sequence) {
+                return decodeSequence(sink, type, value, length);
+            } else if constexpr (shape == Shape::Set) {
+                return decodeSet(sink, type, value, length);
+            } else if constexpr (shape == Shape::List) {
+                return decodeList(sink, type, value, length);
+            } else if constexpr (shape == Shape::Array) {
+                return decodeArray(sink, type, value, length);
+            } else if constexpr (shape == Shape::FixedArray) {
+                return decodePlaces(sink, type, value, length, type.capacity);
+            } else {
+                static_assert(isPrimitive(shape) || shape == Shape::Choice);
+                return sink.fail(ASN1S_NOT_SUPPORTED, {Expectation::Contents, &type});
+            }
+        });
     }
 
-    static int readOwnTag(Sink sink, const TypeDescription& type, ASN1TAG tag, int& length) {
+    static int readOwnTag(Sink sink, const TypeDescription& type, unsigned char identifier,
+                          int& length) {
         sink.atHeader();
-        const int status = xd_match1(sink.ctxt(), identifierOctet(tag), &length);
+        if (rtMatchShort(sink.ctxt(), identifier, &length)) {
+            return ASN1S_SUCCESS;
+        }
+        const int status = xd_match1(sink.ctxt(), identifier, &length);
         return status == ASN1S_SUCCESS
                    ? status
                    : sink.fail(status, {status == ASN1S_TAG_NOT_FOUND ? Expectation::Element
@@ -367,7 +391,8 @@ struct DecodeFlow {
                            int& length, int& outerLength) {
         if (type.outerTag != 0) {
             if (tagging == ASN1TagExplicit) {
-                const int status = readOwnTag(sink, type, type.outerTag, outerLength);
+                const int status =
+                    readOwnTag(sink, type, rtIdentifierOctet(type.outerTag), outerLength);
                 if (status != ASN1S_SUCCESS) {
                     return status;
                 }
@@ -376,7 +401,7 @@ struct DecodeFlow {
         }
         const bool constructed = (type.tag & ASN1TagConstructed) != 0;
         if (tagging == ASN1TagExplicit && (constructed || (type.tag & ClassMask) != 0)) {
-            const int status = readOwnTag(sink, type, type.tag, length);
+            const int status = readOwnTag(sink, type, type.identifier, length);
             if (status != ASN1S_SUCCESS) {
                 return status;
             }
@@ -426,14 +451,36 @@ struct DecodeFlow {
         return status;
     }
 
+    /// One tag and the contents behind it.
+    static int decodeConstructedValue(Sink sink, const TypeDescription& type, Value value,
+                                      ASN1TagType tagging, int length) {
+        if (tagging == ASN1TagExplicit) {
+            const int status = readOwnTag(sink, type, type.identifier, length);
+            if (status != ASN1S_SUCCESS) {
+                return status;
+            }
+        }
+        return decodeContents(sink, type, value, length, tagging == ASN1TagExplicit);
+    }
+
     /// Everything of a value but its open value.
     static int decodeValue(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
                            int length) {
-        // Most values are primitives with no tag but their universal one, which their coder reads.
-        const int status =
-            type.shape < Shape::Sequence && type.outerTag == 0 && (type.tag & ClassMask) == 0
-                ? sink.primitive(type, value, tagging, length)
-                : decodeTagsAndContents(sink, type, value, tagging, length);
+        int status = ASN1S_SUCCESS;
+        switch (type.road) {
+        case Road::Primitive:
+            status = sink.primitive(type, value, tagging, length);
+            break;
+        case Road::Constructed:
+            status = decodeConstructedValue(sink, type, value, tagging, length);
+            break;
+        case Road::Choice:
+            status = decodeChoice(sink, type, value);
+            break;
+        case Road::Tagged:
+            status = decodeTagsAndContents(sink, type, value, tagging, length);
+            break;
+        }
         if (status != ASN1S_SUCCESS) {
             return sink.fail(status, {});
         }
@@ -449,8 +496,8 @@ struct DecodeFlow {
     }
 
     /// A value; the open value of a record is resolved when all else has been read.
-    static int decode(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
-                      int length) {
+    static int decodeWhole(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
+                           int length) {
         if (!sink.takes(type, value)) {
             return sink.fail(ASN1S_INVALID_PARAMETER, {});
         }
@@ -462,6 +509,19 @@ struct DecodeFlow {
             return status != ASN1S_SUCCESS || type.table == nullptr ? status
                                                                     : sink.resolve(type, value);
         }
+    }
+
+    /// A value. Most are primitives, which do without the steps that lead into records.
+    [[gnu::always_inline]] static int decode(Sink sink, const TypeDescription& type, Value value,
+                                             ASN1TagType tagging, int length) {
+        if (type.road != Road::Primitive || !sink.takes(type, value)) {
+            return decodeWhole(sink, type, value, tagging, length);
+        }
+        const int status = sink.primitive(type, value, tagging, length);
+        if (status != ASN1S_SUCCESS) {
+            return sink.fail(status, {});
+        }
+        return sink.withinConstraint(type, value, type.constraint, type.parameter);
     }
 };
 

@@ -1,5 +1,6 @@
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/object.h>
+#include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/runtime/big_integer.h>
 #include <brevantis/asn1/runtime/bit_string.h>
 #include <brevantis/asn1/runtime/character_string.h>
@@ -33,67 +34,70 @@ int encodeTyped(ASN1CTXT* ctxt, const Resolved& resolved) {
     return encodeSlot(ctxt, *resolved.type, *resolved.slot);
 }
 
-/// Contents octets of a primitive type.
-int encodePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
-    switch (type.shape) {
-    case Shape::Boolean:
-        return xe_boolean(ctxt, &at<unsigned char>(value, 0), ASN1TagImplicit);
-    case Shape::Integer:
-        return xe_integer(ctxt, &at<int>(value, 0), ASN1TagImplicit);
-    case Shape::Unsigned:
-        return xe_unsigned(ctxt, &at<unsigned>(value, 0), ASN1TagImplicit);
-    case Shape::Unsigned16:
-        return xe_uint16(ctxt, &at<unsigned short>(value, 0), ASN1TagImplicit);
-    case Shape::Enumerated: {
-        int number = static_cast<int>(at<unsigned>(value, 0));
+/// Writes the contents octets of a primitive.
+struct PrimitiveEncoder {
+    ASN1CTXT* ctxt;
+    const TypeDescription& type;
+
+    int operator()(Is<Shape::Boolean>, unsigned char& value) const {
+        return xe_boolean(ctxt, &value, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::Integer>, int& value) const {
+        return xe_integer(ctxt, &value, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::Unsigned>, unsigned& value) const {
+        return xe_unsigned(ctxt, &value, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::Unsigned16>, unsigned short& value) const {
+        return xe_uint16(ctxt, &value, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::Enumerated>, unsigned& value) const {
+        int number = static_cast<int>(value);
         return xe_enum(ctxt, &number, ASN1TagImplicit);
     }
-    case Shape::BigInteger:
-        return xe_bigint(ctxt, at<const char*>(value, 0), ASN1TagImplicit);
-    case Shape::BigUnsigned:
-        return xe_biguint(ctxt, at<const char*>(value, 0), ASN1TagImplicit);
-    case Shape::Null:
+    int operator()(Is<Shape::BigInteger>, const char* value) const {
+        return xe_bigint(ctxt, value, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::BigUnsigned>, const char* value) const {
+        return xe_biguint(ctxt, value, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::Null>, void* /*value*/) const {
         return xe_null(ctxt, ASN1TagImplicit);
-    case Shape::ObjectIdentifier:
-        return xe_objid(ctxt, &at<ASN1TObjId>(value, 0), ASN1TagImplicit);
-    case Shape::OctetString: {
-        const auto& octets = at<ASN1TDynOctStr>(value, 0);
-        return xe_octstr(ctxt, octets.data, octets.numocts, ASN1TagImplicit);
     }
-    case Shape::FixedOctetString: {
-        const unsigned count = at<unsigned>(value, type.countOffset);
-        if (count > type.capacity) {
-            return ASN1S_STRING_OVERFLOW;
-        }
-        return xe_octstr(ctxt, &at<unsigned char>(value, type.dataOffset), count, ASN1TagImplicit);
+    int operator()(Is<Shape::ObjectIdentifier>, ASN1TObjId& value) const {
+        return xe_objid(ctxt, &value, ASN1TagImplicit);
     }
-    case Shape::BitString: {
-        const auto& bits = at<ASN1TDynBitStr>(value, 0);
-        return xe_bitstr(ctxt, bits.data, bits.numbits, ASN1TagImplicit);
+    int operator()(Is<Shape::OctetString>, const ASN1TDynOctStr& value) const {
+        return xe_octstr(ctxt, value.data, value.numocts, ASN1TagImplicit);
     }
-    case Shape::FixedBitString: {
+    int operator()(Is<Shape::FixedOctetString>, FixedString<unsigned char> value) const {
+        return value.count > value.capacity
+                   ? int{ASN1S_STRING_OVERFLOW}
+                   : xe_octstr(ctxt, value.data, value.count, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::BitString>, const ASN1TDynBitStr& value) const {
+        return xe_bitstr(ctxt, value.data, value.numbits, ASN1TagImplicit);
+    }
+    int operator()(Is<Shape::FixedBitString>, FixedString<unsigned char> value) const {
         // The array holds whole octets, so bits beyond the capacity that share its last octet are
         // kept.
-        const unsigned count = at<unsigned>(value, type.countOffset);
-        if (count > (type.capacity + 7) / 8 * 8) {
-            return ASN1S_STRING_OVERFLOW;
-        }
-        return xe_bitstr(ctxt, &at<unsigned char>(value, type.dataOffset), count, ASN1TagImplicit);
+        return value.count > (value.capacity + 7) / 8 * 8
+                   ? int{ASN1S_STRING_OVERFLOW}
+                   : xe_bitstr(ctxt, value.data, value.count, ASN1TagImplicit);
     }
-    case Shape::Text:
-        return xe_charstr(ctxt, at<const char*>(value, 0), ASN1TagImplicit, type.tag);
-    case Shape::Text16:
-        return xe_16BitCharStr(ctxt, &at<Asn116BitCharString>(value, 0), ASN1TagImplicit, type.tag);
-    case Shape::Text32:
-        return xe_32BitCharStr(ctxt, &at<Asn132BitCharString>(value, 0), ASN1TagImplicit, type.tag);
-    case Shape::OpenType: {
-        const auto& raw = at<ASN1OpenType>(value, 0);
-        return xe_OpenType(ctxt, raw.data, raw.numocts);
+    int operator()(Is<Shape::Text>, const char* value) const {
+        return xe_charstr(ctxt, value, ASN1TagImplicit, type.tag);
     }
-    default:
-        return ASN1S_NOT_SUPPORTED;
+    int operator()(Is<Shape::Text16>, Asn116BitCharString& value) const {
+        return xe_16BitCharStr(ctxt, &value, ASN1TagImplicit, type.tag);
     }
-}
+    int operator()(Is<Shape::Text32>, Asn132BitCharString& value) const {
+        return xe_32BitCharStr(ctxt, &value, ASN1TagImplicit, type.tag);
+    }
+    int operator()(Is<Shape::OpenType>, const ASN1OpenType& value) const {
+        return xe_OpenType(ctxt, value.data, value.numocts);
+    }
+};
 
 /// A bit string that claims bits but has none is treated as absent: nothing is written for it, not
 /// even a tag.
@@ -118,35 +122,29 @@ int encodeElement(ASN1CTXT* ctxt, const ElementDescription& element, void* value
 }
 
 /// X.690, 11.5: an element that has its DEFAULT value is not written.
-bool hasDefaultValue(ASN1CTXT* ctxt, const ElementDescription& element, const void* value) {
-    switch (element.type->shape) {
-    case Shape::Boolean: {
-        // Any non-zero octet is true, but a default of true is met by 1 alone: what was read as
-        // another octet is written again.
-        const long long flag = at<unsigned char>(value, 0);
-        return flag == element.defaultNumber;
+struct DefaultTest {
+    ASN1CTXT* ctxt;
+    const ElementDescription& element;
+
+    template <Shape S, class Value>
+    bool operator()(Is<S>, const Value& value) const {
+        if constexpr (kindOf(S) == ShapeKind::Boolean || kindOf(S) == ShapeKind::Number) {
+            // Any octet but 0 is true, yet a default of true is met by 1 alone: what was read as
+            // another octet is written again.
+            return static_cast<long long>(value) == element.defaultNumber;
+        } else if constexpr (kindOf(S) == ShapeKind::BigNumber) {
+            return value != nullptr && rtBigIntStrCompare(ctxt, value, element.defaultText) == 0;
+        } else {
+            return false;
+        }
     }
-    case Shape::Integer:
-        return at<int>(value, 0) == element.defaultNumber;
-    case Shape::Unsigned:
-    case Shape::Enumerated:
-        return at<unsigned>(value, 0) == element.defaultNumber;
-    case Shape::Unsigned16:
-        return at<unsigned short>(value, 0) == element.defaultNumber;
-    case Shape::BigInteger:
-    case Shape::BigUnsigned: {
-        const char* text = at<const char*>(value, 0);
-        return text != nullptr && rtBigIntStrCompare(ctxt, text, element.defaultText) == 0;
-    }
-    default:
-        return false;
-    }
-}
+};
 
 bool isWritten(ASN1CTXT* ctxt, const TypeDescription& type, const ElementDescription& element,
                const void* record) {
     if (element.presence == Presence::Default) {
-        return !hasDefaultValue(ctxt, element, address(record, element.offset));
+        return !withValue(*element.type, address(record, element.offset),
+                          DefaultTest{ctxt, element});
     }
     return isPresent(type, element, record);
 }
@@ -236,9 +234,8 @@ private:
     int total_ = 0;
 };
 
-int encodeList(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
+int encodeList(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1RTDList& list,
                const TypeDescription* openType) {
-    const auto& list = at<Asn1RTDList>(value, 0);
     MemberEncoder members(ctxt, type, list.count, openType);
     for (const Asn1RTDListNode* node = list.tail; node != nullptr; node = node->prev) {
         // In a long list each node is a wait for memory, which encoding this one can fill.
@@ -268,25 +265,32 @@ int encodeArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     return members.finish();
 }
 
+/// Writes the contents octets of any value.
+struct ContentsEncoder : PrimitiveEncoder {
+    using PrimitiveEncoder::operator();
+
+    int operator()(Is<Shape::Sequence>, void* value) const {
+        return encodeRecord(ctxt, type, value);
+    }
+    int operator()(Is<Shape::Set>, void* value) const { return encodeRecord(ctxt, type, value); }
+    int operator()(Is<Shape::Choice>, void* value) const { return encodeChoice(ctxt, type, value); }
+    int operator()(Is<Shape::List>, const Asn1RTDList& value) const {
+        return encodeList(ctxt, type, value, openType);
+    }
+    int operator()(Is<Shape::Array>, void* value) const { return encodeArray(ctxt, type, value); }
+    int operator()(Is<Shape::FixedArray>, void* value) const {
+        return encodeArray(ctxt, type, value);
+    }
+
+    const TypeDescription* openType; ///< of a list's members that are typed open values
+};
+
 int encodeContents(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
                    const Resolved& resolved) {
     if (resolved.isTyped()) {
         return encodeTyped(ctxt, resolved);
     }
-    switch (type.shape) {
-    case Shape::Sequence:
-    case Shape::Set:
-        return encodeRecord(ctxt, type, value);
-    case Shape::Choice:
-        return encodeChoice(ctxt, type, value);
-    case Shape::List:
-        return encodeList(ctxt, type, value, resolved.type);
-    case Shape::Array:
-    case Shape::FixedArray:
-        return encodeArray(ctxt, type, value);
-    default:
-        return encodePrimitive(ctxt, type, value);
-    }
+    return withValue(type, value, ContentsEncoder{{ctxt, type}, resolved.type});
 }
 
 int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,

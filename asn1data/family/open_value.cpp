@@ -61,17 +61,35 @@ int forEachSlot(Asn1RTDList& list, Operation operation) {
     return ASN1S_SUCCESS;
 }
 
+/// Whether an object has the arcs of an identifier, which differ at the end if anywhere.
+bool hasArcs(const ObjectDescription& object, const ASN1OBJID& id) {
+    if (object.arcCount != id.numids) {
+        return false;
+    }
+    unsigned rest = id.numids;
+    while (rest != 0 && object.arcs[rest - 1] == id.subid[rest - 1]) {
+        --rest;
+    }
+    return rest == 0;
+}
+
 } // namespace
 
 const ObjectDescription* findObject(const ObjectSetDescription& set, const ASN1OBJID& id) noexcept {
-    for (unsigned i = 0; i < set.count; ++i) {
-        const ObjectDescription& object = set.objects[i];
-        // Sets differ in their last arcs above all, so that one is compared first.
-        if (object.arcCount == id.numids && id.numids != 0 &&
-            object.arcs[id.numids - 1] == id.subid[id.numids - 1] &&
-            std::memcmp(object.arcs, id.subid, id.numids * sizeof id.subid[0]) == 0) {
+    if (id.numids == 0 || id.numids > ASN1MaxSubIds) {
+        return nullptr;
+    }
+    const bool indexed = set.index.placeCount != 0;
+    unsigned number = 1;
+    if (indexed) {
+        number = set.index.first[ObjectIndex::place(id.subid, id.numids, set.index.placeCount)];
+    }
+    while (number != 0 && number <= set.count) {
+        const ObjectDescription& object = set.objects[number - 1];
+        if (hasArcs(object, id)) {
             return &object;
         }
+        number = indexed ? set.index.next[number - 1] : number + 1;
     }
     return nullptr;
 }

@@ -2,6 +2,7 @@
 
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/object.h>
+#include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
 #include <brevantis/asn1/runtime/open_type.h>
 
@@ -30,33 +31,6 @@ void freeOctets(ASN1CTXT* ctxt, const unsigned char*& octets) {
         return;
     }
     freeBlock(ctxt, octets);
-}
-
-void releasePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
-    switch (type.shape) {
-    case Shape::OctetString:
-        freeOctets(ctxt, at<ASN1TDynOctStr>(value, 0).data);
-        break;
-    case Shape::BitString:
-        freeOctets(ctxt, at<ASN1TDynBitStr>(value, 0).data);
-        break;
-    case Shape::Text:
-        freeBlock(ctxt, at<const char*>(value, 0));
-        break;
-    case Shape::Text16:
-        freeBlock(ctxt, at<Asn116BitCharString>(value, 0).data);
-        break;
-    case Shape::Text32:
-        freeBlock(ctxt, at<Asn132BitCharString>(value, 0).data);
-        break;
-    case Shape::OpenType:
-        freeOctets(ctxt, at<ASN1OpenType>(value, 0).data);
-        break;
-    default:
-        // Numbers hold nothing, and the text of an INTEGER stays with the heap: it may be a DEFAULT
-        // that never came from there.
-        break;
-    }
 }
 
 void releaseTyped(ASN1CTXT* ctxt, const ObjectDescription* object, Asn1TObject& slot) {
@@ -119,8 +93,7 @@ void releaseChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
     }
 }
 
-void releaseList(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
-    auto& list = at<Asn1RTDList>(value, 0);
+void releaseList(ASN1CTXT* ctxt, const TypeDescription& type, Asn1RTDList& list) {
     if (type.element->holdsMemory) {
         for (Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
             release(ctxt, *type.element, node->data);
@@ -142,6 +115,40 @@ void releaseArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     }
 }
 
+/// Releases any value.
+struct Releaser {
+    ASN1CTXT* ctxt;
+    const TypeDescription& type;
+
+    void operator()(Is<Shape::OctetString>, ASN1TDynOctStr& value) const {
+        freeOctets(ctxt, value.data);
+    }
+    void operator()(Is<Shape::BitString>, ASN1TDynBitStr& value) const {
+        freeOctets(ctxt, value.data);
+    }
+    void operator()(Is<Shape::Text>, const char*& value) const { freeBlock(ctxt, value); }
+    void operator()(Is<Shape::Text16>, Asn116BitCharString& value) const {
+        freeBlock(ctxt, value.data);
+    }
+    void operator()(Is<Shape::Text32>, Asn132BitCharString& value) const {
+        freeBlock(ctxt, value.data);
+    }
+    void operator()(Is<Shape::OpenType>, ASN1OpenType& value) const {
+        freeOctets(ctxt, value.data);
+    }
+    void operator()(Is<Shape::Sequence>, void* value) const { releaseRecord(ctxt, type, value); }
+    void operator()(Is<Shape::Set>, void* value) const { releaseRecord(ctxt, type, value); }
+    void operator()(Is<Shape::Choice>, void* value) const { releaseChoice(ctxt, type, value); }
+    void operator()(Is<Shape::List>, Asn1RTDList& value) const { releaseList(ctxt, type, value); }
+    void operator()(Is<Shape::Array>, void* value) const { releaseArray(ctxt, type, value); }
+    void operator()(Is<Shape::FixedArray>, void* value) const { releaseArray(ctxt, type, value); }
+    /// Numbers hold nothing, and the text of an INTEGER stays with the heap: it may be a DEFAULT
+    /// that never came from there.
+    template <Shape S, class Value,
+              class = std::enable_if_t<isPrimitive(S) && !traitsOf(S).holdsMemory>>
+    void operator()(Is<S>, Value&& /*value*/) const {}
+};
+
 } // namespace
 
 void release(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
@@ -152,25 +159,7 @@ void release(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     if (nesting.tooDeep()) {
         return;
     }
-    switch (type.shape) {
-    case Shape::Sequence:
-    case Shape::Set:
-        releaseRecord(ctxt, type, value);
-        break;
-    case Shape::Choice:
-        releaseChoice(ctxt, type, value);
-        break;
-    case Shape::List:
-        releaseList(ctxt, type, value);
-        break;
-    case Shape::Array:
-    case Shape::FixedArray:
-        releaseArray(ctxt, type, value);
-        break;
-    default:
-        releasePrimitive(ctxt, type, value);
-        break;
-    }
+    withValue(type, value, Releaser{ctxt, type});
 }
 
 } // namespace asn1data::family

@@ -5,6 +5,7 @@
 
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/list.h>
 
 // How the engine reaches the members of a record that it knows by description alone, and the few
@@ -52,18 +53,7 @@ inline bool isPresent(const TypeDescription& type, const ElementDescription& ele
 /// Whether a type is a string. The string coders step over the end-of-contents of an indefinite
 /// form by themselves, also when its tag was read by the caller.
 inline bool isString(const TypeDescription& type) {
-    switch (type.shape) {
-    case Shape::OctetString:
-    case Shape::FixedOctetString:
-    case Shape::BitString:
-    case Shape::FixedBitString:
-    case Shape::Text:
-    case Shape::Text16:
-    case Shape::Text32:
-        return true;
-    default:
-        return false;
-    }
+    return asn1data::isString(type.shape);
 }
 
 /// What is left of a type's own tag inside an element's: all of it under an EXPLICIT one.
@@ -147,11 +137,6 @@ inline int checkConstraint(ASN1CTXT* ctxt, const TypeDescription& type, const vo
                            const Constraint& constraint, const char* parameter) {
     return constraint.count == 0 ? ASN1S_SUCCESS
                                  : checkRanges(ctxt, type, value, constraint, parameter);
-}
-
-/// The single identifier octet of a tag whose number is at most 30.
-constexpr unsigned char identifierOctet(ASN1TAG tag) {
-    return static_cast<unsigned char>((tag >> 24 & 0xE0u) | (tag & 0x1Fu));
 }
 
 /// The form bit of an identifier octet does not count where a tag is matched.

@@ -4,6 +4,7 @@
 
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime/element_walk.h>
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/measure.h>
 
 #include "walker.h"
@@ -11,14 +12,6 @@
 namespace asn1data {
 
 namespace {
-
-/// A context to read with, and nothing else: it has no heap and records nothing that counts.
-ASN1CTXT readerOf(const unsigned char* data, unsigned size) {
-    ASN1CTXT reader{};
-    reader.buffer.data = const_cast<unsigned char*>(data); // a reading context does not write
-    reader.buffer.size = size;
-    return reader;
-}
 
 /// Room that the pieces of a string are copied to.
 struct Room {
@@ -76,7 +69,8 @@ WalkResult walk(const TypeDescription& type, const unsigned char* message, std::
 }
 
 unsigned elementSize(const WalkElement& element, const unsigned char* end) noexcept {
-    ASN1CTXT reader = readerOf(element.data, static_cast<unsigned>(end - element.data));
+    ASN1CTXT reader;
+    rtInitReader(&reader, element.data, static_cast<unsigned>(end - element.data));
     return xd_NextElement(&reader) == ASN1S_SUCCESS ? reader.buffer.byteIndex : 0;
 }
 
@@ -91,7 +85,8 @@ std::size_t copyOctets(const WalkElement& element, unsigned char* target,
         return 0;
     }
     // What the walk has read ends where its lengths say, so no other end is needed.
-    ASN1CTXT reader = readerOf(element.data + element.headerLength, INT_MAX);
+    ASN1CTXT reader;
+    rtInitReader(&reader, element.data + element.headerLength, INT_MAX);
     rtCtxtSetFlag(&reader, ASN1F_CONSTRUCTED);
     const ASN1OctetSink sink{&Room::take, &room};
     ASN1Extent extent{};

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/status.h>
 
 // Paths and failures as text.
@@ -117,7 +118,7 @@ void putType(BoundedText& out, const TypeDescription& type) {
         out << " " << universal;
     }
     out << " (";
-    out.octet((tag >> 24 & 0xE0u) | (tag & 0x1Fu)) << ")";
+    out.octet(rtIdentifierOctet(tag)) << ")";
 }
 
 void putElement(BoundedText& out, const ElementDescription& element) {
@@ -142,7 +143,9 @@ void putAlternatives(BoundedText& out, const WalkFailure& failure) {
 }
 
 bool isNumber(const TypeDescription* type) {
-    return type != nullptr && type->shape <= Shape::BigUnsigned;
+    return type != nullptr &&
+           (kindOf(type->shape) == ShapeKind::Boolean || kindOf(type->shape) == ShapeKind::Number ||
+            kindOf(type->shape) == ShapeKind::BigNumber);
 }
 
 void putBound(BoundedText& out, long long bound) {
@@ -260,7 +263,7 @@ void putFound(BoundedText& out, const WalkFailure& failure) {
             out << " (" << name << ")";
         } else if (octet >= 0x40) {
             out << " (";
-            putTag(out, (octet & 0xC0u) << 24 | (octet & 0x1Fu));
+            putTag(out, rtTagOfOctet(static_cast<unsigned char>(octet)) & ~ASN1TagConstructed);
             out << ")";
         }
         break;

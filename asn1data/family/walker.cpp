@@ -14,10 +14,6 @@ namespace asn1data::family {
 
 namespace {
 
-/// What rtInitContext leaves in a context that is set up. A walk needs no heap until a string has
-/// to be put together, and the heap functions make one then.
-enum : unsigned { InitialisedCode = 0x1AA2A34Au };
-
 /// Counts the characters of a text that a constraint is about: those in front of a zero octet.
 struct TextCount {
     ASN1UTF8Count count{};
@@ -39,29 +35,6 @@ bool isString(const TypeDescription* type) {
     return type != nullptr && family::isString(*type);
 }
 
-/// A header that has been read.
-struct Header {
-    ASN1TAG tag = 0;
-    unsigned size = 0;
-    bool indefinite = false;
-};
-
-Header headerAt(const unsigned char* start, const unsigned char* end) {
-    if (end - start >= 2 && (start[0] & 0x1Fu) != 0x1F && start[1] < 0x80) {
-        return {(start[0] & 0xE0u) << 24 | (start[0] & 0x1Fu), 2, false};
-    }
-    ASN1CTXT reader{};
-    reader.buffer.data = const_cast<unsigned char*>(start); // a reading context only reads
-    reader.buffer.size = static_cast<unsigned>(end - start);
-    Header header;
-    int length = 0;
-    xd_tag(&reader, &header.tag);
-    xd_len(&reader, &length);
-    header.size = reader.buffer.byteIndex;
-    header.indefinite = length == ASN1IndefiniteLength;
-    return header;
-}
-
 } // namespace
 
 Walker::Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor,
@@ -69,12 +42,9 @@ Walker::Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor
     : base(message), visitor_(visitor), failure_(failure) {
     static const unsigned char nothing = 0;
     base = message != nullptr ? message : &nothing;
-    ctxt.initCode = InitialisedCode;
+    rtInitReader(&ctxt, base, size);
     ctxt.flags = ASN1F_NO_COPY;
-    if (size == 0) {
-        // Without octets there is no size to state, so the message is bound as it is.
-        ctxt.buffer.data = const_cast<unsigned char*>(base); // a reading context only reads
-    } else {
+    if (size != 0) { // without octets there is no size to state
         // A message that cannot be bound is met by the decoder itself, with the status that fits.
         xd_setp(&ctxt, base, static_cast<int>(size), nullptr, nullptr);
     }
@@ -94,11 +64,14 @@ int Walker::run(const TypeDescription& type) {
 
 WalkElement Walker::report(const TypeDescription* type, const unsigned char* contents,
                            int contentLength) const {
-    const Header header = headerAt(valueStart, ctxt.buffer.data + ctxt.buffer.size);
+    ASN1Header header{};
+    rtReadHeader(valueStart,
+                 static_cast<unsigned>(ctxt.buffer.data + ctxt.buffer.size - valueStart), &header);
+    const bool indefinite = header.length == ASN1IndefiniteLength;
     if (contents == nullptr) {
         contents = valueStart + header.size;
         contentLength =
-            header.indefinite ? int{ASN1IndefiniteLength} : static_cast<int>(octets() - contents);
+            indefinite ? int{ASN1IndefiniteLength} : static_cast<int>(octets() - contents);
     }
     WalkElement element;
     element.step = here.step;
@@ -148,91 +121,104 @@ int Walker::readRaw(WalkValue& value) {
     return xd_OpenType(&ctxt, &value.octets, &value.octetCount);
 }
 
-int Walker::readPrimitive(const TypeDescription& type, ASN1TagType tagging, int length,
-                          WalkValue& value) {
-    ASN1Extent extent{};
-    int status = ASN1S_SUCCESS;
-    switch (type.shape) {
-    case Shape::Boolean: {
-        unsigned char truth = 0;
-        status = xd_boolean(&ctxt, &truth, tagging, length);
-        number = truth;
-        break;
+/// Reads the value of a primitive without keeping it. What its constraint is about goes to
+/// Walker::number.
+struct Walker::PrimitiveReader {
+    Walker& walker;
+    const TypeDescription& type;
+    ASN1TagType tagging;
+    int length;
+    WalkValue& value;
+
+    int operator()(Is<Shape::Boolean>) const { return number<unsigned char>(xd_boolean); }
+    int operator()(Is<Shape::Integer>) const { return number<int>(xd_integer); }
+    int operator()(Is<Shape::Unsigned>) const { return number<unsigned>(xd_unsigned); }
+    int operator()(Is<Shape::Unsigned16>) const { return number<unsigned short>(xd_uint16); }
+    int operator()(Is<Shape::Enumerated>) const {
+        const int status = number<int>(xd_enum);
+        value.number = walker.number = static_cast<unsigned>(value.number);
+        return status;
     }
-    case Shape::Integer: {
-        int integer = 0;
-        status = xd_integer(&ctxt, &integer, tagging, length);
-        number = integer;
-        break;
+    int operator()(Is<Shape::BigInteger>) const {
+        ASN1Extent extent{};
+        const int status = xd_measureBigInt(&walker.ctxt, &extent, tagging, length);
+        return octets(extent, status);
     }
-    case Shape::Unsigned: {
-        unsigned integer = 0;
-        status = xd_unsigned(&ctxt, &integer, tagging, length);
-        number = integer;
-        break;
+    int operator()(Is<Shape::BigUnsigned>) const { return (*this)(Is<Shape::BigInteger>()); }
+    int operator()(Is<Shape::Null>) const { return xd_null(&walker.ctxt, tagging); }
+    int operator()(Is<Shape::ObjectIdentifier>) const {
+        value.identifier = &walker.identifier_;
+        return xd_objid(&walker.ctxt, &walker.identifier_, tagging, length);
     }
-    case Shape::Unsigned16: {
-        unsigned short integer = 0;
-        status = xd_uint16(&ctxt, &integer, tagging, length);
-        number = integer;
-        break;
+    int operator()(Is<Shape::OctetString>) const {
+        ASN1Extent extent{};
+        const int status = xd_measureOctets(&walker.ctxt, &extent, nullptr, tagging, length);
+        return counted(extent, status);
     }
-    case Shape::Enumerated: {
-        int integer = 0;
-        status = xd_enum(&ctxt, &integer, tagging, length);
-        number = static_cast<unsigned>(integer);
-        break;
+    int operator()(Is<Shape::FixedOctetString>) const {
+        ASN1Extent extent{};
+        const int status =
+            xd_measureFixedOctets(&walker.ctxt, &extent, type.capacity, tagging, length);
+        return counted(extent, status);
     }
-    case Shape::Null:
-        return xd_null(&ctxt, tagging);
-    case Shape::ObjectIdentifier:
-        value.identifier = &identifier_;
-        return xd_objid(&ctxt, &identifier_, tagging, length);
-    case Shape::OpenType:
-        return readRaw(value);
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-        status = xd_measureBigInt(&ctxt, &extent, tagging, length);
-        break;
-    case Shape::OctetString:
-        status = xd_measureOctets(&ctxt, &extent, nullptr, tagging, length);
-        number = extent.count;
-        break;
-    case Shape::FixedOctetString:
-        status = xd_measureFixedOctets(&ctxt, &extent, type.capacity, tagging, length);
-        number = extent.count;
-        break;
-    case Shape::BitString:
-    case Shape::FixedBitString:
-        status = type.shape == Shape::BitString
-                     ? xd_measureBits(&ctxt, &extent, tagging, length)
-                     : xd_measureFixedBits(&ctxt, &extent, type.capacity, tagging, length);
-        number = value.bitCount = extent.count;
-        extent.count = extent.count / 8 + (extent.count % 8 != 0 ? 1 : 0);
-        break;
-    case Shape::Text: {
+    int operator()(Is<Shape::BitString>) const {
+        ASN1Extent extent{};
+        const int status = xd_measureBits(&walker.ctxt, &extent, tagging, length);
+        return bits(extent, status);
+    }
+    int operator()(Is<Shape::FixedBitString>) const {
+        ASN1Extent extent{};
+        const int status =
+            xd_measureFixedBits(&walker.ctxt, &extent, type.capacity, tagging, length);
+        return bits(extent, status);
+    }
+    int operator()(Is<Shape::Text>) const {
         TextCount text{{}, type.tag == Utf8StringTag};
         const ASN1OctetSink sink{&TextCount::take, &text};
-        status = xd_measureText(&ctxt, &extent, &sink, tagging, type.tag, length);
-        number = static_cast<unsigned>(text.count.characters);
-        break;
+        ASN1Extent extent{};
+        const int status = xd_measureText(&walker.ctxt, &extent, &sink, tagging, type.tag, length);
+        walker.number = static_cast<unsigned>(text.count.characters);
+        return octets(extent, status);
     }
-    case Shape::Text16:
-    case Shape::Text32: {
-        const unsigned width = type.shape == Shape::Text16 ? 2 : 4;
-        status = xd_measureWideText(&ctxt, &extent, width, tagging, type.tag, length);
-        number = extent.count;
+    int operator()(Is<Shape::Text16>) const { return wideText(2); }
+    int operator()(Is<Shape::Text32>) const { return wideText(4); }
+    int operator()(Is<Shape::OpenType>) const { return walker.readRaw(value); }
+    template <Shape S, class = std::enable_if_t<!isPrimitive(S)>>
+    int operator()(Is<S>) const {
+        return ASN1S_NOT_SUPPORTED; // no coder reads these as a whole
+    }
+
+private:
+    template <class Number, class Coder>
+    int number(Coder coder) const {
+        Number read = 0;
+        const int status = coder(&walker.ctxt, &read, tagging, length);
+        value.number = walker.number = read;
+        return status;
+    }
+    int octets(const ASN1Extent& extent, int status) const {
+        value.octets = extent.count != 0 ? extent.data : nullptr;
+        value.octetCount = extent.count;
+        return status;
+    }
+    int counted(const ASN1Extent& extent, int status) const {
+        walker.number = extent.count;
+        return octets(extent, status);
+    }
+    int bits(ASN1Extent extent, int status) const {
+        walker.number = value.bitCount = extent.count;
+        extent.count = extent.count / 8 + (extent.count % 8 != 0 ? 1 : 0);
+        return octets(extent, status);
+    }
+    int wideText(unsigned width) const {
+        ASN1Extent extent{};
+        const int status =
+            xd_measureWideText(&walker.ctxt, &extent, width, tagging, type.tag, length);
+        walker.number = extent.count;
         extent.count *= width;
-        break;
+        return octets(extent, status);
     }
-    default:
-        return ASN1S_NOT_SUPPORTED;
-    }
-    value.number = type.shape <= Shape::Enumerated ? number : 0;
-    value.octets = extent.count != 0 ? extent.data : nullptr;
-    value.octetCount = extent.count;
-    return status;
-}
+};
 
 int Walker::primitive(const TypeDescription* type, ASN1TagType tagging, int length) {
     if (tagging == ASN1TagExplicit) {
@@ -242,7 +228,9 @@ int Walker::primitive(const TypeDescription* type, ASN1TagType tagging, int leng
     number = 0;
     WalkValue value{};
     const int status =
-        type != nullptr ? readPrimitive(*type, tagging, length, value) : readRaw(value);
+        type != nullptr
+            ? withShape(type->shape, PrimitiveReader{*this, *type, tagging, length, value})
+            : readRaw(value);
     if (status != ASN1S_SUCCESS) {
         return fail(
             status,
@@ -412,10 +400,9 @@ void Walker::findFound(int status, const Expected& expected) {
         if (expected.expectation == Expectation::EndOfContents) {
             identifierAt(octets());
         } else if (valueStart < end) {
-            ASN1CTXT reader{};
-            reader.buffer.data = const_cast<unsigned char*>(valueStart); // only read
-            reader.buffer.size = static_cast<unsigned>(end - valueStart);
-            reader.flags = ASN1F_LENGTH_UNCHECKED;
+            ASN1CTXT reader;
+            rtInitReader(&reader, valueStart, static_cast<unsigned>(end - valueStart));
+            rtCtxtSetFlag(&reader, ASN1F_LENGTH_UNCHECKED);
             ASN1TAG tag = 0;
             int length = 0;
             const bool known =

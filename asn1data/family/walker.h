@@ -78,8 +78,8 @@ public:
     unsigned candidateCount = 0;
 
 private:
-    int readPrimitive(const TypeDescription& type, ASN1TagType tagging, int length,
-                      WalkValue& value);
+    struct PrimitiveReader;
+
     int readRaw(WalkValue& value);
     int resolveOctets(const TypeDescription& type, const WalkElement& element,
                       const ASN1SavedState& start, ASN1TagType tagging, int length);

@@ -12,10 +12,6 @@ unsigned tagValue(const TagNode& tag) {
     return (static_cast<unsigned>(tag.tagClass) << 30) | tag.number;
 }
 
-unsigned char identifierOctet(unsigned tag) {
-    return static_cast<unsigned char>((tag >> 24 & 0xE0u) | (tag & 0x1Fu));
-}
-
 Octets bothForms(unsigned tag) {
     Octets octets;
     octets.set(identifierOctet(tag & ~Constructed));

@@ -279,6 +279,8 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
                      std::to_string(object->arcs.size()) + ", " + type + "},");
         }
         out.line("};");
+        out.line("constexpr " + data + "ObjectChains " + set.name + "_chains(" + set.name +
+                 "_objects);");
         out.line("}");
     }
     out.line();
@@ -288,6 +290,7 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
     out.line("    /*objectClass=*/\"" + className + "\",");
     out.line("    /*objects=*/" + (set.objects.empty() ? "nullptr" : set.name + "_objects") + ",");
     out.line("    /*count=*/" + count + ",");
+    out.line("    /*index=*/" + (set.objects.empty() ? "{}" : set.name + "_chains.index()") + ",");
     out.line("};");
     out.line("}");
     out.line();

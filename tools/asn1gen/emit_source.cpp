@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <set>
 
 #include "emitter.h"
@@ -39,6 +40,14 @@ std::string rangeName(const std::vector<Range>& ranges) {
 
 std::string constraintText(const std::vector<Range>& ranges, const std::string& engine) {
     return ranges.empty() ? engine + "unconstrained" : engine + "within(" + rangeName(ranges) + ")";
+}
+
+// The tag that stands for an alternative of a CHOICE, 0 where only its first octet tells.
+unsigned matchTag(const Element& element) {
+    if (element.tagging != Tagging::Untagged) {
+        return element.tag;
+    }
+    return element.type->outerTag != 0 ? 0 : element.type->tag;
 }
 
 std::string truth(bool value) {
@@ -294,9 +303,12 @@ void Emitter::elementTable(Writer& out, const Type& type) {
                  data + "Presence::" + presences[static_cast<int>(element.presence)],
                  std::to_string(element.presenceBit),
                  truth(choice && !null && isIndirect(*element.type)),
+                 std::to_string(
+                     element.tagging == Tagging::Untagged ? 0 : identifierOctet(element.tag)),
                  constraintText(element.constraint, data), "\"" + element.parameter + "\"",
                  std::to_string(element.defaultNumber),
-                 element.defaultText ? "\"" + *element.defaultText + "\"" : "nullptr"});
+                 element.defaultText ? "\"" + *element.defaultText + "\"" : "nullptr",
+                 tagText(matchTag(element))});
     }
     out.line("};");
 }
@@ -415,6 +427,14 @@ void Emitter::description(Writer& out, const Type& type) {
     row("table", target.table ? "&" + target.name + "_table" : "nullptr");
     row("names", target.names.empty() ? "nullptr" : target.name + "_names");
     row("nameCount", std::to_string(target.names.size()));
+    row("road", data + "roadOf(" + data + "Shape::" + traitsOf(type.shape).name + ", " +
+                    tagText(type.tag) + ", " + tagText(type.outerTag) + ", " +
+                    truth(type.closesRecursion) + ")");
+    row("identifier", std::to_string(identifierOctet(type.tag)));
+    row("hasDefaults", truth(std::any_of(target.elements.begin(), target.elements.end(),
+                                         [](const Element& element) {
+                                             return element.presence == Presence::Default;
+                                         })));
     out.line("};");
 }
 

@@ -33,6 +33,12 @@ enum class Presence { Mandatory, Optional, Default };
 
 enum : unsigned { Constructed = 0x20000000u };
 
+/// First identifier octet of a tag.
+constexpr unsigned char identifierOctet(unsigned tag) {
+    const unsigned number = tag & 0x1FFFFFFFu;
+    return static_cast<unsigned char>((tag >> 24 & 0xE0u) | (number < 31 ? number : 31));
+}
+
 struct Range {
     long long lower;
     long long upper;

@@ -65,6 +65,14 @@ struct IdentifierSet {
 
 struct TypeDescription;
 
+/// What stands in front of the contents of a value, as the engine goes by it.
+enum class Road : unsigned char {
+    Primitive,   ///< a universal tag, which the coder of the type reads and writes
+    Constructed, ///< one tag, and elements behind it
+    Choice,      ///< the tag of an alternative
+    Tagged       ///< further tags of the type's own, or a limit on nesting
+};
+
 /// An element of a SEQUENCE or SET, or an alternative of a CHOICE.
 struct ElementDescription {
     const char* name; ///< name of the member of the record, or of the member of the union `u`
@@ -75,10 +83,29 @@ struct ElementDescription {
     Presence presence;
     unsigned char presenceBit; ///< number of the bit in `m` when `presence` is Optional
     bool indirect;             ///< CHOICE: the union holds a pointer to a record on the heap
-    Constraint constraint;     ///< beyond the type's own
-    const char* parameter;     ///< what a broken `constraint` names, as "pvalue->millis"
-    long long defaultNumber;   ///< DEFAULT of a number or BOOLEAN
-    const char* defaultText;   ///< DEFAULT of an INTEGER in text form, null otherwise
+    /// First identifier octet of `tag`; 0 without one.
+    unsigned char identifier;
+    Constraint constraint;   ///< beyond the type's own
+    const char* parameter;   ///< what a broken `constraint` names, as "pvalue->millis"
+    long long defaultNumber; ///< DEFAULT of a number or BOOLEAN
+    const char* defaultText; ///< DEFAULT of an INTEGER in text form, null otherwise
+    /// CHOICE: the tag that stands for the alternative. 0 where only the first octet tells: the
+    /// alternative is itself a CHOICE, an open type, or of a type with an EXPLICIT tag of its own.
+    ASN1TAG matchTag;
+};
+
+/// Where an identifier can be in a set: a chain of objects for each remainder of a hash, in table
+/// order.
+struct ObjectIndex {
+    const unsigned* first; ///< number of the first object of a chain, counted from 1; 0 for none
+    const unsigned* next;  ///< for each object the next one of its chain in the same way
+    unsigned placeCount;   ///< chains, a power of two
+
+    /// The chain of an identifier. Sets differ in their last arcs above all.
+    /// @param arcCount at least 1
+    static constexpr unsigned place(const unsigned* arcs, unsigned arcCount, unsigned placeCount) {
+        return (arcs[arcCount - 1] + arcCount * 21U) & (placeCount - 1);
+    }
 };
 
 /// A pair of an identifier and the type that goes with it.
@@ -95,6 +122,7 @@ struct ObjectSetDescription {
     const char* objectClass;
     const ObjectDescription* objects; ///< in table order; the first match wins
     unsigned count;
+    ObjectIndex index; ///< without places the objects are looked through one by one
 };
 
 /// What a table constraint resolves.
@@ -145,6 +173,9 @@ struct TypeDescription {
     const TableConstraint* table;   ///< null unless an object set resolves an open value in it
     const NamedNumber* names;       ///< numbers and bits with a name, in the notation's order
     unsigned nameCount;
+    Road road;
+    unsigned char identifier; ///< first identifier octet of `tag`
+    bool hasDefaults;         ///< an element has a DEFAULT
 };
 
 /// Descriptions of the types that the notation itself brings along, as builtin_types.inc lists

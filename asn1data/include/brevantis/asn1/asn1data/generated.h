@@ -35,6 +35,52 @@ constexpr Constraint within(const ValueRange (&ranges)[Count]) {
     return {ranges, Count};
 }
 
+/// The road to the contents of a type.
+constexpr Road roadOf(Shape shape, ASN1TAG tag, ASN1TAG outerTag, bool closesRecursion) {
+    const bool universal = tag >> 30 == 0;
+    return outerTag != 0 || closesRecursion || (isPrimitive(shape) && !universal) ? Road::Tagged
+           : shape == Shape::Choice                                               ? Road::Choice
+           : isPrimitive(shape)                                                   ? Road::Primitive
+                                : Road::Constructed;
+}
+
+/// Chains the objects of a set. Works at compile time and, for sets made later, at run time.
+/// @param first receives @p placeCount numbers, which are 0 before
+/// @param next receives a number an object
+/// @param placeCount a power of two
+constexpr ObjectIndex chainObjects(const ObjectDescription* objects, unsigned count,
+                                   unsigned* first, unsigned* next, unsigned placeCount) {
+    for (unsigned i = count; i-- > 0;) {
+        next[i] = 0;
+        if (objects[i].arcCount != 0) { // no identifier has none
+            const unsigned place =
+                ObjectIndex::place(objects[i].arcs, objects[i].arcCount, placeCount);
+            next[i] = first[place];
+            first[place] = i + 1;
+        }
+    }
+    return {first, next, placeCount};
+}
+
+/// The chains of a set of `Count` objects.
+template <unsigned Count>
+struct ObjectChains {
+    static constexpr unsigned placeCount() {
+        unsigned count = 4;
+        while (count < 2 * Count) {
+            count *= 2;
+        }
+        return count;
+    }
+    unsigned first[placeCount()] = {};
+    unsigned next[Count] = {};
+
+    constexpr explicit ObjectChains(const ObjectDescription (&objects)[Count]) {
+        chainObjects(objects, Count, first, next, placeCount());
+    }
+    constexpr ObjectIndex index() const { return {first, next, placeCount()}; }
+};
+
 namespace family {
 
 /// Copies the value of a control object on to its context's heap, for another object to serve.

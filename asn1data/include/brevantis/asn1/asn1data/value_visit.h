@@ -157,31 +157,45 @@ decltype(auto) withShape(Shape shape, Operation&& operation) {
     __builtin_unreachable();
 }
 
+/// A value as its shape holds it: a reference, const where @p value is; FixedString by value for a
+/// string in the record; @p value itself for SEQUENCE, SET, CHOICE, arrays and NULL.
+/// @param type describes @p value, and has the shape S
+template <Shape S, class Pointer>
+decltype(auto) storedValue(const TypeDescription& type, Pointer* value) {
+    constexpr bool reads = std::is_const_v<Pointer>;
+    using Plain = typename Stored<S>::Type;
+    if constexpr (isFixed(S) && isString(S)) {
+        using Octet = std::conditional_t<reads, const unsigned char, unsigned char>;
+        using Count = typename FixedString<Octet>::Count;
+        auto* const octets = static_cast<Octet*>(value);
+        Pointer* const count = octets + type.countOffset;
+        return FixedString<Octet>{*static_cast<Count*>(count), octets + type.dataOffset,
+                                  type.capacity};
+    } else if constexpr (std::is_void_v<Plain>) {
+        return value;
+    } else {
+        return *static_cast<std::conditional_t<reads, const Plain, Plain>*>(value);
+    }
+}
+
 /// Calls an operation with the shape and the value of a type: `operation(Is<Shape::Boolean>(), b)`
-/// with an `unsigned char& b`, and so on. A fixed string goes as FixedString, by value; SEQUENCE,
-/// SET, CHOICE, arrays and NULL as a pointer to the record.
+/// with an `unsigned char& b`, and so on, as storedValue tells.
 /// @param type describes @p value
-/// @param value as the engine's functions take it; const where the operation only reads
+/// @param value `void*`, or `const void*` where the operation only reads
 template <class Pointer, class Operation>
 decltype(auto) withValue(const TypeDescription& type, Pointer* value, Operation&& operation) {
-    constexpr bool reads = std::is_const_v<Pointer>;
-    using Octet = std::conditional_t<reads, const unsigned char, unsigned char>;
+    return withShape(type.shape, [&](auto is) -> decltype(auto) {
+        return operation(is, storedValue<decltype(is)::value>(type, value));
+    });
+}
+
+/// The same with two values of one type, the first of which is only read.
+template <class Operation>
+decltype(auto) withValues(const TypeDescription& type, const void* source, void* target,
+                          Operation&& operation) {
     return withShape(type.shape, [&](auto is) -> decltype(auto) {
         constexpr Shape shape = decltype(is)::value;
-        using Plain = typename Stored<shape>::Type;
-        if constexpr (shape == Shape::FixedOctetString || shape == Shape::FixedBitString) {
-            auto* const octets = static_cast<Octet*>(static_cast<Pointer*>(value));
-            using Count = typename FixedString<Octet>::Count;
-            auto* const count =
-                static_cast<Count*>(static_cast<Pointer*>(octets + type.countOffset));
-            return operation(is,
-                             FixedString<Octet>{*count, octets + type.dataOffset, type.capacity});
-        } else if constexpr (std::is_void_v<Plain>) {
-            return operation(is, value);
-        } else {
-            return operation(is,
-                             *static_cast<std::conditional_t<reads, const Plain, Plain>*>(value));
-        }
+        return operation(is, storedValue<shape>(type, source), storedValue<shape>(type, target));
     });
 }
 
