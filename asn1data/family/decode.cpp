@@ -163,9 +163,6 @@ public:
     void atElement() const {}
     void atHeader() const {}
 
-    bool takes(const TypeDescription& type, const void* value) const {
-        return value != nullptr || type.shape == Shape::Null;
-    }
     void* member(void* record, const ElementDescription& element) const {
         return address(record, element.offset);
     }
@@ -299,6 +296,9 @@ private:
 
 int decode(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
            int length) {
+    if (value == nullptr && type.shape != Shape::Null) {
+        return fail(ctxt, ASN1S_INVALID_PARAMETER);
+    }
     return DecodeFlow<Storing>::decode(Storing(ctxt), type, value, tagging, length);
 }
 

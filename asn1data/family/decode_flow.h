@@ -498,9 +498,6 @@ struct DecodeFlow {
     /// A value; the open value of a record is resolved when all else has been read.
     static int decodeWhole(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
                            int length) {
-        if (!sink.takes(type, value)) {
-            return sink.fail(ASN1S_INVALID_PARAMETER, {});
-        }
         if constexpr (Sink::watchesOpenValues) {
             return type.table == nullptr ? decodeValue(sink, type, value, tagging, length)
                                          : decodeWatched(sink, type, value, tagging, length);
@@ -514,7 +511,7 @@ struct DecodeFlow {
     /// A value. Most are primitives, which do without the steps that lead into records.
     [[gnu::always_inline]] static int decode(Sink sink, const TypeDescription& type, Value value,
                                              ASN1TagType tagging, int length) {
-        if (type.road != Road::Primitive || !sink.takes(type, value)) {
+        if (type.road != Road::Primitive) {
             return decodeWhole(sink, type, value, tagging, length);
         }
         const int status = sink.primitive(type, value, tagging, length);

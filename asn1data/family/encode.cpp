@@ -97,6 +97,36 @@ struct PrimitiveEncoder {
     int operator()(Is<Shape::OpenType>, const ASN1OpenType& value) const {
         return xe_OpenType(ctxt, value.data, value.numocts);
     }
+    template <Shape S, class Value, class = std::enable_if_t<!isPrimitive(S)>>
+    int operator()(Is<S>, Value&& /*value*/) const {
+        return ASN1S_NOT_SUPPORTED; // no coder writes these as a whole
+    }
+};
+
+int encodeRecord(ASN1CTXT* ctxt, const TypeDescription& type, void* record);
+int encodeChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record);
+int encodeList(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1RTDList& list,
+               const TypeDescription* openType);
+int encodeArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value);
+
+/// Writes the contents octets of any value.
+struct ContentsEncoder : PrimitiveEncoder {
+    using PrimitiveEncoder::operator();
+
+    int operator()(Is<Shape::Sequence>, void* value) const {
+        return encodeRecord(ctxt, type, value);
+    }
+    int operator()(Is<Shape::Set>, void* value) const { return encodeRecord(ctxt, type, value); }
+    int operator()(Is<Shape::Choice>, void* value) const { return encodeChoice(ctxt, type, value); }
+    int operator()(Is<Shape::List>, Asn1RTDList& value) const {
+        return encodeList(ctxt, type, value, openType);
+    }
+    int operator()(Is<Shape::Array>, void* value) const { return encodeArray(ctxt, type, value); }
+    int operator()(Is<Shape::FixedArray>, void* value) const {
+        return encodeArray(ctxt, type, value);
+    }
+
+    const TypeDescription* openType; ///< of a list's members that are typed open values
 };
 
 /// A bit string that claims bits but has none is treated as absent: nothing is written for it, not
@@ -106,19 +136,49 @@ bool isAbsentBitString(const TypeDescription& type, const void* value) {
            at<ASN1TDynBitStr>(value, 0).numbits != 0;
 }
 
+/// Puts a tag and a length in front of contents that have been written.
+/// @param count octets of contents, or a negative status, which is handed on
+int putHeader(ASN1CTXT* ctxt, ASN1TAG tag, unsigned char identifier, int count) {
+    return rtPutShortHeader(ctxt, identifier, count) ? count + 2 : xe_tag_len(ctxt, tag, count);
+}
+
+/// A primitive with nothing but its universal tag.
+int encodePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging) {
+    const int status = checkConstraint(ctxt, type, value, type.constraint, type.parameter);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    if (isAbsentBitString(type, value)) {
+        return 0;
+    }
+    int count = withValue(type, value, PrimitiveEncoder{ctxt, type});
+    if (count >= 0 && tagging == ASN1TagExplicit && type.tag != 0) {
+        count = putHeader(ctxt, type.tag, type.identifier, count);
+    }
+    return count < 0 ? fail(ctxt, count) : count;
+}
+
+/// A value without a typed form of its own. Most are primitives, which do without further steps.
+[[gnu::always_inline]] inline int encodeValue(ASN1CTXT* ctxt, const TypeDescription& type,
+                                              void* value, ASN1TagType tagging) {
+    return type.road == Road::Primitive && value != nullptr
+               ? encodePrimitive(ctxt, type, value, tagging)
+               : encodeResolved(ctxt, type, value, tagging, {});
+}
+
 int encodeElement(ASN1CTXT* ctxt, const ElementDescription& element, void* value,
-                  const Resolved& resolved = {}) {
+                  const Resolved* resolved = nullptr) {
     const int status =
         checkConstraint(ctxt, *element.type, value, element.constraint, element.parameter);
     if (status != ASN1S_SUCCESS) {
         return status;
     }
-    if (element.tagging == Tagging::Untagged) {
-        return encodeResolved(ctxt, *element.type, value, ASN1TagExplicit, resolved);
-    }
-    const ASN1TagType inner = innerTagging(element);
-    return xe_tag_len(ctxt, element.tag,
-                      encodeResolved(ctxt, *element.type, value, inner, resolved));
+    const bool tagged = element.tagging != Tagging::Untagged;
+    const ASN1TagType inner = tagged ? innerTagging(element) : ASN1TagExplicit;
+    const int count = resolved != nullptr
+                          ? encodeResolved(ctxt, *element.type, value, inner, *resolved)
+                          : encodeValue(ctxt, *element.type, value, inner);
+    return tagged ? putHeader(ctxt, element.tag, element.identifier, count) : count;
 }
 
 /// X.690, 11.5: an element that has its DEFAULT value is not written.
@@ -162,14 +222,17 @@ int encodeRecord(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
         if (!isWritten(ctxt, type, element, record)) {
             continue;
         }
-        Resolved resolved;
+        void* const value = address(record, element.offset);
+        int count = 0;
         if (object != nullptr && element.offset == table->valueOffset) {
-            resolved.type = object->type;
+            Resolved resolved{object->type, nullptr};
             if (table->value != OpenValue::OpenTypes) {
                 resolved.slot = &at<Asn1TObject>(record, table->slotOffset);
             }
+            count = encodeElement(ctxt, element, value, &resolved);
+        } else {
+            count = encodeElement(ctxt, element, value);
         }
-        const int count = encodeElement(ctxt, element, address(record, element.offset), resolved);
         total = count < 0 ? count : total + count;
     }
     return total;
@@ -194,14 +257,17 @@ public:
     MemberEncoder(ASN1CTXT* ctxt, const TypeDescription& type, unsigned count,
                   const TypeDescription* openType = nullptr)
         : ctxt_(ctxt), type_(*type.element), openType_(openType), sorts_(type.setOf && count > 1) {
-        rtSListInitEx(ctxt, &locations_);
+        if (sorts_) {
+            rtSListInitEx(ctxt, &locations_);
+        }
     }
 
     /// @return false when the member could not be encoded; total() then tells the status
     bool add(void* member) {
-        const Resolved resolved{openType_,
-                                openType_ != nullptr ? static_cast<Asn1TObject*>(member) : nullptr};
-        const int count = encodeResolved(ctxt_, type_, member, ASN1TagExplicit, resolved);
+        const int count = openType_ == nullptr
+                              ? encodeValue(ctxt_, type_, member, ASN1TagExplicit)
+                              : encodeResolved(ctxt_, type_, member, ASN1TagExplicit,
+                                               {openType_, static_cast<Asn1TObject*>(member)});
         if (count < 0) {
             total_ = count;
             return false;
@@ -265,34 +331,6 @@ int encodeArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     return members.finish();
 }
 
-/// Writes the contents octets of any value.
-struct ContentsEncoder : PrimitiveEncoder {
-    using PrimitiveEncoder::operator();
-
-    int operator()(Is<Shape::Sequence>, void* value) const {
-        return encodeRecord(ctxt, type, value);
-    }
-    int operator()(Is<Shape::Set>, void* value) const { return encodeRecord(ctxt, type, value); }
-    int operator()(Is<Shape::Choice>, void* value) const { return encodeChoice(ctxt, type, value); }
-    int operator()(Is<Shape::List>, const Asn1RTDList& value) const {
-        return encodeList(ctxt, type, value, openType);
-    }
-    int operator()(Is<Shape::Array>, void* value) const { return encodeArray(ctxt, type, value); }
-    int operator()(Is<Shape::FixedArray>, void* value) const {
-        return encodeArray(ctxt, type, value);
-    }
-
-    const TypeDescription* openType; ///< of a list's members that are typed open values
-};
-
-int encodeContents(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
-                   const Resolved& resolved) {
-    if (resolved.isTyped()) {
-        return encodeTyped(ctxt, resolved);
-    }
-    return withValue(type, value, ContentsEncoder{{ctxt, type}, resolved.type});
-}
-
 int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
                    const Resolved& resolved) {
     if (value == nullptr && type.shape != Shape::Null) {
@@ -302,17 +340,19 @@ int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN
     if (nesting.tooDeep()) {
         return fail(ctxt, ASN1S_NO_MEMORY);
     }
-    int status = checkConstraint(ctxt, type, value, type.constraint, type.parameter);
+    const int status = checkConstraint(ctxt, type, value, type.constraint, type.parameter);
     if (status != ASN1S_SUCCESS) {
         return status;
     }
     if (isAbsentBitString(type, value)) {
         return 0;
     }
-    int count = encodeContents(ctxt, type, value, resolved);
+    int count = resolved.isTyped()
+                    ? encodeTyped(ctxt, resolved)
+                    : withValue(type, value, ContentsEncoder{{ctxt, type}, resolved.type});
     // An own EXPLICIT tag is the outermost: without it the universal tag inside is still written.
     if (count >= 0 && type.tag != 0 && (tagging == ASN1TagExplicit || type.outerTag != 0)) {
-        count = xe_tag_len(ctxt, type.tag, count);
+        count = putHeader(ctxt, type.tag, type.identifier, count);
     }
     if (count >= 0 && type.outerTag != 0 && tagging == ASN1TagExplicit) {
         count = xe_tag_len(ctxt, type.outerTag, count);

@@ -181,7 +181,6 @@ public:
     void atElement() const { walker_->atElement(); }
     void atHeader() const { walker_->atHeader(); }
 
-    bool takes(const TypeDescription& /*type*/, Value /*value*/) const { return true; }
     Value member(Value record, const ElementDescription& /*element*/) const { return record; }
     bool alternative(Value /*record*/, const ElementDescription& /*alternative*/,
                      Value& /*value*/) const {

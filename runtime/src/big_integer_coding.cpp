@@ -89,7 +89,21 @@ inline unsigned int octetOf(const char* text, std::size_t count, unsigned int bi
 template <unsigned int bits>
 int writeDigits(ASN1CTXT* ctxt, const Digits& digits, std::size_t octets) noexcept {
     constexpr std::size_t perOctet = 8 / bits;
-    for (std::size_t rest = digits.count; rest != 0;) {
+    ASN1Buffer& buffer = ctxt->buffer;
+    std::size_t left = digits.count;
+    // Whole octets for which there is room.
+    unsigned char* const end = buffer.data + buffer.byteIndex;
+    unsigned char* next = end;
+    for (std::size_t room = buffer.byteIndex; left >= perOctet && room != 0; --room) {
+        const unsigned int octet = octetOf(digits.text + left - perOctet, perOctet, bits);
+        if (octet == noOctet) {
+            break; // met again, and told, below
+        }
+        left -= perOctet;
+        *--next = static_cast<unsigned char>(octet);
+    }
+    buffer.byteIndex -= static_cast<unsigned int>(end - next);
+    for (std::size_t rest = left; rest != 0;) {
         const std::size_t count = rest < perOctet ? rest : perOctet;
         rest -= count;
         const unsigned int octet = count == perOctet ? octetOf(digits.text + rest, perOctet, bits)
@@ -237,8 +251,7 @@ int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length
         *next++ = '0';
     }
     for (const unsigned char* end = octets + length; octets != end; ++octets) {
-        *next++ = digitOf(*octets >> 4);
-        *next++ = digitOf(*octets & 0x0F);
+        next = putDigits(next, *octets);
     }
     *next = '\0';
     return ASN1S_SUCCESS;

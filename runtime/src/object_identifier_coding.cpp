@@ -42,22 +42,57 @@ int writeFirstNumber(ASN1CTXT* ctxt, unsigned int first, unsigned int second) no
     return xe_memcpy(ctxt, octets, sizeof octets);
 }
 
-} // namespace
+/// Writes all numbers straight into the buffer where it has room for the longest that they can be.
+/// @return the octets written, 0 where there may be too little room
+int writeInPlace(ASN1CTXT* ctxt, const ASN1OBJID& value) noexcept {
+    constexpr unsigned int longestNumber = 5;
+    ASN1Buffer& buffer = ctxt->buffer;
+    const unsigned long long first = value.subid[0] * 40ULL + value.subid[1];
+    if (buffer.byteIndex < value.numids * longestNumber || first > UINT_MAX) {
+        return 0;
+    }
+    unsigned char* const end = buffer.data + buffer.byteIndex;
+    unsigned char* next = end;
+    for (unsigned int i = value.numids; i-- > 1;) {
+        unsigned int number = i > 1 ? value.subid[i] : static_cast<unsigned int>(first);
+        *--next = static_cast<unsigned char>(number & 0x7FU);
+        while ((number >>= 7) != 0) {
+            *--next = static_cast<unsigned char>((number & 0x7FU) | 0x80U);
+        }
+    }
+    const auto count = static_cast<unsigned int>(end - next);
+    buffer.byteIndex -= count;
+    return static_cast<int>(count);
+}
 
-int xd_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging, int length) noexcept {
+/// Moves behind the contents octets.
+/// @return 0, or a status of xd_objid
+int takeNumbers(ASN1CTXT* ctxt, ASN1TagType tagging, int length, WholeContents* contents) noexcept {
     if (tagging == ASN1TagExplicit) {
         if (const int status = readExplicitHeader(ctxt, objectIdentifierTag, &length)) {
             return status;
         }
     }
-    if (length < 1) { // X.690 8.19.2: at least one number
+    if (length < 1) { // X.690, 8.19.2: at least one number
         return record(ctxt, ASN1S_INVALID_LENGTH);
     }
     if (!fits(ctxt, length)) {
         return record(ctxt, ASN1S_END_OF_BUFFER);
     }
-    const unsigned char* at = ctxt->buffer.data + ctxt->buffer.byteIndex;
-    const unsigned char* const end = at + length;
+    *contents = {ctxt->buffer.data + ctxt->buffer.byteIndex, static_cast<unsigned int>(length)};
+    ctxt->buffer.byteIndex += contents->count;
+    return ASN1S_SUCCESS;
+}
+
+} // namespace
+
+int xd_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging, int length) noexcept {
+    WholeContents contents{};
+    if (const int status = takeNumbers(ctxt, tagging, length, &contents)) {
+        return status;
+    }
+    const unsigned char* at = contents.octets;
+    const unsigned char* const end = at + contents.count;
     const unsigned int first = readNumber(at, end);
     value->subid[0] = first < 80 ? first / 40 : 2; // X.690, 8.19.4
     value->subid[1] = first < 80 ? first % 40 : first - 80;
@@ -73,8 +108,11 @@ int xd_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging, int length) 
         }
     }
     value->numids = static_cast<unsigned int>(arc - value->subid);
-    ctxt->buffer.byteIndex = static_cast<unsigned int>(at - ctxt->buffer.data);
-    return at == end ? int{ASN1S_SUCCESS} : int{ASN1S_INVALID_OBJID};
+    if (at != end) {
+        ctxt->buffer.byteIndex -= static_cast<unsigned int>(end - at);
+        return ASN1S_INVALID_OBJID;
+    }
+    return ASN1S_SUCCESS;
 }
 
 int xe_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging) noexcept {
@@ -82,8 +120,8 @@ int xe_objid(ASN1CTXT* ctxt, ASN1OBJID* value, ASN1TagType tagging) noexcept {
         value->subid[0] > 2 || (value->subid[0] != 2 && value->subid[1] > 39)) {
         return ASN1S_INVALID_OBJID;
     }
-    int count = 0;
-    for (unsigned int i = value->numids; i-- > 1;) {
+    int count = writeInPlace(ctxt, *value);
+    for (unsigned int i = count == 0 ? value->numids : 0; i-- > 1;) {
         const int written = i > 1 ? xe_identifier(ctxt, value->subid[i])
                                   : writeFirstNumber(ctxt, value->subid[0], value->subid[1]);
         if (written < 0) {

@@ -105,7 +105,7 @@ struct Stored<Shape::List> {
 
 /// Calls an operation with the shape of a type: `operation(Is<Shape::Boolean>())` and so on.
 template <class Operation>
-decltype(auto) withShape(Shape shape, Operation&& operation) {
+[[gnu::always_inline]] inline decltype(auto) withShape(Shape shape, Operation&& operation) {
     switch (shape) {
     case Shape::Boolean:
         return operation(Is<Shape::Boolean>());
@@ -183,7 +183,8 @@ decltype(auto) storedValue(const TypeDescription& type, Pointer* value) {
 /// @param type describes @p value
 /// @param value `void*`, or `const void*` where the operation only reads
 template <class Pointer, class Operation>
-decltype(auto) withValue(const TypeDescription& type, Pointer* value, Operation&& operation) {
+[[gnu::always_inline]] inline decltype(auto) withValue(const TypeDescription& type, Pointer* value,
+                                                       Operation&& operation) {
     return withShape(type.shape, [&](auto is) -> decltype(auto) {
         return operation(is, storedValue<decltype(is)::value>(type, value));
     });
@@ -191,8 +192,8 @@ decltype(auto) withValue(const TypeDescription& type, Pointer* value, Operation&
 
 /// The same with two values of one type, the first of which is only read.
 template <class Operation>
-decltype(auto) withValues(const TypeDescription& type, const void* source, void* target,
-                          Operation&& operation) {
+[[gnu::always_inline]] inline decltype(auto)
+withValues(const TypeDescription& type, const void* source, void* target, Operation&& operation) {
     return withShape(type.shape, [&](auto is) -> decltype(auto) {
         constexpr Shape shape = decltype(is)::value;
         return operation(is, storedValue<shape>(type, source), storedValue<shape>(type, target));

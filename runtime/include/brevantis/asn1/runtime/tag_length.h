@@ -105,6 +105,24 @@ BREVANTIS_ASN1_API int xe_tag(ASN1CTXT* ctxt, ASN1TAG tag) noexcept;
 /// @return octets written, 0 for any other negative @p length; or a failure of xe_memcpy
 BREVANTIS_ASN1_API int xe_len(ASN1CTXT* ctxt, int length) noexcept;
 
+/// What xe_tag_len does for one identifier octet and one length octet where there is room for both,
+/// without a call.
+/// @param identifierOctet the identifier octet
+/// @param length octets of contents
+/// @return false, with nothing written, in every other case, a negative @p length included
+inline bool rtPutShortHeader(ASN1CTXT* ctxt, unsigned char identifierOctet, int length) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    constexpr unsigned char longTag = 0x1F;
+    if (static_cast<unsigned int>(length) >= 0x80 || buffer.byteIndex < 2 ||
+        (identifierOctet & longTag) == longTag) {
+        return false;
+    }
+    buffer.byteIndex -= 2;
+    buffer.data[buffer.byteIndex] = identifierOctet;
+    buffer.data[buffer.byteIndex + 1] = static_cast<unsigned char>(length);
+    return true;
+}
+
 /// Completes an element whose contents have been written.
 /// @param length what the contents' encoder returned: a count, ASN1IndefiniteLength, or a failure,
 ///        which is passed through so that calls can be nested
