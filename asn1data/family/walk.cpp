@@ -50,6 +50,10 @@ WalkAction WalkVisitor::primitive(const WalkElement& /*element*/) {
     return WalkAction::Continue;
 }
 
+WalkInterest WalkVisitor::interest() const {
+    return {};
+}
+
 WalkResult walk(const TypeDescription& type, const unsigned char* message, std::size_t size,
                 WalkVisitor& visitor) {
     WalkResult result{};

@@ -83,11 +83,21 @@ OpenValueWalk::~OpenValueWalk() {
     walker_.openValue = outer_;
 }
 
+void OpenValueWalk::enters(const WalkScope& record) {
+    const ASN1Buffer& buffer = walker_.ctxt.buffer;
+    const auto left = buffer.data + buffer.size - record.contents;
+    end_ = record.length >= 0 && record.length <= left ? record.contents + record.length : nullptr;
+}
+
 bool OpenValueWalk::begins(const ElementDescription& element) {
     if (begun_ || element.offset != type_.table->valueOffset) {
         return false;
     }
     begun_ = true;
+    if (identified_ && endsRecord(element)) {
+        walker_.object = object_;
+        return false;
+    }
     element_ = &element;
     here_ = walker_.here;
     buffer_ = walker_.ctxt.buffer;
@@ -96,17 +106,101 @@ bool OpenValueWalk::begins(const ElementDescription& element) {
     return true;
 }
 
+namespace {
+
+/// The contents octets of a header of definite length; null octets for any other.
+struct Contents {
+    const unsigned char* octets;
+    const unsigned char* end;
+    ASN1TAG tag;
+
+    Contents(const unsigned char* start, const unsigned char* bound)
+        : octets(nullptr), end(nullptr), tag(0) {
+        ASN1Header header;
+        if (rtReadHeader(start, static_cast<unsigned>(bound - start), &header) == ASN1S_SUCCESS &&
+            header.length >= 0 && header.length <= bound - start - header.size) {
+            octets = start + header.size;
+            end = octets + header.length;
+            tag = header.tag;
+        }
+    }
+    /// An end-of-contents is no value (X.690, 8.1.5).
+    bool isElement() const { return octets != nullptr && (tag != 0 || octets != end); }
+};
+
+/// Whether contents are whole elements, of a number that a constraint permits.
+bool areElements(const Contents& list, const Constraint& constraint) {
+    long long count = 0;
+    for (const unsigned char* place = list.octets; place != list.end; ++count) {
+        const Contents member(place, list.end);
+        if (!member.isElement()) {
+            return false;
+        }
+        place = member.end;
+    }
+    bool permitted = constraint.count == 0;
+    for (unsigned i = 0; i < constraint.count; ++i) {
+        permitted = permitted ||
+                    (count >= constraint.ranges[i].lower && count <= constraint.ranges[i].upper);
+    }
+    return permitted;
+}
+
+} // namespace
+
+/// Whether nothing in the record can fail behind the value's octets, nor in front of what is in
+/// them: its headers are of definite lengths that end the record together, and no element is
+/// missing.
+bool OpenValueWalk::endsRecord(const ElementDescription& element) const {
+    const ElementDescription* const last = type_.elements + type_.elementCount;
+    for (const ElementDescription* later = &element + 1; later != last; ++later) {
+        if (later->presence == Presence::Mandatory) {
+            return false;
+        }
+    }
+    const bool tagged = element.tagging != Tagging::Untagged;
+    if (end_ == nullptr || type_.road != Road::Constructed || type_.shape != Shape::Sequence ||
+        element.constraint.count != 0 || element.tagging == Tagging::Implicit ||
+        (tagged && (element.tag & ASN1TagNumberMask) >= ASN1LongTagNumber)) {
+        return false;
+    }
+    const unsigned char* start = walker_.elementStart;
+    if (tagged) {
+        const Contents outer(start, end_);
+        if (outer.octets == nullptr || outer.end != end_) {
+            return false;
+        }
+        start = outer.octets;
+    }
+    const Contents value(start, end_);
+    if (value.octets == nullptr || value.end != end_) {
+        return false;
+    }
+    const TypeDescription& type = *element.type;
+    if (type_.table->value == OpenValue::OpenTypes) {
+        return type.road == Road::Constructed && type.shape == Shape::List &&
+               type.element->shape == Shape::OpenType && value.tag == type.tag &&
+               areElements(value, type.constraint);
+    }
+    return type.constraint.count == 0 && type.road == Road::Primitive &&
+           (type_.table->value == OpenValue::OctetString ? value.tag == type.tag
+                                                         : value.isElement());
+}
+
 void OpenValueWalk::took(const ElementDescription& element) {
     if (&element == element_) {
         complete_ = true;
+    } else if (element.offset == type_.table->valueOffset) {
+        walker_.object = nullptr; // it has been resolved
     } else if (element.offset == type_.table->identifierOffset &&
                element.type->shape == Shape::ObjectIdentifier) {
-        rtSetOID(&identifier_, &walker_.identifier_);
+        object_ = findObject(*type_.table->objects, walker_.identifier_);
+        object_ = object_ != nullptr && object_->type != nullptr ? object_ : nullptr;
         identified_ = true;
     }
 }
 
-void OpenValueWalk::leaves(const WalkElement& record) {
+void OpenValueWalk::leaves(const WalkScope& record) {
     record_ = record;
     entered_ = true;
 }
@@ -114,13 +208,10 @@ void OpenValueWalk::leaves(const WalkElement& record) {
 int OpenValueWalk::resolve() {
     int status = ASN1S_SUCCESS;
     if (complete_) {
-        const ObjectDescription* object =
-            identified_ ? findObject(*type_.table->objects, identifier_) : nullptr;
-        object = object != nullptr && object->type != nullptr ? object : nullptr;
         const ASN1Buffer behind = walker_.ctxt.buffer;
         const unsigned short flags = walker_.ctxt.flags;
         failing_ = behind;
-        status = readAgain(object);
+        status = readAgain(object_);
         if (status == ASN1S_SUCCESS) {
             walker_.ctxt.buffer = behind;
             walker_.ctxt.flags = flags;
@@ -129,7 +220,7 @@ int OpenValueWalk::resolve() {
     if (status == ASN1S_SUCCESS && entered_) {
         walker_.stepped = false;
         walker_.number = 0;
-        status = walker_.leave(record_);
+        status = walker_.leave(type_, record_, nullptr);
     }
     return status;
 }

@@ -39,7 +39,7 @@ bool isString(const TypeDescription* type) {
 
 Walker::Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor,
                WalkFailure& failure)
-    : base(message), visitor_(visitor), failure_(failure) {
+    : base(message), visitor_(visitor), interest_(visitor.interest()), failure_(failure) {
     static const unsigned char nothing = 0;
     base = message != nullptr ? message : &nothing;
     rtInitReader(&ctxt, base, size);
@@ -62,18 +62,19 @@ int Walker::run(const TypeDescription& type) {
     return DecodeFlow<Walking>::decode(Walking(*this), type, {}, ASN1TagExplicit, 0);
 }
 
-WalkElement Walker::report(const TypeDescription* type, const unsigned char* contents,
-                           int contentLength) const {
+/// The header and the contents of the value that ends at the position.
+WalkScope Walker::scopeBehind() const {
     ASN1Header header{};
     rtReadHeader(valueStart,
                  static_cast<unsigned>(ctxt.buffer.data + ctxt.buffer.size - valueStart), &header);
-    const bool indefinite = header.length == ASN1IndefiniteLength;
-    if (contents == nullptr) {
-        contents = valueStart + header.size;
-        contentLength =
-            indefinite ? int{ASN1IndefiniteLength} : static_cast<int>(octets() - contents);
-    }
-    WalkElement element;
+    const unsigned char* const contents = valueStart + header.size;
+    return {valueStart, contents,
+            header.length == ASN1IndefiniteLength ? header.length
+                                                  : static_cast<int>(octets() - contents)};
+}
+
+void Walker::describe(WalkElement& element, const TypeDescription* type,
+                      const WalkScope& scope) const {
     element.step = here.step;
     element.type = type;
     element.element = here.element;
@@ -81,28 +82,66 @@ WalkElement Walker::report(const TypeDescription* type, const unsigned char* con
     element.object = here.object;
     element.data = here.data;
     element.offset = static_cast<unsigned>(here.data - base);
-    element.valueOffset = static_cast<unsigned>(valueStart - base);
-    element.headerLength = static_cast<unsigned>(contents - here.data);
-    element.contentLength = contentLength;
-    element.tag = header.tag;
+    element.valueOffset = static_cast<unsigned>(scope.valueStart - base);
+    element.headerLength = static_cast<unsigned>(scope.contents - here.data);
+    element.contentLength = scope.length;
+    element.tag = rtTagOfOctet(*scope.valueStart);
+    if ((element.tag & ASN1TagNumberMask) == ASN1LongTagNumber) {
+        ASN1Header header{};
+        rtReadHeader(scope.valueStart, static_cast<unsigned>(scope.contents - scope.valueStart),
+                     &header);
+        element.tag = header.tag;
+    }
     element.depth = here.depth;
-    element.segmented = (header.tag & ASN1TagConstructed) != 0 && isString(type);
+    element.segmented = (element.tag & ASN1TagConstructed) != 0 && isString(type);
     element.encapsulates = false;
     element.assembled = here.assembled;
     element.value = WalkValue{};
-    return element;
 }
 
-bool Walker::enter(const WalkElement& element) {
-    const WalkAction action = visitor_.enter(element);
-    stopped = stopped || action == WalkAction::Stop;
-    here.depth += action == WalkAction::Continue ? 1 : 0;
-    return action == WalkAction::Continue;
+// The reports below have frames of their own, which are gone while an element is gone through.
+
+[[gnu::noinline]] bool Walker::enter(const TypeDescription& type, const WalkScope& scope,
+                                     const WalkValue* octets) {
+    if (interest_.containers) {
+        WalkElement element;
+        describe(element, &type, scope);
+        if (octets != nullptr) {
+            element.encapsulates = true;
+            element.value = *octets;
+        }
+        const WalkAction action = visitor_.enter(element);
+        stopped = stopped || action == WalkAction::Stop;
+        if (action != WalkAction::Continue) {
+            return false;
+        }
+    }
+    ++here.depth;
+    return true;
 }
 
-int Walker::leave(const WalkElement& element) {
+[[gnu::noinline]] int Walker::leave(const TypeDescription& type, const WalkScope& scope,
+                                    const WalkValue* octets) {
     --here.depth;
-    stopped = visitor_.leave(element) == WalkAction::Stop;
+    if (interest_.containers) {
+        WalkElement element;
+        describe(element, &type, scope);
+        if (octets != nullptr) {
+            element.encapsulates = true;
+            element.value = *octets;
+        }
+        stopped = visitor_.leave(element) == WalkAction::Stop;
+    }
+    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+}
+
+[[gnu::noinline]] int Walker::reportPrimitive(const TypeDescription* type, const WalkValue& value) {
+    if (interest_.values) {
+        WalkElement element;
+        describe(element, type, scopeBehind());
+        element.value = value;
+        stopped = visitor_.primitive(element) == WalkAction::Stop;
+    }
     return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
 }
 
@@ -246,26 +285,23 @@ int Walker::primitive(const TypeDescription* type, ASN1TagType tagging, int leng
     if (raw && value.octetCount == 0) { // none is there
         return ASN1S_SUCCESS;
     }
-    WalkElement element = report(type, nullptr, 0);
-    element.value = value;
     if (object != nullptr && type->shape == Shape::OctetString && value.octetCount != 0) {
-        return resolveOctets(*type, element, start, tagging, length);
+        return resolveOctets(*type, value, start, tagging, length);
     }
-    stopped = visitor_.primitive(element) == WalkAction::Stop;
-    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+    return reportPrimitive(type, value);
 }
 
-int Walker::resolveOctets(const TypeDescription& type, const WalkElement& octetString,
+int Walker::resolveOctets(const TypeDescription& type, const WalkValue& value,
                           const ASN1SavedState& start, ASN1TagType tagging, int length) {
-    WalkElement element = octetString;
-    element.encapsulates = true;
     const ASN1Buffer behind = ctxt.buffer;
     const unsigned short flags = ctxt.flags;
-    if (!enter(element)) {
+    const WalkScope scope = scopeBehind();
+    if (!enter(type, scope, &value)) {
         return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
     }
-    const unsigned char* data = element.value.octets;
-    if (element.segmented) {
+    const bool segmented = value.octets == nullptr;
+    const unsigned char* data = value.octets;
+    if (segmented) {
         ctxt.buffer.byteIndex = start.byteIndex;
         ctxt.flags = start.flags;
         unsigned count = 0;
@@ -277,16 +313,16 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkElement& octetS
     const unsigned char* const outerBase = base;
     const bool outerAssembled = here.assembled;
     const unsigned char* const outerData = here.data;
-    if (element.segmented) {
+    if (segmented) {
         base = data;
         here.assembled = true;
     }
     here.data = data;
-    int status = resolved(data, element.value.octetCount);
+    int status = resolved(data, value.octetCount);
     if (status != ASN1S_SUCCESS) {
         return status;
     }
-    if (element.segmented) {
+    if (segmented) {
         rtMemHeapFreePtr(&ctxt.memHeap, const_cast<unsigned char*>(data)); // the heap gave it out
     }
     base = outerBase;
@@ -294,8 +330,8 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkElement& octetS
     here.data = outerData;
     ctxt.buffer = behind;
     ctxt.flags = flags;
-    number = element.value.octetCount;
-    return leave(element);
+    number = value.octetCount;
+    return leave(type, scope, &value);
 }
 
 /// Goes through the octets of an open value. A failure leaves the context on them, success brings
@@ -419,11 +455,10 @@ void Walker::findFound(int status, const Expected& expected) {
 }
 
 Walking::Constructed::Constructed(Walker& walker, const TypeDescription& type, int length)
-    : walker_(walker), type_(type), length_(length), reported_(walker_.silence == 0),
-      entered_(true),
-      element_(reported_ ? walker_.report(&type, walker_.octets(), length) : WalkElement{}) {
-    if (reported_) {
-        entered_ = walker_.enter(element_);
+    : walker_(walker), type_(type), scope_{walker.valueStart, walker.octets(), length},
+      reported_(walker.reports()), entered_(!reported_ || walker.enter(type, scope_, nullptr)) {
+    if (type.table != nullptr) {
+        walker.openValue->enters(scope_);
     }
 }
 
@@ -433,7 +468,7 @@ int Walking::Constructed::stepOver() {
     }
     walker_.stepped = true;
     ASN1CTXT& ctxt = walker_.ctxt;
-    if (length_ == ASN1IndefiniteLength) {
+    if (scope_.length == ASN1IndefiniteLength) {
         const int status = xd_MovePastEOC(&ctxt);
         if (status != ASN1S_SUCCESS) {
             return walker_.fail(status, {Expectation::EndOfContents});
@@ -444,10 +479,10 @@ int Walking::Constructed::stepOver() {
     }
     const unsigned left =
         ctxt.buffer.byteIndex < ctxt.buffer.size ? ctxt.buffer.size - ctxt.buffer.byteIndex : 0;
-    if (static_cast<unsigned>(length_) > left) {
+    if (static_cast<unsigned>(scope_.length) > left) {
         return walker_.fail(ASN1S_END_OF_BUFFER, {Expectation::Contents, &type_});
     }
-    ctxt.buffer.byteIndex += static_cast<unsigned>(length_);
+    ctxt.buffer.byteIndex += static_cast<unsigned>(scope_.length);
     return ASN1S_SUCCESS;
 }
 
@@ -460,10 +495,10 @@ int Walking::Constructed::leave() {
         return ASN1S_SUCCESS;
     }
     if (type_.table != nullptr) {
-        walker_.openValue->leaves(element_);
+        walker_.openValue->leaves(scope_);
         return ASN1S_SUCCESS;
     }
-    return walker_.leave(element_);
+    return walker_.leave(type_, scope_, nullptr);
 }
 
 } // namespace asn1data::family

@@ -28,6 +28,14 @@ struct WalkPlace {
     bool assembled;
 };
 
+/// A constructed element that has been entered, as far as it has to be known to leave it: elements
+/// lie inside each other on the stack, so that each octet here counts.
+struct WalkScope {
+    const unsigned char* valueStart; ///< its innermost header
+    const unsigned char* contents;
+    int length; ///< octets of contents, or ASN1IndefiniteLength
+};
+
 /// State of one walk.
 class Walker {
 public:
@@ -51,13 +59,13 @@ public:
     int checkConstraint(const TypeDescription& type, const Constraint& constraint,
                         const char* parameter);
 
-    /// Completes the report on the element at hand.
-    /// @param contents its first contents octet
-    WalkElement report(const TypeDescription* type, const unsigned char* contents,
-                       int contentLength) const;
-    /// Calls the visitor's `enter`. It may not be entered, or the walk be stopped.
-    bool enter(const WalkElement& element);
-    int leave(const WalkElement& element);
+    /// Whether somebody looks at what is read now.
+    bool reports() const { return silence == 0; }
+    /// Calls the visitor's `enter` for the element at hand. It may not be entered, or the walk be
+    /// stopped.
+    /// @param octets of an OCTET STRING that encapsulates, else null
+    bool enter(const TypeDescription& type, const WalkScope& scope, const WalkValue* octets);
+    int leave(const TypeDescription& type, const WalkScope& scope, const WalkValue* octets);
 
     ASN1CTXT ctxt{};
     WalkPlace here{};
@@ -81,12 +89,16 @@ private:
     struct PrimitiveReader;
 
     int readRaw(WalkValue& value);
-    int resolveOctets(const TypeDescription& type, const WalkElement& element,
+    void describe(WalkElement& element, const TypeDescription* type, const WalkScope& scope) const;
+    WalkScope scopeBehind() const;
+    int reportPrimitive(const TypeDescription* type, const WalkValue& value);
+    int resolveOctets(const TypeDescription& type, const WalkValue& value,
                       const ASN1SavedState& start, ASN1TagType tagging, int length);
     int resolved(const unsigned char* data, unsigned count);
     void findFound(int status, const Expected& expected);
 
     WalkVisitor& visitor_;
+    const WalkInterest interest_;
     WalkFailure& failure_;
     ASN1TObjId identifier_;
 
@@ -124,8 +136,10 @@ private:
     bool silent_ = false;
 };
 
-/// A record with an open value. The value is read in silence when its turn comes, and again, now
-/// reported and resolved, when the record is complete: only then is it known to be one.
+/// A record with an open value, which is resolved when the record is complete: only then is it
+/// known to be one. Where the identifier stands in front and the value ends the record, that is
+/// settled by the value's header. Anywhere else the value is read in silence when its turn comes,
+/// and again, now reported and resolved, at the end of the record.
 class OpenValueWalk {
 public:
     OpenValueWalk(Walker& walker, const TypeDescription& type);
@@ -138,8 +152,10 @@ public:
     bool begins(const ElementDescription& element);
     /// An element of the record has been read.
     void took(const ElementDescription& element);
+    /// The record begins.
+    void enters(const WalkScope& record);
     /// The record ends, and is left once the value has been reported.
-    void leaves(const WalkElement& record);
+    void leaves(const WalkScope& record);
 
     int resolve();
     /// Reports the raw value, as far as it is whole, when the record fails behind it; not when it
@@ -148,6 +164,7 @@ public:
 
 private:
     int readAgain(const ObjectDescription* object);
+    bool endsRecord(const ElementDescription& element) const;
 
     Walker& walker_;
     const TypeDescription& type_;
@@ -157,13 +174,14 @@ private:
     bool complete_ = false;
     bool entered_ = false;
     bool identified_ = false;
-    WalkElement record_; ///< to be left, with `entered_`
+    const ObjectDescription* object_ = nullptr; ///< of the identifier, with `identified_`
+    const unsigned char* end_ = nullptr;        ///< of the record; null for an indefinite length
+    WalkScope record_;                          ///< to be left, with `entered_`
     // How the walk stood when the value began.
     WalkPlace here_;
     ASN1Buffer buffer_{};
     unsigned short flags_ = 0;
     ASN1Buffer failing_{}; ///< where the decoder stands when a value turns out to have no octets
-    ASN1TObjId identifier_;
 
     friend class Walker;
 };
@@ -228,10 +246,9 @@ public:
     private:
         Walker& walker_;
         const TypeDescription& type_;
-        int length_;
+        WalkScope scope_;
         bool reported_;
         bool entered_;
-        WalkElement element_;
     };
 
     /// Counts what a list or an array would hold.

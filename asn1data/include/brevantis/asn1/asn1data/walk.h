@@ -104,6 +104,12 @@ enum class WalkAction : unsigned char {
     Stop ///< the walk ends at once, without a failure
 };
 
+/// What a visitor looks at. Whatever it does not look at is read and checked all the same.
+struct WalkInterest {
+    bool containers = true; ///< `enter` and `leave` are called
+    bool values = true;     ///< `primitive` is called
+};
+
 /// Is told what a walk comes across, in the order of the message. One exception: the octets of an
 /// open value are reported when the record around them has been read whole, for only then does the
 /// decoder resolve them (a SafeBag's bagAttributes come before its bagValue).
@@ -123,6 +129,10 @@ public:
     virtual WalkAction leave(const WalkElement& element);
     /// A value that nothing else is reported of.
     virtual WalkAction primitive(const WalkElement& element);
+
+    /// Is asked once, before the walk. An element that nobody looks at is not reported, which saves
+    /// the time for it; one that is not entered with a call is gone through, as after Continue.
+    virtual WalkInterest interest() const;
 };
 
 /// Size of a whole element in octets, header, EXPLICIT tags and end-of-contents included.
