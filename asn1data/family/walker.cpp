@@ -64,9 +64,12 @@ int Walker::run(const TypeDescription& type) {
 
 /// The header and the contents of the value that ends at the position.
 WalkScope Walker::scopeBehind() const {
-    ASN1Header header{};
-    rtReadHeader(valueStart,
-                 static_cast<unsigned>(ctxt.buffer.data + ctxt.buffer.size - valueStart), &header);
+    ASN1Header header;
+    const auto left = static_cast<unsigned>(ctxt.buffer.data + ctxt.buffer.size - valueStart);
+    if (rtReadHeader(valueStart, left, &header) != ASN1S_SUCCESS) {
+        // A fixed string with a length that cannot be read is one without octets.
+        return {valueStart, octets(), 0};
+    }
     const unsigned char* const contents = valueStart + header.size;
     return {valueStart, contents,
             header.length == ASN1IndefiniteLength ? header.length

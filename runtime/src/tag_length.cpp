@@ -159,13 +159,16 @@ int xd_tag(ASN1CTXT* ctxt, ASN1TAG* tag) noexcept {
 }
 
 int xd_len(ASN1CTXT* ctxt, int* len) noexcept {
-    OctetReader reader{ctxt->buffer.data, ctxt->buffer.byteIndex, ctxt->buffer.size};
+    const std::uint32_t start = ctxt->buffer.byteIndex;
+    OctetReader reader{ctxt->buffer.data, start, ctxt->buffer.size};
     const int status = runtime_detail::readLengthOctets(reader, len);
     ctxt->buffer.byteIndex = reader.place;
     if (status != ASN1S_SUCCESS) {
         return record(ctxt, status);
     }
-    if (*len == ASN1IndefiniteLength || (ctxt->flags & ASN1F_LENGTH_UNCHECKED) != 0) {
+    // A length of one octet is left to whoever reads the contents.
+    const bool longForm = ctxt->buffer.data[start] >= 0x80;
+    if (!longForm || *len == ASN1IndefiniteLength || (ctxt->flags & ASN1F_LENGTH_UNCHECKED) != 0) {
         return ASN1S_SUCCESS;
     }
     if (*len < 0 || *len > static_cast<int>(remaining(ctxt))) {

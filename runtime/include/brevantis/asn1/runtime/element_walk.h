@@ -79,7 +79,7 @@ BREVANTIS_ASN1_API int xd_count(ASN1CTXT* ctxt, int length, int* count) noexcept
 /// @param bufSize octets in @p msg; nothing behind them is read
 /// @return the size; 0 when @p bufSize is below 5; ASN1S_INVALID_LENGTH when the first length is
 ///         not indefinite; ASN1S_END_OF_BUFFER when the message is not closed within @p bufSize;
-///         ASN1S_NO_MEMORY when memory is out; the failures of xd_tag_len
+///         the failures of xd_tag_len. No memory is needed
 BREVANTIS_ASN1_API int xd_indeflen_ex(const unsigned char* msg, int bufSize) noexcept;
 
 /// Measures a constructed string of indefinite length from its first content octet on; the position
