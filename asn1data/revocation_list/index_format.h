@@ -50,7 +50,7 @@ inline unsigned offsetBitsFor(std::size_t listSize) noexcept {
     return bits;
 }
 
-/// An INTEGER without the octets that do not change it (X.690 8.3.2); 0 for no octets.
+/// An INTEGER without the octets that do not change it (X.690, 8.3.2); 0 for no octets.
 inline OctetSpan shortest(OctetSpan number) noexcept {
     static constexpr unsigned char zero = 0;
     if (number.size == 0) {

@@ -30,7 +30,7 @@ int readReason(const OctetSpan& value, int& reason) {
         // No octets are none of an element here, as for every open value.
         return status == ASN1S_MISSING_ELEMENT ? ASN1S_END_OF_BUFFER : status;
     }
-    if (contents.size == 0) { // X.690 8.3.1: one octet or more
+    if (contents.size == 0) { // X.690, 8.3.1: one octet or more
         return ASN1S_INVALID_LENGTH;
     }
     if (contents.size > 4) {
@@ -48,7 +48,7 @@ int readReason(const OctetSpan& value, int& reason) {
     return ASN1S_SUCCESS;
 }
 
-/// Whether contents octets of an OBJECT IDENTIFIER (X.690 8.19) are those of @p identifier.
+/// Whether contents octets of an OBJECT IDENTIFIER (X.690, 8.19) are those of @p identifier.
 bool encodes(const OctetSpan& octets, const ASN1OBJID& identifier) {
     if (identifier.numids < 2 || identifier.numids > ASN1MaxSubIds) {
         return false;
@@ -98,7 +98,7 @@ int takeWholeTime(const unsigned char*& position, const unsigned char* end, Octe
 namespace revocation_list {
 
 LongLength readLongLength(const unsigned char* position, const unsigned char* end) noexcept {
-    // X.690 8.1.3.5, with more octets than the number needs tolerated.
+    // X.690, 8.1.3.5, with more octets than the number needs tolerated.
     const unsigned count = *position++ & 0x7FU;
     if (count == 0 || count > sizeof(std::uint64_t)) {
         return {ASN1S_INVALID_LENGTH, 0, position};
@@ -130,10 +130,10 @@ int takeExtension(const unsigned char*& position, const unsigned char* end,
         if (const int status = takeElement(next, position, BooleanOctet, 0xFF, critical)) {
             return status;
         }
-        if (critical.size != 1) { // X.690 8.2.1
+        if (critical.size != 1) { // X.690, 8.2.1
             return ASN1S_INVALID_LENGTH;
         }
-        extension.critical = critical.data[0] != 0; // X.690 8.2.2
+        extension.critical = critical.data[0] != 0; // X.690, 8.2.2
     }
     if (next != position && *next == SegmentedOctet) {
         return ASN1S_NOT_SUPPORTED; // segments have no place where the value stands as a whole
@@ -176,7 +176,7 @@ int RevocationList::open(const unsigned char* message, std::size_t size) noexcep
     const unsigned char* position = message;
     const unsigned char* end = message + size;
     constexpr unsigned char constructedSequence = 0x30;
-    constexpr unsigned char indefinite = 0x80; // X.690 8.1.3.6
+    constexpr unsigned char indefinite = 0x80; // X.690, 8.1.3.6
     int status = ASN1S_SUCCESS;
     if (message[0] == constructedSequence && message[1] == indefinite) {
         position += 2;

@@ -27,7 +27,7 @@ inline unsigned int readNumber(const unsigned char*& at, const unsigned char* en
     return number;
 }
 
-/// Writes the number for the first two arcs (X.690 8.19.4). Under a first arc of 2 the sum can
+/// Writes the number for the first two arcs (X.690, 8.19.4). Under a first arc of 2 the sum can
 /// exceed the 32 bits of an arc; its form is five octets at most either way.
 int writeFirstNumber(ASN1CTXT* ctxt, unsigned int first, unsigned int second) noexcept {
     const unsigned long long number = first * 40ULL + second;

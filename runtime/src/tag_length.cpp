@@ -51,7 +51,7 @@ constexpr unsigned short closedMessage = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
         status = runtime_detail::readLength(ctxt, len);
         if (status == ASN1S_SUCCESS && *len == ASN1IndefiniteLength &&
             (ctxt->flags & ASN1F_CONSTRUCTED) == 0) {
-            return ASN1S_INVALID_LENGTH; // X.690 8.1.3.2: constructed encodings only
+            return ASN1S_INVALID_LENGTH; // X.690, 8.1.3.2: constructed encodings only
         }
     }
     if ((matchFlags & ASN1MatchAdvance) == 0) {
@@ -130,7 +130,7 @@ int xd_setp(ASN1CTXT* ctxt, const unsigned char* msg, int msgLen, ASN1TAG* tag, 
         if (end <= buffer.size) {
             buffer.size = static_cast<std::uint32_t>(end);
         } else if ((ctxt->flags & ASN1F_LENGTH_UNCHECKED) == 0) {
-            // X.690 8.1.3: the element is cut off. `size` keeps to the octets that exist, for
+            // X.690, 8.1.3: the element is cut off. `size` keeps to the octets that exist, for
             // callers that go on all the same.
             status = ASN1S_INVALID_LENGTH;
         }

@@ -26,8 +26,8 @@ public:
     ASN1CGeneralizedTime& operator=(const ASN1CGeneralizedTime& other);
     ~ASN1CGeneralizedTime() override;
 
-    /// @return the hundreds of the year; ASN1S_INVALID_FORMAT for a text that does not parse, -3
-    ///         without a year
+    /// @return the hundreds of the year; ASN1S_INVALID_FORMAT for a text that does not parse,
+    ///         ASN1S_TAG_NOT_FOUND without a year
     int getCentury();
     /// Replaces the hundreds of the year.
     /// @param value 0 to 99
