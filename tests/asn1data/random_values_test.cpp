@@ -9,6 +9,7 @@
 
 #include "support/coding.h"
 #include "support/value_builder.h"
+#include "support/value_text.h"
 
 // Every type of the catalogue, by its description alone: values within the constraints survive the
 // way to octets and back, copying, releasing and a second encoding.

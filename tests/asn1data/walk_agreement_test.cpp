@@ -7,6 +7,7 @@
 
 #include "support/coding.h"
 #include "support/data_file.h"
+#include "support/loosened.h"
 #include "support/mutation.h"
 #include "support/value_builder.h"
 #include "support/walk_agreement.h"
@@ -26,60 +27,6 @@ namespace {
 using namespace asn1data;
 using tests::Octets;
 
-void append(Octets& to, const Octets& octets) {
-    to.insert(to.end(), octets.begin(), octets.end());
-}
-
-/// An element with the contents given, of definite or indefinite length.
-Octets elementOf(unsigned char identifier, const Octets& contents, bool indefinite) {
-    const std::size_t size = contents.size();
-    Octets element = {identifier};
-    if (indefinite) {
-        append(element, {0x80});
-    } else if (size < 0x80) {
-        append(element, {static_cast<unsigned char>(size)});
-    } else {
-        append(element, {0x82, static_cast<unsigned char>(size >> 8),
-                         static_cast<unsigned char>(size & 0xFF)});
-    }
-    append(element, contents);
-    append(element, indefinite ? Octets{0, 0} : Octets{});
-    return element;
-}
-
-/// DER as a streaming producer might have written it: lengths left open, strings in segments.
-/// Octets that are no elements stay as they are.
-Octets loosened(const Octets& message, std::mt19937& random) {
-    Octets result;
-    tests::Reader reader(message);
-    while (reader.position() < message.size()) {
-        const unsigned char identifier = message[reader.position()];
-        ASN1TAG tag = 0;
-        int length = 0;
-        if (xd_tag_len(reader, &tag, &length, ASN1MatchAdvance) != 0 || length < 0 ||
-            message.size() - reader.position() < static_cast<unsigned>(length)) {
-            return message;
-        }
-        const auto start = message.begin() + reader.position();
-        const Octets contents(start, start + length);
-        reader->buffer.byteIndex += static_cast<unsigned>(length);
-        const bool open = random() % 3 == 0;
-        if ((identifier & 0x20) != 0) {
-            append(result, elementOf(identifier, loosened(contents, random), open));
-        } else if (identifier > 2 && identifier != 5 && identifier != 6 && random() % 4 == 0) {
-            const unsigned char segment = identifier == 3 ? 3 : 4;
-            const auto half = contents.begin() + length / 2;
-            Octets segments = elementOf(segment, Octets(contents.begin(), half), false);
-            append(segments, elementOf(segment, Octets(half, contents.end()), false));
-            append(result,
-                   elementOf(static_cast<unsigned char>(identifier | 0x20), segments, open));
-        } else {
-            append(result, elementOf(identifier, contents, false));
-        }
-    }
-    return result;
-}
-
 void damageValuesOf(const TypeRange& types, unsigned seeds, unsigned mutations) {
     std::mt19937 random(1);
     tests::WalkAgreement agreement;
@@ -95,7 +42,7 @@ void damageValuesOf(const TypeRange& types, unsigned seeds, unsigned mutations) 
                 return;
             }
             for (unsigned i = 0; i < mutations; ++i) {
-                Octets damaged = i % 2 == 0 ? message : loosened(message, random);
+                Octets damaged = i % 2 == 0 ? message : tests::loosened(message, random);
                 for (unsigned harm = 0; harm < i % 4 && !damaged.empty(); ++harm) {
                     tests::damage(damaged, random);
                 }
@@ -134,8 +81,8 @@ TEST(WalkAgreement, OnOpenValuesInsideEachOther) {
     const Octets kind = tests::fromHex("06 03 2A 03 06");
     for (int depth = 1; depth <= 300; ++depth) {
         Octets contents = kind;
-        append(contents, message);
-        message = elementOf(0x30, contents, false);
+        tests::append(contents, message);
+        message = tests::elementOf(0x30, contents, false);
         const int expected = depth <= 64 ? ASN1S_SUCCESS : ASN1S_NO_MEMORY;
         EXPECT_EQ(tests::expectWalkAgrees(*shapes::findType("Open"), message), expected) << depth;
     }

@@ -21,7 +21,7 @@
 #include "interop/expectations.h"
 #include "support/hex.h"
 #include "support/mutation.h"
-#include "support/value_builder.h"
+#include "support/value_text.h"
 #include "support/value_walk.h"
 #include "support/walk_agreement.h"
 

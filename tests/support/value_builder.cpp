@@ -13,8 +13,6 @@
 #include <brevantis/asn1/runtime/list.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
 
-#include "support/hex.h"
-
 namespace tests {
 
 using namespace asn1data;
@@ -33,9 +31,6 @@ const T& at(const void* record, unsigned offset) {
 }
 void* place(void* record, std::size_t offset) {
     return static_cast<unsigned char*>(record) + offset;
-}
-const void* place(const void* record, std::size_t offset) {
-    return static_cast<const unsigned char*>(record) + offset;
 }
 
 /// How deep the shallowest value of a type is: a CHOICE far down takes the way out.
@@ -437,173 +432,6 @@ void ValueBuilder::fillArray(const TypeDescription& type, const Constraint& cons
         fill(*type.element, type.element->constraint,
              place(places, std::size_t{i} * type.element->valueSize));
     }
-}
-
-namespace {
-
-std::string valueText(const TypeDescription& type, const void* value);
-
-std::string hex(const void* octets, std::size_t count) {
-    return count != 0 ? toHex(static_cast<const unsigned char*>(octets), count) : "";
-}
-
-/// A count and the units behind it, each of so many bits.
-std::string unitsText(unsigned count, const void* units, std::size_t bitsOfUnit) {
-    return std::to_string(count) + ": " + hex(units, (count * bitsOfUnit + 7) / 8);
-}
-
-/// A typed value says more than its raw octets, which a value that was never decoded does not have.
-std::string slotText(const ObjectDescription* object, const Asn1TObject& slot) {
-    return object != nullptr && object->type != nullptr && slot.decoded != nullptr
-               ? "typed " + valueText(*object->type, slot.decoded)
-               : "raw " + unitsText(slot.numocts, slot.data, 8);
-}
-
-/// Texts of members one behind another, those of a SET OF in any order.
-std::string membersText(const TypeDescription& type, std::vector<std::string> members) {
-    if (type.setOf) {
-        std::sort(members.begin(), members.end());
-    }
-    std::string text = "{";
-    for (const std::string& member : members) {
-        text += member + "; ";
-    }
-    return text + "}";
-}
-
-template <class Text>
-std::vector<std::string> textsOf(const Asn1RTDList& list, Text text) {
-    std::vector<std::string> texts;
-    for (const Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
-        texts.push_back(text(node->data));
-    }
-    return texts;
-}
-
-/// An element, by its typed form where a table constraint gives it one.
-std::string elementText(const TypeDescription& type, const ElementDescription& element,
-                        const void* record) {
-    const TableConstraint* table = type.table;
-    if (table != nullptr && element.offset == table->valueOffset) {
-        const ObjectDescription* object =
-            family::findObject(*table->objects, at<ASN1TObjId>(record, table->identifierOffset));
-        if (table->value == OpenValue::OpenTypes) {
-            const auto text = [&](const void* slot) {
-                return slotText(object, at<Asn1TObject>(slot, 0));
-            };
-            return membersText(*element.type,
-                               textsOf(at<Asn1RTDList>(record, element.offset), text));
-        }
-        const auto& slot = at<Asn1TObject>(record, table->slotOffset);
-        if (table->value == OpenValue::OpenType || slot.decoded != nullptr) {
-            return slotText(object, slot);
-        }
-    }
-    return valueText(*element.type, place(record, element.offset));
-}
-
-std::string recordText(const TypeDescription& type, const void* record) {
-    std::string text;
-    for (unsigned i = 0; i < type.elementCount; ++i) {
-        const ElementDescription& element = type.elements[i];
-        if (element.presence != Presence::Optional ||
-            (at<unsigned>(record, type.presenceOffset) >> element.presenceBit & 1u) != 0) {
-            text += std::string(element.name) + " " + elementText(type, element, record) + ", ";
-        }
-    }
-    if (type.extensionOffset != NoOffset) {
-        const auto unknown = [](const void* element) {
-            return valueText(builtin::openType, element);
-        };
-        for (const std::string& element :
-             textsOf(at<Asn1RTDList>(record, type.extensionOffset), unknown)) {
-            text += element + ", ";
-        }
-    }
-    return text;
-}
-
-std::string arrayText(const TypeDescription& type, const void* value) {
-    std::vector<std::string> members;
-    const void* places = type.shape == Shape::FixedArray ? place(value, type.dataOffset)
-                                                         : at<void*>(value, type.dataOffset);
-    for (unsigned i = 0; i < at<unsigned>(value, type.countOffset); ++i) {
-        members.push_back(
-            valueText(*type.element, place(places, std::size_t{i} * type.element->valueSize)));
-    }
-    return membersText(type, std::move(members));
-}
-
-std::string choiceText(const TypeDescription& type, const void* value) {
-    const unsigned selector = at<unsigned>(value, type.countOffset);
-    if (selector == 0) {
-        return "no alternative";
-    }
-    const ElementDescription& alternative = type.elements[selector - 1];
-    return std::string(alternative.name) + " " +
-           valueText(*alternative.type, alternative.indirect ? at<void*>(value, alternative.offset)
-                                                             : place(value, alternative.offset));
-}
-
-/// What a value says, as text.
-std::string valueText(const TypeDescription& type, const void* value) {
-    switch (type.shape) {
-    case Shape::Boolean:
-        return at<unsigned char>(value, 0) != 0 ? "TRUE" : "FALSE";
-    case Shape::Integer:
-    case Shape::Unsigned:
-    case Shape::Enumerated:
-    case Shape::Unsigned16:
-        return hex(value, type.valueSize);
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-    case Shape::Text: {
-        const char* text = at<const char*>(value, 0);
-        return text != nullptr ? "'" + std::string(text) + "'" : "no text";
-    }
-    case Shape::Null:
-        return "NULL";
-    case Shape::ObjectIdentifier: {
-        const auto& identifier = at<ASN1TObjId>(value, 0);
-        return unitsText(identifier.numids, identifier.subid, 32);
-    }
-    case Shape::OctetString:
-    case Shape::OpenType: // begins as an OCTET STRING does
-        return unitsText(at<ASN1TDynOctStr>(value, 0).numocts, at<ASN1TDynOctStr>(value, 0).data,
-                         8);
-    case Shape::BitString:
-        return unitsText(at<ASN1TDynBitStr>(value, 0).numbits, at<ASN1TDynBitStr>(value, 0).data,
-                         1);
-    case Shape::FixedOctetString:
-    case Shape::FixedBitString:
-        return unitsText(at<unsigned>(value, type.countOffset), place(value, type.dataOffset),
-                         type.shape == Shape::FixedBitString ? 1 : 8);
-    case Shape::Text16:
-        return unitsText(at<Asn116BitCharString>(value, 0).nchars,
-                         at<Asn116BitCharString>(value, 0).data, 16);
-    case Shape::Text32:
-        return unitsText(at<Asn132BitCharString>(value, 0).nchars,
-                         at<Asn132BitCharString>(value, 0).data, 32);
-    case Shape::Sequence:
-    case Shape::Set:
-        return recordText(type, value);
-    case Shape::Choice:
-        return choiceText(type, value);
-    case Shape::List:
-        return membersText(type, textsOf(at<Asn1RTDList>(value, 0), [&](const void* member) {
-                               return valueText(*type.element, member);
-                           }));
-    case Shape::Array:
-    case Shape::FixedArray:
-        return arrayText(type, value);
-    }
-    return "";
-}
-
-} // namespace
-
-bool equalValues(const TypeDescription& type, const void* a, const void* b) {
-    return valueText(type, a) == valueText(type, b);
 }
 
 } // namespace tests

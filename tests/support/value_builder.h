@@ -47,10 +47,6 @@ private:
     unsigned depth_ = 0;
 };
 
-/// Whether two values say the same. Members of a SET OF are compared in any order; a BOOLEAN by its
-/// truth.
-bool equalValues(const asn1data::TypeDescription& type, const void* a, const void* b);
-
 } // namespace tests
 
 #endif

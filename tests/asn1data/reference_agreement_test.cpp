@@ -1,0 +1,191 @@
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <map>
+#include <random>
+#include <string>
+
+#include <brevantis/asn1/asn1data.h>
+#include <gtest/gtest.h>
+
+#include "support/coding.h"
+#include "support/data_file.h"
+#include "support/loosened.h"
+#include "support/mutation.h"
+#include "support/reference_decoder.h"
+#include "support/value_builder.h"
+#include "support/value_text.h"
+
+// Decoding and walking share the code that knows which element may begin where. Here both are held
+// against a decoder that shares nothing with them: status, place and value of every message.
+
+namespace shapes {
+
+asn1data::TypeRange allTypes() noexcept;
+const asn1data::TypeDescription* findType(const char* name) noexcept;
+
+} // namespace shapes
+
+namespace {
+
+using namespace asn1data;
+using tests::Octets;
+
+/// Writes down what a walk reports, as the reference does.
+class ElementNotes : public WalkVisitor {
+public:
+    WalkAction enter(const WalkElement& element) override {
+        note(element);
+        text += "{\n";
+        return WalkAction::Continue;
+    }
+    WalkAction leave(const WalkElement& /*element*/) override {
+        text += "}\n";
+        return WalkAction::Continue;
+    }
+    WalkAction primitive(const WalkElement& element) override {
+        note(element);
+        return WalkAction::Continue;
+    }
+
+    std::string text;
+
+private:
+    static std::string value(const WalkElement& element) {
+        const Shape shape = element.type != nullptr ? element.type->shape : Shape::OpenType;
+        if (shape <= Shape::Enumerated) {
+            return std::to_string(element.value.number);
+        }
+        if (element.value.identifier != nullptr) {
+            return tests::numbersText(element.value.identifier->subid,
+                                      element.value.identifier->numids);
+        }
+        Octets octets(copyOctets(element, nullptr, 0));
+        copyOctets(element, octets.data(), octets.size());
+        const bool bits = shape == Shape::BitString || shape == Shape::FixedBitString;
+        return tests::toHex(octets) + (bits ? "/" + std::to_string(element.value.bitCount) : "");
+    }
+    void note(const WalkElement& element) {
+        text += tests::elementNote(pathText(*element.step), element.offset, element.valueOffset,
+                                   element.headerLength, element.contentLength, element.assembled,
+                                   element.type, value(element));
+    }
+};
+
+/// Holds decoding and walking against the reference, and prints at its end how messages came out.
+class Agreement {
+public:
+    /// @return false after a difference
+    bool check(const TypeDescription& type, const Octets& message) {
+        const tests::ReferenceDecoding expected = tests::referenceDecoding(type, message);
+        ++statuses_[expected.status];
+
+        tests::Reader reader(message);
+        if (!message.empty()) {
+            xd_setp(reader, reader->buffer.data, static_cast<int>(message.size()), nullptr,
+                    nullptr);
+        }
+        void* const value = family::newRecord(reader, type);
+        EXPECT_EQ(family::decode(reader, type, value, ASN1TagExplicit, 0), expected.status);
+        expectPlace(reader.position(), expected);
+
+        ElementNotes notes;
+        const WalkResult walked = walk(type, message.data(), message.size(), notes);
+        EXPECT_EQ(walked.status, expected.status) << failureText(walked.failure);
+        expectPlace(expected.status == 0 ? walked.consumed : walked.failure.partOffset, expected);
+        if (expected.status == 0 && !testing::Test::HasFailure()) {
+            expectSame(tests::valueText(type, value), expected.value);
+            expectSame(notes.text, expected.elements);
+        }
+        if (testing::Test::HasFailure()) {
+            ADD_FAILURE() << type.name << " of " << tests::toHex(message);
+            return false;
+        }
+        return true;
+    }
+    ~Agreement() {
+        std::size_t all = 0;
+        for (const auto& [status, count] : statuses_) {
+            all += count;
+            std::cout << rtStatusName(status) << ": " << count << ", ";
+        }
+        std::cout << "messages: " << all << "\n";
+    }
+
+private:
+    static void expectSame(const std::string& text, const std::string& expected) {
+        const auto shared =
+            std::mismatch(text.begin(), text.end(), expected.begin(), expected.end());
+        EXPECT_EQ(text, expected) << "from here: "
+                                  << std::string(shared.first, text.end()).substr(0, 200)
+                                  << "\nand here: "
+                                  << std::string(shared.second, expected.end()).substr(0, 200);
+    }
+
+    /// How far a primitive is read before it is refused is the library's own affair.
+    static void expectPlace(unsigned place, const tests::ReferenceDecoding& expected) {
+        if (expected.inside) {
+            EXPECT_GE(place, expected.position);
+        } else {
+            EXPECT_EQ(place, expected.position);
+        }
+    }
+
+    std::map<int, std::size_t> statuses_;
+};
+
+/// Values a type. The environment raises it for a thorough run.
+unsigned valuesPerType() {
+    const char* wanted = std::getenv("BREVANTIS_VALUES_PER_TYPE");
+    return wanted != nullptr ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 10)) : 4;
+}
+
+void checkValuesOf(const TypeRange& types, unsigned mutations) {
+    std::mt19937 random(7);
+    Agreement agreement;
+    for (const TypeDescription* type : types) {
+        for (unsigned seed = 1; seed <= valuesPerType(); ++seed) {
+            tests::Context values;
+            void* const value = tests::ValueBuilder(values, seed).build(*type);
+            ASSERT_EQ(xe_setp(values, nullptr, 0), 0);
+            const int count = family::encode(values, *type, value, ASN1TagExplicit);
+            ASSERT_GE(count, 0) << type->name;
+            const Octets message(xe_getp(values), xe_getp(values) + count);
+            if (!agreement.check(*type, message) || message.empty()) {
+                return;
+            }
+            for (unsigned i = 0; i < mutations; ++i) {
+                Octets damaged = i % 2 == 0 ? message : tests::loosened(message, random);
+                for (unsigned harm = 0; harm < i % 4 && !damaged.empty(); ++harm) {
+                    tests::damage(damaged, random);
+                }
+                if (!agreement.check(*type, damaged)) {
+                    return;
+                }
+            }
+        }
+    }
+}
+
+TEST(ReferenceAgreement, OnValuesOfTheCatalogue) {
+    checkValuesOf(asn1data::allTypes(), 16);
+}
+
+TEST(ReferenceAgreement, OnValuesOfEveryShape) {
+    checkValuesOf(shapes::allTypes(), 60);
+}
+
+TEST(ReferenceAgreement, OnOddMessagesWithEveryOctetChanged) {
+    Agreement agreement;
+    for (const tests::DataRow& row : tests::dataRows("engine.txt", "messages")) {
+        const TypeDescription* const type = shapes::findType(row.text("type"));
+        ASSERT_NE(type, nullptr);
+        tests::forEachMutation(tests::fromHex(row["message"]), [&](const Octets& message) {
+            if (!testing::Test::HasFailure()) {
+                agreement.check(*type, message);
+            }
+        });
+    }
+}
+
+} // namespace
