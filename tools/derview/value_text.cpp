@@ -17,8 +17,8 @@ enum : ASN1TAG { Utf8StringTag = 12, UtcTimeTag = 23, GeneralizedTimeTag = 24 };
 /// Columns of values that are never cut below what can be told.
 constexpr std::size_t SmallestRoom = 16;
 
-/// Goes from segment to segment of a string in constructed form, in constructed segments too. The
-/// walk has read them, so that all lengths are known to fit.
+/// Goes from segment to segment of a string in constructed form. The walk has read them, so that
+/// all lengths are known to fit.
 template <class Take>
 void forEachSegment(const WalkElement& element, Take take) {
     constexpr std::size_t longestHeader = 16;
@@ -31,11 +31,9 @@ void forEachSegment(const WalkElement& element, Take take) {
             return;
         }
         place += header.size;
-        if (header.constructed) {
-            continue;
-        }
-        // The count of unused bits stands in front.
-        const std::size_t leading = bits && header.length != 0 ? 1 : 0;
+        // In front of the last segment's bits stands the count of the unused ones. The decoder
+        // keeps those of the other segments as data.
+        const std::size_t leading = bits && header.length == left + 1 ? 1 : 0;
         const std::size_t size = std::min(header.length - leading, left);
         if (!take(Octets(place + leading, size))) {
             return;
