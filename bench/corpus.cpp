@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "../examples/pem.h"
 #include "generated_messages.h"
+#include "text/message/pem.h"
 
 namespace bench {
 

@@ -13,7 +13,7 @@
 #include <brevantis/asn1/values.h>
 
 #include "name_text.h"
-#include "pem.h"
+#include "text/message/pem.h"
 
 using namespace Brevantis;
 using namespace Brevantis::ASN1;

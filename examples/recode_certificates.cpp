@@ -15,7 +15,7 @@
 #include <brevantis/asn1/runtime.h>
 
 #include "name_text.h"
-#include "pem.h"
+#include "text/message/pem.h"
 
 namespace {
 

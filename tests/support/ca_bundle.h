@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "../../examples/pem.h"
 #include "support/hex.h"
+#include "text/message/pem.h"
 
 namespace tests {
 

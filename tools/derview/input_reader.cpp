@@ -7,8 +7,8 @@
 #include <brevantis/asn1/runtime.h>
 
 #include "escape.h"
-#include "examples/pem.h"
 #include "header.h"
+#include "text/message/pem.h"
 
 namespace derview {
 

@@ -1,4 +1,4 @@
-#include "pem.h"
+#include "text/message/pem.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_PEM_H
-#define EXAMPLES_PEM_H
+#ifndef TEXT_MESSAGE_PEM_H
+#define TEXT_MESSAGE_PEM_H
 
 #include <cstddef>
 #include <string>
