@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "escape.h"
+#include "format.h"
 
 namespace derview {
 
@@ -83,9 +84,13 @@ void addOptions(CLI::App& app, Arguments& arguments) {
     app.add_option("--message", arguments.message, "Look at one message of each file only")
         ->type_name("NUMBER")
         ->check(CLI::Validator(checkNumber, ""));
-    addChoice<Format>(app, "--format", arguments.format,
-                      {{"tree", Format::Tree}, {"json", Format::Json}, {"der", Format::Der}},
-                      "How they are shown; der encodes them again");
+    Choices<const FormatDescription*> formats;
+    for (const FormatDescription& format : allFormats()) {
+        formats.emplace_back(format.name, &format);
+    }
+    arguments.format = formats.front().second;
+    addChoice(app, "--format", arguments.format, formats,
+              "How they are shown; der encodes them again");
     app.add_flag("--lines", arguments.lines, "JSON: one message a line");
     app.add_flag("--offsets", arguments.offsets,
                  "Tree: offset, octets of header and of contents in front of each line");
@@ -128,22 +133,21 @@ const char* contradiction(const Arguments& arguments) {
     if (arguments.diff && arguments.message != 0) {
         return "--message does not go with --diff";
     }
-    if (arguments.format == Format::Der && modes != 0) {
+    if (arguments.format->isOctets && modes != 0) {
         return "--format der encodes whole messages";
     }
     const bool writesOthers = arguments.raw || (modes != 0 && !arguments.path);
-    if (arguments.format == Format::Json && writesOthers) {
+    if (!arguments.format->takesLayout && writesOthers) {
         return "--format json does not go with --raw, --check, --lint, --diff, --list-types and "
                "--describe";
     }
-    if ((arguments.offsets || arguments.full) &&
-        (writesOthers || arguments.format != Format::Tree)) {
+    if ((arguments.offsets || arguments.full) && (writesOthers || !arguments.format->takesLayout)) {
         return "--offsets and --full are for the tree";
     }
-    if (arguments.lines && arguments.format != Format::Json) {
+    if (arguments.lines && !arguments.format->takesLines) {
         return "--lines needs --format json";
     }
-    const bool octets = arguments.raw || arguments.format == Format::Der;
+    const bool octets = arguments.raw || arguments.format->isOctets;
     return octets && isTerminal(1) ? "octets are not written to a terminal" : nullptr;
 }
 

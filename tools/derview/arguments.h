@@ -12,15 +12,14 @@
 
 namespace derview {
 
-/// How messages are written.
-enum class Format : unsigned char { Tree, Json, Der };
+struct FormatDescription;
 
 /// What a command line asks for.
 struct Arguments {
     std::vector<std::string> files; ///< "-" is standard input; never empty
     InputForm input = InputForm::Auto;
     const asn1data::TypeDescription* type = nullptr; ///< null: recognised
-    Format format = Format::Tree;
+    const FormatDescription* format = nullptr;       ///< how messages are written; never null
     bool lines = false;
     bool offsets = false;
     bool full = false;

@@ -1,6 +1,5 @@
 #include "session.h"
 
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -23,9 +22,10 @@ public:
         : arguments_(arguments), output_(usesColor(arguments.color)),
           // A tree that scrolls by on the same terminal tells by itself how far it has come.
           progress_(isTerminal(2) && (arguments.check || arguments.lint || !isTerminal(1))),
+          diagnostics_(output_, progress_),
           width_(arguments.width != 0 ? arguments.width : terminalWidth()),
           checker_(output_, progress_, arguments.check, arguments.lint),
-          viewer_(output_, progress_, arguments, width_) {}
+          viewer_({output_, diagnostics_, arguments, width_}, progress_) {}
 
     int run();
 
@@ -47,6 +47,7 @@ private:
     const Arguments& arguments_;
     Output output_;
     Progress progress_;
+    Diagnostics diagnostics_;
     std::size_t width_;
     Checker checker_;
     Viewer viewer_;
@@ -56,9 +57,7 @@ private:
 /// Tells something that no message can be shown for.
 void Session::tell(const std::string& text) {
     good_ = false;
-    progress_.clear();
-    output_.flush();
-    std::fprintf(stderr, "%s\n", text.c_str());
+    diagnostics_.tell(text);
 }
 
 void Session::tellProblem(const std::string& place, const std::string& problem) {

@@ -1,7 +1,10 @@
-#include "json_writer.h"
+#include "json_format.h"
 
 #include <limits>
 
+#include <brevantis/asn1/runtime/status.h>
+
+#include "failure_text.h"
 #include "value_text.h"
 
 namespace derview {
@@ -14,6 +17,12 @@ namespace {
 /// The largest number that every reader of JSON takes exactly (RFC 8259, 6).
 constexpr long long LargestExact = (1LL << 53) - 1;
 constexpr std::size_t Endless = std::numeric_limits<std::size_t>::max();
+
+/// A text from the command line as valid UTF-8.
+std::string givenText(const std::string& text) {
+    const void* const start = text.data();
+    return toUtf8({static_cast<const unsigned char*>(start), text.size()}, CharacterCoding::Utf8);
+}
 
 void writeNumber(JsonStream& json, const WalkElement& element) {
     const long long number = element.value.number;
@@ -71,7 +80,92 @@ void writeBits(JsonStream& json, const WalkElement& element) {
 
 } // namespace
 
-void JsonWriter::beginElement(const WalkElement& element) {
+void JsonFormat::begin(const View& view) {
+    view_ = &view;
+    labels_ = {};
+    ends_ = {};
+    hidesOctets_ = false;
+    depths_.clear();
+    wrote_ = false;
+    const Message& message = view.message;
+    json_.beginObject();
+    json_.key("file");
+    json_.string(givenText(message.file));
+    json_.key("message");
+    json_.number(static_cast<long long>(message.number));
+    if (!message.label.empty()) {
+        json_.key("label");
+        json_.string(message.label);
+    }
+    json_.key("type");
+    json_.string(view.type().name);
+    json_.key("recognised");
+    json_.string(view.recognition.reason);
+    if (view.span != nullptr) {
+        json_.key("path");
+        json_.string(givenText(*view.path));
+        json_.key("offset");
+        json_.number(view.span->offset);
+    }
+    json_.key("size");
+    json_.number(static_cast<long long>(view.size()));
+    json_.key("value");
+}
+
+void JsonFormat::endValue() {
+    if (!wrote_) {
+        json_.literal("null");
+        wrote_ = true;
+    }
+    json_.endTo(1);
+}
+
+void JsonFormat::writeError(const asn1data::WalkFailure& failure) {
+    json_.key("error");
+    json_.beginObject();
+    json_.key("status");
+    json_.number(failure.status);
+    json_.key("name");
+    json_.string(rtStatusName(failure.status));
+    json_.key("offset");
+    json_.number(failure.offset);
+    json_.key("path");
+    json_.string(failure.path);
+    json_.key("expected");
+    json_.string(expectedText(failure));
+    json_.key("found");
+    json_.string(foundText(failure));
+    json_.end();
+}
+
+void JsonFormat::missing(const asn1data::WalkResult& /*walked*/) {
+    endValue();
+    if (view_->cut->status != 0) {
+        writeError(view_->cut->failure);
+    }
+    json_.key("missing");
+    json_.number(static_cast<long long>(view_->message.missing()));
+}
+
+void JsonFormat::error(const asn1data::WalkFailure& failure) {
+    endValue();
+    writeError(failure);
+}
+
+void JsonFormat::trailing(const Leftover& left) {
+    endValue();
+    json_.key("trailing");
+    json_.number(static_cast<long long>(left.count));
+}
+
+bool JsonFormat::end() {
+    endValue();
+    json_.end();
+    json_.finish();
+    return !hidesOctets_;
+}
+
+void JsonFormat::beginElement(const WalkElement& element) {
     wrote_ = true;
     const Label label = labels_.labelOf(element);
     // The outermost element is the value of a key that stands already.
@@ -84,7 +178,7 @@ void JsonWriter::beginElement(const WalkElement& element) {
     }
 }
 
-WalkAction JsonWriter::enter(const WalkElement& element) {
+WalkAction JsonFormat::enter(const WalkElement& element) {
     ends_.enter(element);
     depths_.push_back(json_.depth());
     beginElement(element);
@@ -97,7 +191,7 @@ WalkAction JsonWriter::enter(const WalkElement& element) {
     return WalkAction::Continue;
 }
 
-WalkAction JsonWriter::leave(const WalkElement& element) {
+WalkAction JsonFormat::leave(const WalkElement& element) {
     const ContentsEnd::Gap gap = ends_.leave(element);
     if (gap.hidden != 0) {
         hidesOctets_ = true;
@@ -110,7 +204,7 @@ WalkAction JsonWriter::leave(const WalkElement& element) {
     return WalkAction::Continue;
 }
 
-WalkAction JsonWriter::primitive(const WalkElement& element) {
+WalkAction JsonFormat::primitive(const WalkElement& element) {
     ends_.primitive(element);
     const std::size_t depth = json_.depth();
     beginElement(element);
@@ -119,7 +213,7 @@ WalkAction JsonWriter::primitive(const WalkElement& element) {
     return WalkAction::Continue;
 }
 
-void JsonWriter::writeValue(const WalkElement& element) {
+void JsonFormat::writeValue(const WalkElement& element) {
     OctetStore store;
     switch (valueKind(element)) {
     case ValueKind::Null:

@@ -1,42 +1,38 @@
-#ifndef DERVIEW_TREE_WRITER_H
-#define DERVIEW_TREE_WRITER_H
+#ifndef DERVIEW_TREE_FORMAT_H
+#define DERVIEW_TREE_FORMAT_H
 
 #include <string>
 
-#include <brevantis/asn1/asn1data/walk.h>
-
 #include "contents_end.h"
+#include "format.h"
 #include "labels.h"
-#include "output.h"
 #include "value_text.h"
 
 namespace derview {
 
-/// How a tree is written.
-struct TreeOptions {
-    std::size_t width = 80; ///< columns
-    bool offsets = false;   ///< in front of each line: offset, octets of header and of contents
-    bool full = false;      ///< nothing is cut; long values go on in further lines
-};
-
-/// Writes what a walk reports as a tree, a line an element.
-class TreeWriter : public asn1data::WalkVisitor {
+/// Writes messages as trees, a line an element.
+class TreeFormat : public Format {
 public:
-    TreeWriter(Output& output, const TreeOptions& options) : output_(output), options_(options) {}
+    explicit TreeFormat(const FormatContext& context)
+        : output_(context.output), width_(context.width), offsets_(context.arguments.offsets),
+          full_(context.arguments.full) {}
 
+    void begin(const View& view) override;
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
     asn1data::WalkAction primitive(const asn1data::WalkElement& element) override;
 
+    void missing(const asn1data::WalkResult& walked) override;
+    void error(const asn1data::WalkFailure& failure) override;
+    void trailing(const Leftover& left) override;
+    bool end() override { return !hidesOctets_; }
+
+private:
+    void writeHeading();
     /// Tells a failure at the place where the tree ends.
     void writeFailure(const std::string& text);
     /// Tells something about the message behind its tree.
     void writeNote(const std::string& text);
-
-    /// Whether octets stand behind the typed value in an OCTET STRING, which the tree notes only.
-    bool hidesOctets() const { return hidesOctets_; }
-
-private:
     /// Writes what stands in front of the value.
     /// @return the column that the value begins at
     std::size_t writeLabel(const asn1data::WalkElement& element);
@@ -53,10 +49,14 @@ private:
     std::size_t margin() const;
 
     Output& output_;
-    TreeOptions options_;
+    std::size_t width_; ///< columns
+    bool offsets_;      ///< in front of each line: offset, octets of header and of contents
+    bool full_;         ///< nothing is cut; long values go on in further lines
+    bool first_ = true; ///< no message has been written yet
+    const View* view_ = nullptr;
     Labels labels_;
     ContentsEnd ends_;
-    bool hidesOctets_ = false;
+    bool hidesOctets_ = false; ///< behind the typed value in an OCTET STRING, and noted only
 };
 
 } // namespace derview

@@ -1,10 +1,10 @@
-#include "tree_writer.h"
+#include "tree_format.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <limits>
 
-#include "message.h"
+#include "failure_text.h"
 #include "raw_value.h"
 
 namespace derview {
@@ -85,12 +85,12 @@ std::string offsetText(const WalkElement& element) {
 
 } // namespace
 
-std::size_t TreeWriter::margin() const {
-    return (options_.offsets ? OffsetColumns : 0) + labels_.depth() * IndentStep;
+std::size_t TreeFormat::margin() const {
+    return (offsets_ ? OffsetColumns : 0) + labels_.depth() * IndentStep;
 }
 
-std::size_t TreeWriter::writeLabel(const WalkElement& element) {
-    if (options_.offsets) {
+std::size_t TreeFormat::writeLabel(const WalkElement& element) {
+    if (offsets_) {
         output_.write(Style::Quiet, offsetText(element));
     }
     output_.fill(labels_.depth() * IndentStep);
@@ -111,23 +111,23 @@ std::size_t TreeWriter::writeLabel(const WalkElement& element) {
     return column;
 }
 
-std::size_t TreeWriter::roomAt(std::size_t column) const {
-    return options_.width > column + LeastRoom ? options_.width - column : LeastRoom;
+std::size_t TreeFormat::roomAt(std::size_t column) const {
+    return width_ > column + LeastRoom ? width_ - column : LeastRoom;
 }
 
-std::size_t TreeWriter::findRoom(std::size_t column, std::size_t columns) {
-    if (column + columns <= options_.width) {
+std::size_t TreeFormat::findRoom(std::size_t column, std::size_t columns) {
+    if (column + columns <= width_) {
         return column;
     }
     output_.dropBlanks();
     output_.write("\n");
-    const std::size_t most = options_.width > LeastRoom ? options_.width - LeastRoom : 0;
+    const std::size_t most = width_ > LeastRoom ? width_ - LeastRoom : 0;
     const std::size_t next = std::min(margin() + IndentStep, most);
     output_.fill(next);
     return next;
 }
 
-void TreeWriter::writeWrapped(Style style, std::string_view text, std::size_t column) {
+void TreeFormat::writeWrapped(Style style, std::string_view text, std::size_t column) {
     const std::size_t room = roomAt(column);
     for (bool first = true; first || !text.empty(); first = false) {
         const std::size_t size = sizeOfLine(text, room);
@@ -138,7 +138,7 @@ void TreeWriter::writeWrapped(Style style, std::string_view text, std::size_t co
     }
 }
 
-void TreeWriter::writeOctets(Octets octets, std::size_t column) {
+void TreeFormat::writeOctets(Octets octets, std::size_t column) {
     const std::size_t room = roomAt(column) / 2;
     for (bool first = true; !octets.empty(); first = false) {
         const std::size_t size = std::min(octets.size(), room);
@@ -149,11 +149,11 @@ void TreeWriter::writeOctets(Octets octets, std::size_t column) {
     }
 }
 
-void TreeWriter::writeValue(const WalkElement& element, std::size_t column) {
+void TreeFormat::writeValue(const WalkElement& element, std::size_t column) {
     constexpr std::size_t endless = std::numeric_limits<std::size_t>::max();
     const ValueKind kind = valueKind(element);
     column = findRoom(column, std::min(columnsOf(valueText(element, LeastRoom).text), LeastRoom));
-    const std::size_t room = options_.full ? endless : roomAt(column);
+    const std::size_t room = full_ ? endless : roomAt(column);
     if (kind == ValueKind::Raw) {
         if (const auto known = rawValueText(element, room)) {
             if (known->kind != ValueKind::Null) {
@@ -166,7 +166,7 @@ void TreeWriter::writeValue(const WalkElement& element, std::size_t column) {
         }
     }
     const bool isOctets = kind == ValueKind::OctetString || kind == ValueKind::Raw;
-    if (options_.full && isOctets && element.value.octetCount != 0) {
+    if (full_ && isOctets && element.value.octetCount != 0) {
         OctetStore store;
         writeOctets(valueOctets(element, endless, store), column);
         return;
@@ -177,7 +177,7 @@ void TreeWriter::writeValue(const WalkElement& element, std::size_t column) {
     writeText(kind, value.rest == 0 ? value : valueText(element, room), column);
 }
 
-void TreeWriter::writeText(ValueKind kind, const ValueText& value, std::size_t column) {
+void TreeFormat::writeText(ValueKind kind, const ValueText& value, std::size_t column) {
     if (value.rest == 0) {
         writeWrapped(styleOf(kind), value.text, column);
         return;
@@ -193,9 +193,9 @@ void TreeWriter::writeText(ValueKind kind, const ValueText& value, std::size_t c
     writeWrapped(Style::Quiet, note, column);
 }
 
-WalkAction TreeWriter::enter(const WalkElement& element) {
+WalkAction TreeFormat::enter(const WalkElement& element) {
     ends_.enter(element);
-    if (labels_.depth() == 0 && !options_.offsets) {
+    if (labels_.depth() == 0 && !offsets_) {
         // The heading above has told all about the message.
         labels_.enter(element);
         return WalkAction::Continue;
@@ -208,7 +208,7 @@ WalkAction TreeWriter::enter(const WalkElement& element) {
     return WalkAction::Continue;
 }
 
-WalkAction TreeWriter::leave(const WalkElement& element) {
+WalkAction TreeFormat::leave(const WalkElement& element) {
     const ContentsEnd::Gap gap = ends_.leave(element);
     if (gap.hidden != 0) {
         hidesOctets_ = true;
@@ -218,20 +218,72 @@ WalkAction TreeWriter::leave(const WalkElement& element) {
     return WalkAction::Continue;
 }
 
-WalkAction TreeWriter::primitive(const WalkElement& element) {
+WalkAction TreeFormat::primitive(const WalkElement& element) {
     ends_.primitive(element);
     writeValue(element, writeLabel(element));
     return WalkAction::Continue;
 }
 
-void TreeWriter::writeFailure(const std::string& text) {
+void TreeFormat::writeHeading() {
+    const Message& message = view_->message;
+    if (!first_) {
+        output_.write("\n");
+    }
+    first_ = false;
+    output_.write(Style::Heading, message.place + ": " + view_->type().name);
+    std::string more = ", ";
+    if (view_->span != nullptr) {
+        const std::string& path = *view_->path;
+        more += (path.empty() ? "the message" : escapeName(path)) + " at offset " +
+                std::to_string(view_->span->offset) + ", " + octetsText(view_->size());
+    } else {
+        more += octetsText(view_->size()) + ", " + view_->recognition.reason;
+    }
+    output_.write(Style::Quiet, more);
+    output_.write("\n");
+}
+
+void TreeFormat::begin(const View& view) {
+    view_ = &view;
+    labels_ = {};
+    ends_ = {};
+    hidesOctets_ = false;
+    writeHeading();
+    if (view.cut != nullptr && view.cut->status != 0) {
+        writeFailure(errorText(view.cut->failure));
+    }
+}
+
+void TreeFormat::missing(const asn1data::WalkResult& walked) {
+    const Message& message = view_->message;
+    if (walked.stopped || walked.failure.offset >= message.octets.size()) {
+        writeFailure("the message ends here: " + missingText(message));
+    } else if (walked.status != 0) {
+        error(walked.failure);
+    }
+}
+
+void TreeFormat::error(const asn1data::WalkFailure& failure) {
+    const Message& message = view_->message;
+    writeFailure(errorText(failure));
+    if (!failure.assembled && failure.offset < message.octets.size()) {
+        writeNote(octetsText(message.octets.size() - failure.offset) + " from offset " +
+                  std::to_string(failure.offset) + " on not shown");
+    }
+}
+
+void TreeFormat::trailing(const Leftover& left) {
+    writeNote(trailingText(left.count) + " from offset " + std::to_string(left.offset) + " on");
+}
+
+void TreeFormat::writeFailure(const std::string& text) {
     output_.fill(margin());
     output_.write(Style::Bad, text);
     output_.write("\n");
 }
 
-void TreeWriter::writeNote(const std::string& text) {
-    output_.fill(options_.offsets ? OffsetColumns : 0);
+void TreeFormat::writeNote(const std::string& text) {
+    output_.fill(offsets_ ? OffsetColumns : 0);
     output_.write(Style::Bad, text);
     output_.write("\n");
 }
