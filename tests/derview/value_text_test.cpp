@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "support/hex.h"
+#include "tools/derview/time_text.h"
 
 // What the viewer writes for the values of primitives.
 

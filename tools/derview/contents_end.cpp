@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "input_reader.h"
-#include "value_text.h"
+#include "value_octets.h"
 
 namespace derview {
 

@@ -11,6 +11,7 @@
 #include "failure_text.h"
 #include "labels.h"
 #include "path_filter.h"
+#include "value_octets.h"
 #include "value_text.h"
 
 namespace derview {

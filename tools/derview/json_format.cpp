@@ -5,7 +5,12 @@
 #include <brevantis/asn1/runtime/status.h>
 
 #include "failure_text.h"
-#include "value_text.h"
+#include "identifier_text.h"
+#include "number_text.h"
+#include "string_text.h"
+#include "time_text.h"
+#include "value_kind.h"
+#include "value_octets.h"
 
 namespace derview {
 

@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "value_text.h"
+#include "value_octets.h"
 
 namespace derview {
 

@@ -3,7 +3,8 @@
 #include <algorithm>
 
 #include "header.h"
-#include "value_text.h"
+#include "value_kind.h"
+#include "value_octets.h"
 
 namespace derview {
 

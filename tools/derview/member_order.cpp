@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "header.h"
+#include "value_kind.h"
 #include "value_text.h"
 
 namespace derview {

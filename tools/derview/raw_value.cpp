@@ -1,5 +1,7 @@
 #include "raw_value.h"
 
+#include "value_text.h"
+
 namespace derview {
 
 using asn1data::TypeDescription;

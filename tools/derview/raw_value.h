@@ -4,7 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "value_text.h"
+#include "cut_text.h"
+#include "value_kind.h"
 
 namespace derview {
 

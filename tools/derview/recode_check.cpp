@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "header.h"
-#include "value_text.h"
+#include "value_kind.h"
 
 namespace derview {
 

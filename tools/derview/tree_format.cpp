@@ -6,6 +6,8 @@
 
 #include "failure_text.h"
 #include "raw_value.h"
+#include "value_octets.h"
+#include "value_text.h"
 
 namespace derview {
 

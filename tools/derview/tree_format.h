@@ -4,9 +4,10 @@
 #include <string>
 
 #include "contents_end.h"
+#include "cut_text.h"
 #include "format.h"
 #include "labels.h"
-#include "value_text.h"
+#include "value_kind.h"
 
 namespace derview {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "value_text.h"
+#include "identifier_text.h"
 
 namespace derview {
 

@@ -1,0 +1,18 @@
+#ifndef DERVIEW_IDENTIFIER_TEXT_H
+#define DERVIEW_IDENTIFIER_TEXT_H
+
+#include <string>
+
+#include <brevantis/asn1/runtime/object_identifier.h>
+
+namespace derview {
+
+/// "1.2.840.113549"
+std::string dottedText(const ASN1OBJID& identifier);
+
+/// With its name if it has one: "id_at_commonName (2.5.4.3)".
+std::string identifierText(const ASN1OBJID& identifier);
+
+} // namespace derview
+
+#endif
