@@ -6,6 +6,41 @@
 // functions of their own, which whoever wants them declares.
 
 namespace asn1gen {
+namespace {
+
+constexpr const char* Declarations = R"(
+asn1data::TypeRange allTypes() noexcept;
+const asn1data::TypeDescription* findType(const char* name) noexcept;
+asn1data::ObjectSetRange allObjectSets() noexcept;
+asn1data::IdentifierRange allIdentifiers() noexcept;
+
+)";
+
+constexpr const char* Definitions = R"(
+
+asn1data::TypeRange allTypes() noexcept {
+    return {sortedTypes, $types};
+}
+
+const asn1data::TypeDescription* findType(const char* name) noexcept {
+    const asn1data::TypeRange all = allTypes();
+    const auto isBefore = [](const asn1data::TypeDescription* type, const char* wanted) {
+        return std::strcmp(type->name, wanted) < 0;
+    };
+    const auto* found = std::lower_bound(all.begin(), all.end(), name, isBefore);
+    return found != all.end() && std::strcmp((*found)->name, name) == 0 ? *found : nullptr;
+}
+
+asn1data::ObjectSetRange allObjectSets() noexcept {
+    return {$sortedSets, $sets};
+}
+
+asn1data::IdentifierRange allIdentifiers() noexcept {
+    return {$sortedIdentifiers, $identifiers};
+}
+)";
+
+} // namespace
 
 std::string Emitter::catalogue() {
     std::vector<std::string> types;
@@ -51,11 +86,7 @@ std::string Emitter::catalogue() {
     out.line();
     out.line("namespace " + output_.nameSpace + " {");
     out.line();
-    out.line("asn1data::TypeRange allTypes() noexcept;");
-    out.line("const asn1data::TypeDescription* findType(const char* name) noexcept;");
-    out.line("asn1data::ObjectSetRange allObjectSets() noexcept;");
-    out.line("asn1data::IdentifierRange allIdentifiers() noexcept;");
-    out.line();
+    out.lines(Declarations, {});
     out.line("namespace {");
     out.line();
     out.line("constexpr const asn1data::TypeDescription* sortedTypes[] = {");
@@ -81,31 +112,12 @@ std::string Emitter::catalogue() {
     }
     out.line();
     out.line("} // namespace");
-    out.line();
-    out.line("asn1data::TypeRange allTypes() noexcept {");
-    out.line("    return {sortedTypes, " + std::to_string(types.size()) + "};");
-    out.line("}");
-    out.line();
-    out.line("const asn1data::TypeDescription* findType(const char* name) noexcept {");
-    out.line("    const asn1data::TypeRange all = allTypes();");
-    out.line("    const auto isBefore = [](const asn1data::TypeDescription* type, const char* "
-             "wanted) {");
-    out.line("        return std::strcmp(type->name, wanted) < 0;");
-    out.line("    };");
-    out.line("    const auto* found = std::lower_bound(all.begin(), all.end(), name, isBefore);");
-    out.line("    return found != all.end() && std::strcmp((*found)->name, name) == 0 ? *found : "
-             "nullptr;");
-    out.line("}");
-    out.line();
-    out.line("asn1data::ObjectSetRange allObjectSets() noexcept {");
-    out.line("    return {" + std::string(sets.empty() ? "nullptr" : "sortedSets") + ", " +
-             std::to_string(sets.size()) + "};");
-    out.line("}");
-    out.line();
-    out.line("asn1data::IdentifierRange allIdentifiers() noexcept {");
-    out.line("    return {" + std::string(identifiers.empty() ? "nullptr" : "sortedIdentifiers") +
-             ", " + std::to_string(identifiers.size()) + "};");
-    out.line("}");
+    out.lines(Definitions,
+              {{"types", std::to_string(types.size())},
+               {"sets", std::to_string(sets.size())},
+               {"sortedSets", sets.empty() ? "nullptr" : "sortedSets"},
+               {"identifiers", std::to_string(identifiers.size())},
+               {"sortedIdentifiers", identifiers.empty() ? "nullptr" : "sortedIdentifiers"}});
     out.line();
     out.line("} // namespace " + output_.nameSpace);
     return out.text();

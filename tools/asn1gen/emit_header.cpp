@@ -48,6 +48,120 @@ std::string initializer(const Type& type) {
     return "";
 }
 
+void enumeration(Writer& out, const std::string& name, const std::vector<std::string>& items) {
+    out.line("enum " + name + " {");
+    out.items(items, 4);
+    out.line("};");
+}
+
+constexpr const char* RecordCopy = R"(
+    /// A deep copy of the control object's value; it keeps the context alive.
+    explicit $T($C& control);
+)";
+
+constexpr const char* RecordFunctions = R"(
+    $T(const $T&) = delete;
+    $T& operator=(const $T&) = delete;
+    /// Gives a copy's memory back to the context it came from.
+    ~$T();
+)";
+
+constexpr const char* NullControl = R"(
+public:
+    /// On a context of its own.
+    $C();
+    explicit $C(ASN1MessageBufferIF& buffer);
+    $C($C& other);
+
+    int EncodeTo(ASN1MessageBufferIF& buffer) override;
+    int DecodeFrom(ASN1MessageBufferIF& buffer) override;
+};
+)";
+
+constexpr const char* Constructors = R"(
+public:
+    /// On a context of its own; the value is the caller's and outlives the object.
+    explicit $C($T& value);
+    $C(ASN1MessageBufferIF& buffer, $T& value);
+)";
+
+constexpr const char* ControlCopy = R"(
+    /// On the context and the buffer of @p other, with a deep copy of its value.
+    /// @throws ASN1MessageBuffer::RTLError with -12 when memory is out
+    $C($C& other);
+    /// Copies the other value over this one, on to this object's context. What the value held
+    /// goes back to its heap: text or octets of your own must not hang from it.
+    $C& operator=($C& other);
+)";
+
+constexpr const char* NoControlCopy = R"(
+    $C(const $C&) = delete;
+    $C& operator=(const $C&) = delete;
+)";
+
+constexpr const char* Coding = R"(
+
+    int EncodeTo(ASN1MessageBufferIF& buffer) override;
+    int DecodeFrom(ASN1MessageBufferIF& buffer) override;
+)";
+
+constexpr const char* Copying = R"(
+    /// Copies the value.
+    /// @param target null for a record on the context's heap, which lives as long as that
+    /// @return the copy; null when memory is out
+    $T* getCopy($T* target = nullptr);
+    /// @return a copy made with `new`, the caller's to delete
+    $T* newCopy();
+)";
+
+constexpr const char* ServedValue = R"(
+
+    /// The value served.
+    $T* msgData;
+)";
+
+constexpr const char* CopyConstructor = R"(
+
+private:
+    $C($C& other, $T& copy);
+)";
+
+constexpr const char* NullFunctions = R"(
+
+/// Encodes, as family::encode tells.
+${api}int asn1E_$X(ASN1CTXT* ctxt, ASN1TagType tagging);
+/// Decodes, as family::decode tells.
+${api}int asn1D_$X(ASN1CTXT* ctxt, ASN1TagType tagging, int length);
+)";
+
+constexpr const char* Functions = R"(
+
+/// Encodes a value, as family::encode tells.
+${api}int asn1E_$X(
+    ASN1CTXT* ctxt, $T* value, ASN1TagType tagging);
+/// Decodes a value, as family::decode tells.
+${api}int asn1D_$X(
+    ASN1CTXT* ctxt, $T* value, ASN1TagType tagging, int length);
+)";
+
+constexpr const char* CopyFunction = R"(
+/// Copies a value on to the context's heap, as family::copy tells.
+${api}void asn1Copy_$X(
+    ASN1CTXT* ctxt, $T* source, $T* target);
+)";
+
+constexpr const char* FreeFunction = R"(
+/// Gives what a value holds back to the context's heap.
+${api}void asn1Free_$X(ASN1CTXT* ctxt, $T* value);
+)";
+
+constexpr const char* TableFunctions = R"(
+/// Encodes the typed open value, as family::encodeOpenValue tells.
+${api}int asn1ETC_$X(ASN1CTXT* ctxt, $T* value);
+/// Decodes the open value, as family::decodeOpenValue tells.
+${api}int asn1DTC_$X(ASN1CTXT* ctxt, $T* value);
+)";
+
 } // namespace
 
 void Emitter::opening(Writer& out, const std::string& file, const std::string& digest) {
@@ -116,12 +230,9 @@ std::string Emitter::header(const Module& module) {
     forwardDeclarations(out, module);
     for (const Identifier& identifier : module.identifiers) {
         out.line();
-        std::string dotted;
-        for (const unsigned arc : identifier.arcs) {
-            dotted += (dotted.empty() ? "" : ".") + std::to_string(arc);
-        }
-        out.comment(dotted + (identifier.comment.empty() ? "" : ": " + identifier.comment));
-        out.declare(exported("extern") + " const ASN1OBJID", identifier.name, ";");
+        out.comment(arcsText(identifier.arcs, ".") +
+                    (identifier.comment.empty() ? "" : ": " + identifier.comment));
+        out.line(exported("extern") + " const ASN1OBJID " + identifier.name + ";");
     }
     for (const Type* type : inOrderOfUse(module)) {
         out.line();
@@ -190,7 +301,7 @@ void Emitter::namedNumbers(Writer& out, const Type& type) {
         items.push_back(type.name + "_" + cppName(named.name) + " = " +
                         std::to_string(named.number));
     }
-    out.enumeration("enum N_" + type.name + " : " + (negative ? "int" : "unsigned"), items);
+    enumeration(out, "N_" + type.name + " : " + (negative ? "int" : "unsigned"), items);
 }
 
 void Emitter::sequenceMembers(Writer& out, const Type& type) {
@@ -250,17 +361,13 @@ void Emitter::choiceMembers(Writer& out, const Type& type) {
 }
 
 void Emitter::recordFunctions(Writer& out, const Type& type) {
-    const std::string name = recordName(type);
+    const Values values = namesOf(type);
     out.line();
-    out.line("    " + name + "() = default;");
+    out.lines("    $T() = default;\n", values);
     if (type.copyable) {
-        out.line("    /// A deep copy of the control object's value; it keeps the context alive.");
-        out.call("    explicit " + name, {controlName(type) + "& control"}, ";");
+        out.lines(RecordCopy, values);
     }
-    out.call("    " + name, {"const " + name + "&"}, " = delete;");
-    out.call("    " + name + "& operator=", {"const " + name + "&"}, " = delete;");
-    out.line("    /// Gives a copy's memory back to the context it came from.");
-    out.line("    ~" + name + "();");
+    out.lines(RecordFunctions, values);
 }
 
 void Emitter::record(Writer& out, const Type& type) {
@@ -334,7 +441,7 @@ void Emitter::record(Writer& out, const Type& type) {
             items.push_back("T_" + type.name + "_" + cppName(element.name) + " = " +
                             std::to_string(items.size() + 1));
         }
-        out.enumeration("enum T_" + type.name + " : unsigned", items);
+        enumeration(out, "T_" + type.name + " : unsigned", items);
     }
 }
 
@@ -342,102 +449,47 @@ void Emitter::control(Writer& out, const Type& type) {
     static const char* const bases[] = {"ASN1CType",   "ASN1CSeqOfList",       "ASN1CBitStr",
                                         "ASN1CBitStr", "ASN1CGeneralizedTime", "ASN1CType"};
     const ControlBase kind = controlBase(type);
-    const std::string name = controlName(type);
-    const std::string value = recordName(type);
+    const Values values = namesOf(type);
     const std::string base =
         kind == ControlBase::Alias ? controlName(*type.aliasOf) : bases[static_cast<int>(kind)];
     out.line();
-    out.comment("Ties a value of " + value + " to a context and a message buffer.");
-    out.derived(exported("class") + " " + name, "public " + base);
-    out.line("public:");
+    out.comment("Ties a value of " + recordName(type) + " to a context and a message buffer.");
+    out.line(exported("class") + " " + controlName(type) + " : public " + base + " {");
     if (kind == ControlBase::Null) {
-        out.line("    /// On a context of its own.");
-        out.line("    " + name + "();");
-        out.line("    explicit " + name + "(ASN1MessageBufferIF& buffer);");
-        out.line("    " + name + "(" + name + "& other);");
-        out.line();
-        out.line("    int EncodeTo(ASN1MessageBufferIF& buffer) override;");
-        out.line("    int DecodeFrom(ASN1MessageBufferIF& buffer) override;");
-        out.line("};");
+        out.lines(NullControl, values);
         return;
     }
-    out.line("    /// On a context of its own; the value is the caller's and outlives the object.");
-    out.call("    explicit " + name, {value + "& value"}, ";");
-    out.call("    " + name, {"ASN1MessageBufferIF& buffer", value + "& value"}, ";");
+    out.lines(Constructors, values);
+    out.lines(type.copyable ? ControlCopy : NoControlCopy, values);
+    out.lines(Coding, values);
     if (type.copyable) {
-        out.line(
-            "    /// On the context and the buffer of @p other, with a deep copy of its value.");
-        out.line("    /// @throws ASN1MessageBuffer::RTLError with -12 when memory is out");
-        out.call("    " + name, {name + "& other"}, ";");
-        out.line("    /// Copies the other value over this one, on to this object's context. What "
-                 "the value held");
-        out.line(
-            "    /// goes back to its heap: text or octets of your own must not hang from it.");
-        out.call("    " + name + "& operator=", {name + "& other"}, ";");
-    } else {
-        out.call("    " + name, {"const " + name + "&"}, " = delete;");
-        out.call("    " + name + "& operator=", {"const " + name + "&"}, " = delete;");
-    }
-    out.line();
-    out.line("    int EncodeTo(ASN1MessageBufferIF& buffer) override;");
-    out.line("    int DecodeFrom(ASN1MessageBufferIF& buffer) override;");
-    if (type.copyable) {
-        out.line("    /// Copies the value.");
-        out.line("    /// @param target null for a record on the context's heap, which lives as "
-                 "long as that");
-        out.line("    /// @return the copy; null when memory is out");
-        out.call("    " + value + "* getCopy", {value + "* target = nullptr"}, ";");
-        out.line("    /// @return a copy made with `new`, the caller's to delete");
-        out.line("    " + value + "* newCopy();");
+        out.lines(Copying, values);
     }
     if (kind != ControlBase::Alias) {
-        out.line();
-        out.line("    /// The value served.");
-        out.line("    " + value + "* msgData;");
-        const bool list = kind == ControlBase::List || kind == ControlBase::BitString ||
-                          kind == ControlBase::FixedBitString || kind == ControlBase::Time;
-        if (list && type.copyable) {
-            out.line();
-            out.line("private:");
-            out.call("    " + name, {name + "& other", value + "& copy"}, ";");
-        }
+        out.lines(ServedValue, values);
+    }
+    if (kind != ControlBase::Alias && kind != ControlBase::Plain && type.copyable) {
+        out.lines(CopyConstructor, values);
     }
     out.line("};");
 }
 
 void Emitter::functions(Writer& out, const Type& type) {
-    const std::string macro = output_.exportMacro.empty() ? "" : output_.exportMacro + " ";
-    const std::string pointer = recordName(type) + "*";
-    const auto declare = [&](const std::string& result, const std::string& prefix,
-                             std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "ASN1CTXT* ctxt");
-        out.call(macro + result + " " + prefix + type.name, arguments, ";");
-    };
-    out.line();
+    Values values = namesOf(type);
+    values["api"] = output_.exportMacro.empty() ? "" : output_.exportMacro + " ";
     if (type.shape == Shape::Null) {
-        out.line("/// Encodes, as family::encode tells.");
-        declare("int", "asn1E_", {"ASN1TagType tagging"});
-        out.line("/// Decodes, as family::decode tells.");
-        declare("int", "asn1D_", {"ASN1TagType tagging", "int length"});
+        out.lines(NullFunctions, values);
         return;
     }
-    out.line("/// Encodes a value, as family::encode tells.");
-    declare("int", "asn1E_", {pointer + " value", "ASN1TagType tagging"});
-    out.line("/// Decodes a value, as family::decode tells.");
-    declare("int", "asn1D_", {pointer + " value", "ASN1TagType tagging", "int length"});
+    out.lines(Functions, values);
     if (type.copyable) {
-        out.line("/// Copies a value on to the context's heap, as family::copy tells.");
-        declare("void", "asn1Copy_", {pointer + " source", pointer + " target"});
+        out.lines(CopyFunction, values);
     }
     if (type.holdsMemory) {
-        out.line("/// Gives what a value holds back to the context's heap.");
-        declare("void", "asn1Free_", {pointer + " value"});
+        out.lines(FreeFunction, values);
     }
     if (type.table) {
-        out.line("/// Encodes the typed open value, as family::encodeOpenValue tells.");
-        declare("int", "asn1ETC_", {pointer + " value"});
-        out.line("/// Decodes the open value, as family::decodeOpenValue tells.");
-        declare("int", "asn1DTC_", {pointer + " value"});
+        out.lines(TableFunctions, values);
     }
 }
 

@@ -5,164 +5,248 @@
 namespace asn1gen {
 namespace {
 
-// How the base class is told about a value, and about the copy in a copied object.
-std::string baseOnValue(ControlBase kind, const std::string& context, const Type& type,
-                        const std::string& value) {
-    const std::string first = context.empty() ? "" : context + ", ";
+/// How the base class is told about a value.
+std::string baseOnValue(ControlBase kind, const Type& type) {
     switch (kind) {
+    case ControlBase::Alias:
+        return controlName(*type.aliasOf) + "($context$value)";
     case ControlBase::List:
-        return "ASN1CSeqOfList(" + first + value + ")";
+        return "ASN1CSeqOfList($context$value)";
     case ControlBase::BitString:
-        return "ASN1CBitStr(" + first + value + ")";
+        return "ASN1CBitStr($context$value)";
     case ControlBase::FixedBitString:
-        return "ASN1CBitStr(" + first + value + ".data, " + value + ".numbits, " +
-               std::to_string(type.capacity) + ")";
+        return "ASN1CBitStr($context$value.data, $value.numbits, $capacity)";
     case ControlBase::Time:
-        return "ASN1CGeneralizedTime(" + first + value + ")";
+        return "ASN1CGeneralizedTime($context$value)";
     default:
-        return "ASN1CType(" + context + ")";
+        return "ASN1CType($only)";
     }
 }
 
+/// The same on a context, or on one of its own where there is none.
+std::string baseOn(ControlBase kind, const Type& type, const std::string& context,
+                   const std::string& value) {
+    return filled(baseOnValue(kind, type), {{"context", context.empty() ? "" : context + ", "},
+                                            {"only", context},
+                                            {"value", value},
+                                            {"capacity", std::to_string(type.capacity)}});
+}
+
+/// What makes the base and its iterators follow a value that was replaced.
+std::string refreshment(ControlBase kind, const Type& type) {
+    switch (kind) {
+    case ControlBase::List:
+        return "++modCount;";
+    case ControlBase::BitString:
+        return "init(*msgData);";
+    case ControlBase::FixedBitString:
+        return "init(msgData->data, msgData->numbits, " + std::to_string(type.capacity) + ");";
+    case ControlBase::Time:
+        return "parsed = 0;";
+    default:
+        return "";
+    }
+}
+
+constexpr const char* NullControl = R"(
+$C::$C() = default;
+$C::$C(ASN1MessageBufferIF& buffer) : ASN1CType(buffer) {}
+$C::$C($C& other) : ASN1CType(other) {}
+
+int $C::EncodeTo(ASN1MessageBufferIF& buffer) {
+    return ${family}encodeTo(*this, buffer, types::$X, nullptr);
+}
+
+int $C::DecodeFrom(ASN1MessageBufferIF& buffer) {
+    return ${family}decodeFrom(*this, buffer, types::$X, nullptr);
+}
+)";
+
+constexpr const char* AliasConstructors = R"(
+$C::$C($T& value)
+    : $onValue {}
+$C::$C(
+    ASN1MessageBufferIF& buffer, $T& value)
+    : $onBuffer {}
+)";
+
+constexpr const char* Constructors = R"(
+$C::$C($T& value)
+    : $onValue, msgData(&value) {}
+$C::$C(
+    ASN1MessageBufferIF& buffer, $T& value)
+    : $onBuffer, msgData(&value) {}
+)";
+
+constexpr const char* PlainCopy = R"(
+$C::$C($C& other)
+    : ASN1CType(other), msgData(&${family}copiedValue(other)) {}
+)";
+
+constexpr const char* CopyThroughValue = R"(
+$C::$C($C& other)
+    : $C(other, ${family}copiedValue(other)) {}
+$C::$C($C& other, $T& copy)
+    : $onCopy, msgData(&copy) {
+    msgBuf = other.msgBuf;
+}
+)";
+
+constexpr const char* AliasAssignment = R"(
+
+$C& $C::operator=($C& other) {
+    $base::operator=(other);
+    return *this;
+}
+)";
+
+constexpr const char* ValueAssignment = R"(
+
+$C& $C::operator=($C& other) {
+    if (msgData != other.msgData) {
+        ${family}assign(*this, types::$X, other.msgData, msgData);$refreshed
+    }
+    return *this;
+}
+)";
+
+constexpr const char* Encoding = R"(
+
+int $C::EncodeTo(ASN1MessageBufferIF& buffer) {
+    return ${family}encodeTo(*this, buffer, types::$X, msgData);
+}
+)";
+
+constexpr const char* Decoding = R"(
+
+int $C::DecodeFrom(ASN1MessageBufferIF& buffer) {
+    return ${family}decodeFrom(*this, buffer, types::$X, msgData);
+}
+)";
+
+constexpr const char* RefreshingDecoding = R"(
+
+int $C::DecodeFrom(ASN1MessageBufferIF& buffer) {
+    const int status = ${family}decodeFrom(*this, buffer, types::$X, msgData);
+    $refresh
+    return status;
+}
+)";
+
+constexpr const char* Copying = R"(
+
+$T* $C::getCopy($T* target) {
+    return ${family}getCopy(*this, types::$X, msgData, target);
+}
+
+$T* $C::newCopy() {
+    return ${family}newCopy(*this, types::$X, msgData);
+}
+)";
+
+constexpr const char* NullFunctions = R"(
+
+int asn1E_$X(ASN1CTXT* ctxt, ASN1TagType tagging) {
+    return ${family}encode(ctxt, types::$X, nullptr, tagging);
+}
+
+int asn1D_$X(ASN1CTXT* ctxt, ASN1TagType tagging, int length) {
+    return ${family}decode(ctxt, types::$X, nullptr, tagging, length);
+}
+)";
+
+constexpr const char* Functions = R"(
+
+int asn1E_$X(ASN1CTXT* ctxt, $T* value, ASN1TagType tagging) {
+    return ${family}encode(ctxt, types::$X, value, tagging);
+}
+
+int asn1D_$X(ASN1CTXT* ctxt, $T* value, ASN1TagType tagging, int length) {
+    return ${family}decode(ctxt, types::$X, value, tagging, length);
+}
+)";
+
+constexpr const char* CopyFunction = R"(
+
+void asn1Copy_$X(ASN1CTXT* ctxt, $T* source, $T* target) {
+    ${family}copy(ctxt, types::$X, source, target);
+}
+)";
+
+constexpr const char* FreeFunction = R"(
+
+void asn1Free_$X(ASN1CTXT* ctxt, $T* value) {
+    ${family}release(ctxt, types::$X, value);
+}
+)";
+
+constexpr const char* TableFunctions = R"(
+
+int asn1ETC_$X(ASN1CTXT* ctxt, $T* value) {
+    return ${family}encodeOpenValue(ctxt, types::$X, value);
+}
+
+int asn1DTC_$X(ASN1CTXT* ctxt, $T* value) {
+    return ${family}decodeOpenValue(ctxt, types::$X, value);
+}
+)";
+
 } // namespace
+
+Values Emitter::namesOf(const Type& type) const {
+    return {{"X", type.name},
+            {"T", recordName(type)},
+            {"C", controlName(type)},
+            {"family", engine("family::")}};
+}
 
 void Emitter::controlDefinitions(Writer& out, const Type& type) {
     const ControlBase kind = controlBase(type);
-    const std::string name = controlName(type);
-    const std::string value = recordName(type);
-    const std::string family = engine("family::");
-    const std::string row = "types::" + type.name;
-    const std::string scope = name + "::";
-    const auto construct = [&](const std::vector<std::string>& arguments,
-                               const std::vector<std::string>& initializers,
-                               const std::string& body) {
-        out.constructor(scope + name, arguments, initializers, body);
-    };
+    const bool alias = kind == ControlBase::Alias;
+    Values values = namesOf(type);
     out.line();
     if (kind == ControlBase::Null) {
-        out.line(scope + name + "() = default;");
-        construct({"ASN1MessageBufferIF& buffer"}, {"ASN1CType(buffer)"}, " {}");
-        construct({name + "& other"}, {"ASN1CType(other)"}, " {}");
-        for (const bool encode : {true, false}) {
-            out.line();
-            out.function(std::string("int ") + scope + (encode ? "EncodeTo" : "DecodeFrom"),
-                         {"ASN1MessageBufferIF& buffer"},
-                         "return " + family + (encode ? "encodeTo" : "decodeFrom"),
-                         {"*this", "buffer", row, "nullptr"});
-        }
+        out.lines(NullControl, values);
         return;
     }
-    const std::string buffer = "ASN1MessageBufferIF& buffer";
-    const bool alias = kind == ControlBase::Alias;
-    if (alias) {
-        const std::string base = controlName(*type.aliasOf);
-        construct({value + "& value"}, {base + "(value)"}, " {}");
-        construct({buffer, value + "& value"}, {base + "(buffer, value)"}, " {}");
-        if (type.copyable) {
-            construct({name + "& other"}, {base + "(other)"}, " {}");
-        }
-    } else {
-        construct({value + "& value"}, {baseOnValue(kind, "", type, "value"), "msgData(&value)"},
-                  " {}");
-        construct({buffer, value + "& value"},
-                  {baseOnValue(kind, "buffer", type, "value"), "msgData(&value)"}, " {}");
-        if (type.copyable && kind == ControlBase::Plain) {
-            construct({name + "& other"},
-                      {"ASN1CType(other)", "msgData(&" + family + "copiedValue(other))"}, " {}");
-        } else if (type.copyable) {
-            construct({name + "& other"}, {name + "(other, " + family + "copiedValue(other))"},
-                      " {}");
-            construct({name + "& other", value + "& copy"},
-                      {baseOnValue(kind, "*other.getContext()", type, "copy"), "msgData(&copy)"},
-                      " {");
-            out.line("    msgBuf = other.msgBuf;");
-            out.line("}");
-        }
-    }
-    // What the base and its iterators know of the value has to follow one that was replaced.
-    const std::string refresh =
-        kind == ControlBase::List        ? "++modCount;"
-        : kind == ControlBase::BitString ? "init(*msgData);"
-        : kind == ControlBase::FixedBitString
-            ? "init(msgData->data, msgData->numbits, " + std::to_string(type.capacity) + ");"
-        : kind == ControlBase::Time ? "parsed = 0;"
-                                    : "";
-    if (type.copyable) {
-        out.line();
-        out.call(name + "& " + scope + "operator=", {name + "& other"}, " {");
-        if (alias) {
-            out.line("    " + controlName(*type.aliasOf) + "::operator=(other);");
-        } else {
-            out.line("    if (msgData != other.msgData) {");
-            out.call("        " + family + "assign", {"*this", row, "other.msgData", "msgData"},
-                     ";");
-            if (!refresh.empty()) {
-                out.line("        " + refresh);
-            }
-            out.line("    }");
-        }
-        out.line("    return *this;");
-        out.line("}");
-    }
-    const std::vector<std::string> served = {"*this", "buffer", row, "msgData"};
-    out.line();
-    out.function("int " + scope + "EncodeTo", {buffer}, "return " + family + "encodeTo", served);
-    out.line();
-    if (refresh.empty()) {
-        out.function("int " + scope + "DecodeFrom", {buffer}, "return " + family + "decodeFrom",
-                     served);
-    } else {
-        out.call("int " + scope + "DecodeFrom", {buffer}, " {");
-        out.call("    const int status = " + family + "decodeFrom", served, ";");
-        out.line("    " + refresh);
-        out.line("    return status;");
-        out.line("}");
+    const std::string refresh = refreshment(kind, type);
+    values["base"] = alias ? controlName(*type.aliasOf) : "";
+    values["onValue"] = baseOn(kind, type, "", "value");
+    values["onBuffer"] = baseOn(kind, type, "buffer", "value");
+    values["onCopy"] = baseOn(kind, type, "*other.getContext()", "copy");
+    values["refresh"] = refresh;
+    values["refreshed"] = refresh.empty() ? "" : "\n        " + refresh;
+    out.lines(alias ? AliasConstructors : Constructors, values);
+    if (type.copyable && alias) {
+        out.lines("$C::$C($C& other) : $base(other) {}\n", values);
+    } else if (type.copyable) {
+        out.lines(kind == ControlBase::Plain ? PlainCopy : CopyThroughValue, values);
     }
     if (type.copyable) {
-        out.line();
-        out.function(value + "* " + scope + "getCopy", {value + "* target"},
-                     "return " + family + "getCopy", {"*this", row, "msgData", "target"});
-        out.line();
-        out.function(value + "* " + scope + "newCopy", {}, "return " + family + "newCopy",
-                     {"*this", row, "msgData"});
+        out.lines(alias ? AliasAssignment : ValueAssignment, values);
+    }
+    out.lines(Encoding, values);
+    out.lines(refresh.empty() ? Decoding : RefreshingDecoding, values);
+    if (type.copyable) {
+        out.lines(Copying, values);
     }
 }
 
 void Emitter::functionDefinitions(Writer& out, const Type& type) {
-    const std::string pointer = recordName(type) + "*";
-    const std::string family = engine("family::");
-    const std::string row = "types::" + type.name;
-    const auto define = [&](const std::string& result, const std::string& prefix,
-                            std::vector<std::string> arguments, const std::string& callee,
-                            std::vector<std::string> passed) {
-        arguments.insert(arguments.begin(), "ASN1CTXT* ctxt");
-        passed.insert(passed.begin(), {"ctxt", row});
-        out.line();
-        out.function(result + " " + prefix + type.name, arguments, callee, passed);
-    };
+    const Values values = namesOf(type);
     if (type.shape == Shape::Null) {
-        define("int", "asn1E_", {"ASN1TagType tagging"}, "return " + family + "encode",
-               {"nullptr", "tagging"});
-        define("int", "asn1D_", {"ASN1TagType tagging", "int length"},
-               "return " + family + "decode", {"nullptr", "tagging", "length"});
+        out.lines(NullFunctions, values);
         return;
     }
-    define("int", "asn1E_", {pointer + " value", "ASN1TagType tagging"},
-           "return " + family + "encode", {"value", "tagging"});
-    define("int", "asn1D_", {pointer + " value", "ASN1TagType tagging", "int length"},
-           "return " + family + "decode", {"value", "tagging", "length"});
+    out.lines(Functions, values);
     if (type.copyable) {
-        define("void", "asn1Copy_", {pointer + " source", pointer + " target"}, family + "copy",
-               {"source", "target"});
+        out.lines(CopyFunction, values);
     }
     if (type.holdsMemory) {
-        define("void", "asn1Free_", {pointer + " value"}, family + "release", {"value"});
+        out.lines(FreeFunction, values);
     }
     if (type.table) {
-        define("int", "asn1ETC_", {pointer + " value"}, "return " + family + "encodeOpenValue",
-               {"value"});
-        define("int", "asn1DTC_", {pointer + " value"}, "return " + family + "decodeOpenValue",
-               {"value"});
+        out.lines(TableFunctions, values);
     }
 }
 

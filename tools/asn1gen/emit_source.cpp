@@ -71,6 +71,38 @@ std::vector<std::string> identifierList(const Octets& octets) {
     return items;
 }
 
+/// Asserts at compile time that two types are one.
+void sameType(Writer& out, const std::string& first, const std::string& second) {
+    out.line("static_assert(std::is_same_v<" + first + ",");
+    out.line("                             " + second + ">);");
+}
+
+enum : std::ptrdiff_t { OctetsOfLine = 12 };
+
+constexpr const char* IdentifierConstant = R"(
+
+const ASN1OBJID $name = {$count, {$arcs}};
+)";
+
+constexpr const char* ElementRow = R"(
+    {"$member", &$type,
+     $offset,
+     $tag, $tagging, $presence, $bit, $indirect, $octet,
+     $constraint, "$parameter", $number, $text, $matched},
+)";
+
+constexpr const char* RecordCopy = R"(
+$T::$T($C& control) {
+    control.getCopy(this);
+}
+)";
+
+constexpr const char* RecordDestructor = R"(
+$T::~$T() {
+    ${family}destroy(*this, types::$X);
+}
+)";
+
 } // namespace
 
 std::string Emitter::privateHeader(const Module& module) {
@@ -193,13 +225,9 @@ std::string Emitter::source(const Module& module) {
             out.line("const ASN1OBJID " + identifier.name + " = " + identifier.copyOf + ";");
             continue;
         }
-        std::string arcs;
-        for (const unsigned arc : identifier.arcs) {
-            arcs += (arcs.empty() ? "" : ", ") + std::to_string(arc);
-        }
-        out.line();
-        out.initialized("const ASN1OBJID " + identifier.name,
-                        std::to_string(identifier.arcs.size()) + ", {" + arcs + "}");
+        out.lines(IdentifierConstant, {{"name", identifier.name},
+                                       {"count", std::to_string(identifier.arcs.size())},
+                                       {"arcs", arcsText(identifier.arcs, ", ")}});
     }
     if (!module.types.empty()) {
         rangeConstants(out, module);
@@ -257,7 +285,7 @@ void Emitter::rangeConstants(Writer& out, const Module& module) {
             items.push_back("{" + std::to_string(range.lower) + ", " + std::to_string(range.upper) +
                             "}");
         }
-        out.list("constexpr " + engine("ValueRange ") + name + "[]", items);
+        out.line("constexpr " + engine("ValueRange ") + name + "[] = {" + joined(items) + "};");
     }
     out.line("} // namespace");
 }
@@ -274,7 +302,7 @@ void Emitter::elementTable(Writer& out, const Type& type) {
         out.line("static_assert(sizeof(" + record + "::m) == sizeof(unsigned));");
     }
     if (choice) {
-        out.sameType("decltype(" + record + "::t)", "unsigned");
+        sameType(out, "decltype(" + record + "::t)", "unsigned");
     }
     for (const Element& element : type.elements) {
         if (element.type->shape == Shape::Null) {
@@ -284,8 +312,8 @@ void Emitter::elementTable(Writer& out, const Type& type) {
         const std::string expected =
             (target.builtin || target.hasRecord() ? valueName(target) : scalarName(target.shape)) +
             (choice && isIndirect(*element.type) ? "*" : "");
-        out.sameType("decltype(" + record + (choice ? "::U::" : "::") + element.member + ")",
-                     expected);
+        sameType(out, "decltype(" + record + (choice ? "::U::" : "::") + element.member + ")",
+                 expected);
     }
     out.line("constexpr " + data + "ElementDescription " + type.name + "_elements[] = {");
     for (const Element& element : type.elements) {
@@ -295,20 +323,25 @@ void Emitter::elementTable(Writer& out, const Type& type) {
         const std::string offset = choice ? "offsetof(" + record + ", u)"
                                    : null ? "0"
                                           : "offsetof(" + record + ", " + element.member + ")";
-        out.row({"\"" + element.member + "\"",
-                 "&" + (element.type->builtin ? data + descriptorName(*element.type)
-                                              : element.type->name),
-                 offset, tagText(element.tag),
-                 data + "Tagging::" + taggings[static_cast<int>(element.tagging)],
-                 data + "Presence::" + presences[static_cast<int>(element.presence)],
-                 std::to_string(element.presenceBit),
-                 truth(choice && !null && isIndirect(*element.type)),
-                 std::to_string(
-                     element.tagging == Tagging::Untagged ? 0 : identifierOctet(element.tag)),
-                 constraintText(element.constraint, data), "\"" + element.parameter + "\"",
-                 std::to_string(element.defaultNumber),
-                 element.defaultText ? "\"" + *element.defaultText + "\"" : "nullptr",
-                 tagText(matchTag(element))});
+        out.lines(
+            ElementRow,
+            {{"member", element.member},
+             {"type",
+              element.type->builtin ? data + descriptorName(*element.type) : element.type->name},
+             {"offset", offset},
+             {"tag", tagText(element.tag)},
+             {"tagging", data + "Tagging::" + taggings[static_cast<int>(element.tagging)]},
+             {"presence", data + "Presence::" + presences[static_cast<int>(element.presence)]},
+             {"bit", std::to_string(element.presenceBit)},
+             {"indirect", truth(choice && !null && isIndirect(*element.type))},
+             {"octet",
+              std::to_string(element.tagging == Tagging::Untagged ? 0
+                                                                  : identifierOctet(element.tag))},
+             {"constraint", constraintText(element.constraint, data)},
+             {"parameter", element.parameter},
+             {"number", std::to_string(element.defaultNumber)},
+             {"text", element.defaultText ? "\"" + *element.defaultText + "\"" : "nullptr"},
+             {"matched", tagText(matchTag(element))}});
     }
     out.line("};");
 }
@@ -322,7 +355,9 @@ void Emitter::nameTable(Writer& out, const Type& type) {
         items.push_back("{\"" + named.name + "\", " + std::to_string(named.number) + "}");
     }
     out.line();
-    out.list("constexpr " + engine("NamedNumber ") + type.name + "_names[]", items);
+    out.line("constexpr " + engine("NamedNumber ") + type.name + "_names[] = {");
+    out.items(items, 4);
+    out.line("};");
 }
 
 void Emitter::tableConstraint(Writer& out, const Type& type) {
@@ -364,18 +399,18 @@ void Emitter::description(Writer& out, const Type& type) {
     };
     out.line();
     if (type.shape == Shape::List && type.aliasOf == nullptr) {
-        out.call("static_assert", {"std::is_base_of_v<ASN1TPDUSeqOfList, " + record + ">"}, ";");
+        out.line("static_assert(std::is_base_of_v<ASN1TPDUSeqOfList, " + record + ">);");
     }
     if (type.isRepeated() && type.shape != Shape::List && type.aliasOf == nullptr) {
         const Type& element = type.element->target();
         const std::string held =
             element.builtin || element.hasRecord() ? valueName(element) : scalarName(element.shape);
-        out.sameType(
-            "decltype(" + record + "::elem)",
+        sameType(
+            out, "decltype(" + record + "::elem)",
             held + (type.shape == Shape::Array ? "*" : "[" + std::to_string(type.capacity) + "]"));
     }
     if (!type.hasRecord() && type.aliasOf == nullptr) {
-        out.sameType(record, scalarName(type.shape));
+        sameType(out, record, scalarName(type.shape));
     }
     out.line("constexpr " + data + "TypeDescription " + type.name + " = {");
     const auto row = [&out](const char* field, const std::string& value) {
@@ -407,13 +442,18 @@ void Emitter::description(Writer& out, const Type& type) {
     row("presenceOffset", type.hasPresence() ? offset("m") : data + "NoOffset");
     row("extensionOffset",
         target.extensionMember.empty() ? data + "NoOffset" : offset(target.extensionMember));
-    std::vector<std::string> octets = identifierList(type.identifiers);
+    const std::vector<std::string> octets = identifierList(type.identifiers);
     if (octets.empty()) {
         row("identifiers", data + "beginsWithAny()");
+    } else if (octets.size() <= OctetsOfLine) {
+        row("identifiers", data + "beginsWith({" + joined(octets) + "})");
     } else {
-        octets.front().insert(0, "{");
-        octets.back() += "}";
-        out.call("    /*identifiers=*/" + data + "beginsWith", octets, ",");
+        out.line("    /*identifiers=*/" + data + "beginsWith({");
+        for (auto start = octets.begin(); start != octets.end();) {
+            const auto end = start + std::min<std::ptrdiff_t>(OctetsOfLine, octets.end() - start);
+            out.line("        " + joined({start, end}) + (end == octets.end() ? "})," : ","));
+            start = end;
+        }
     }
     row("elements", target.elements.empty() ? "nullptr" : target.name + "_elements");
     row("elementCount", std::to_string(target.elements.size()));
@@ -442,14 +482,12 @@ void Emitter::recordDefinitions(Writer& out, const Type& type) {
     if (!ownsContext(type)) {
         return;
     }
-    const std::string name = recordName(type);
+    const Values values = namesOf(type);
     out.line();
     if (type.copyable) {
-        out.function(name + "::" + name, {controlName(type) + "& control"}, "control.getCopy",
-                     {"this"});
+        out.lines(RecordCopy, values);
     }
-    out.function(name + "::~" + name, {}, engine("family::") + "destroy",
-                 {"*this", "types::" + type.name});
+    out.lines(RecordDestructor, values);
 }
 
 } // namespace asn1gen

@@ -80,6 +80,9 @@ private:
     void objectDefinitions(Writer& out, const Object& object);
     void objectSetDefinitions(Writer& out, const ObjectSet& set);
 
+    /// What templates call a type: X, its record T and its control class C; `family` qualifies
+    /// names of the engine.
+    Values namesOf(const Type& type) const;
     std::string exported(const std::string& keyword) const;
     std::string engine(const std::string& name) const;
     std::string memberType(const Type& type, const Module& module) const;
