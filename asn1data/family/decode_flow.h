@@ -82,6 +82,7 @@ struct DecodeFlow {
         if (status != ASN1S_SUCCESS || length != ASN1IndefiniteLength) {
             return status;
         }
+        // Kept: any other type leaves these octets to its caller, who depends on the position.
         if (!container.stepsOverEndOfContents && !element.type->stepsOverEndOfContents) {
             return ASN1S_SUCCESS;
         }
@@ -103,6 +104,7 @@ struct DecodeFlow {
             if (status != ASN1S_SUCCESS) {
                 return sink.fail(status, {Expectation::Header, element.type});
             }
+            // Kept: the length of an EXPLICIT tag is not held against what stands inside.
             status = decodeTagged(sink, container, element, value, innerTagging(element), length);
         }
         if (status != ASN1S_SUCCESS) {
@@ -114,6 +116,7 @@ struct DecodeFlow {
     /// Whether the octet at the position can begin the element. A context tag counts in either
     /// form.
     static bool beginsHere(const ASN1CTXT* ctxt, const ElementDescription& element) {
+        // Kept: a tag in the other form matches here, and in a SET or a CHOICE it does not.
         const unsigned char octet = ctxt->buffer.data[ctxt->buffer.byteIndex];
         return element.tagging == Tagging::Untagged
                    ? element.type->identifiers.contains(octet)

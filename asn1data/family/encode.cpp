@@ -79,8 +79,8 @@ struct PrimitiveEncoder {
         return xe_bitstr(ctxt, value.data, value.numbits, ASN1TagImplicit);
     }
     int operator()(Is<Shape::FixedBitString>, FixedString<unsigned char> value) const {
-        // The array holds whole octets, so bits beyond the capacity that share its last octet are
-        // kept.
+        // Kept: the array holds whole octets, so bits beyond the capacity that share its last octet
+        // go out. Programs depend on it.
         return value.count > (value.capacity + 7) / 8 * 8
                    ? int{ASN1S_STRING_OVERFLOW}
                    : xe_bitstr(ctxt, value.data, value.count, ASN1TagImplicit);
@@ -148,6 +148,7 @@ int encodePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value, AS
     if (status != ASN1S_SUCCESS) {
         return status;
     }
+    // Kept: mandatory ones too. Programs depend on it.
     if (isAbsentBitString(type, value)) {
         return 0;
     }
@@ -189,8 +190,8 @@ struct DefaultTest {
     template <Shape S, class Value>
     bool operator()(Is<S>, const Value& value) const {
         if constexpr (kindOf(S) == ShapeKind::Boolean || kindOf(S) == ShapeKind::Number) {
-            // Any octet but 0 is true, yet a default of true is met by 1 alone: what was read as
-            // another octet is written again.
+            // Kept: any octet but 0 is true, yet a default of true is met by 1 alone. What was read
+            // as another octet is written again, which signatures depend on.
             return static_cast<long long>(value) == element.defaultNumber;
         } else if constexpr (kindOf(S) == ShapeKind::BigNumber) {
             return value != nullptr && rtBigIntStrCompare(ctxt, value, element.defaultText) == 0;

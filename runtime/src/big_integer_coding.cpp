@@ -157,6 +157,8 @@ int writeSigned(ASN1CTXT* ctxt, Digits digits) noexcept {
 
 /// Contents octets of transcribed text without a sign. A leading zero digit asks for a zero octet.
 int writeUnsigned(ASN1CTXT* ctxt, Digits digits) noexcept {
+    // Kept: without that digit no sign octet goes in front, though the number then reads as
+    // negative. Programs depend on it.
     const bool leadingZero = *digits.text == '0';
     digits.dropLeadingZeros();
     if (digits.count == 0) {
@@ -247,6 +249,7 @@ int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length
     *text = next;
     *next++ = '0';
     *next++ = 'x';
+    // Kept: one digit, not two, so that the count of digits is odd. Programs compare these texts.
     if (length == 0 || (leadingZero && (*octets & 0x80) != 0)) {
         *next++ = '0';
     }

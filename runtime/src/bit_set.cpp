@@ -296,6 +296,7 @@ int ASN1CBitStr::doAnd(const unsigned char* bits, unsigned int numBits) {
 
 int ASN1CBitStr::doOr(const unsigned char* bits, unsigned int numBits) {
     if (numBits == 0) {
+        // Kept: an operand without bits sets them all.
         return maxNumBits != Unlimited ? set(0, maxNumBits) : fail(ASN1S_INVALID_PARAMETER);
     }
     if (bits == nullptr || bits == *pBits) {
@@ -404,7 +405,9 @@ int ASN1CBitStr::shiftRight(unsigned int count) {
         }
     }
 
-    // The last source octet that is moved whole; the bits behind it go to the last octet alone.
+    // Kept: the last source octet that is moved whole; the bits behind it go to the last octet
+    // alone. That is wrong for the lengths which the header tells, and programs depend on the exact
+    // octets.
     const std::int64_t source = (moved + 1) / 8 - 1;
     unsigned char* const data = octets();
     const auto octetAt = [&](std::int64_t i) { return i < unitsUsed ? unsigned{data[i]} : 0u; };

@@ -132,8 +132,8 @@ void ASN1CBitStr::privateInit(unsigned char* data, unsigned int& numBits, unsign
 void ASN1CBitStr::privateInit(ASN1TDynBitStr& record) {
     init(record);
     if (unitsUsed > 0) {
-        // Only the lowest bit, whatever the count says: values built elsewhere carry their meaning
-        // in the other bits past the count.
+        // Kept: only the lowest bit, whatever the count says. Values built elsewhere carry their
+        // meaning in the other bits past the count.
         unsigned char& last = octets()[unitsUsed - 1];
         last = static_cast<unsigned char>(last & 0xFE);
     }

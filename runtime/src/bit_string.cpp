@@ -34,6 +34,7 @@ int readPrimitive(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capaci
     if (length < 0) {
         return ASN1S_INVALID_LENGTH;
     }
+    // Kept: programs depend on taking messages without the count.
     if (length == 0) { // X.690, 8.6.2.1 wants the count; encoders that copy an empty buffer omit it
         *numbits = 0;
         return ASN1S_SUCCESS;
@@ -102,6 +103,8 @@ int readSegments(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int capacit
         lastStart = total;
         total += count;
     }
+    // Kept: the count of the last segment alone is taken out; the first octet of any other one is
+    // data. Programs depend on the octets that come of it.
     if (!unusedTaken) {
         if (total == lastStart) { // X.690, 8.6.2.2: the last segment has to bring the count
             return record(ctxt, ASN1S_INVALID_LENGTH);
@@ -185,7 +188,8 @@ int copyToHeap(ASN1CTXT* ctxt, const StringContents& contents, const unsigned ch
 /// A value of at most *numbits bits.
 int readFixed(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int* numbits, ASN1TagType tagging,
               int length) noexcept {
-    // No bits stands for no limit: the subtraction wraps to the largest capacity there is.
+    // Kept: no bits stands for no limit, since the subtraction wraps to the largest capacity there
+    // is. Programs depend on it.
     const unsigned int capacity = ((*numbits - 1) >> 3) + 1;
     if (tagging == ASN1TagExplicit) {
         if (const int status = readExplicitHeader(ctxt, bitStringTag, &length)) {
@@ -199,6 +203,7 @@ int readFixed(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int* numbits, 
 
 int xe_bitstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numbits,
               ASN1TagType tagging) noexcept {
+    // Kept: neither tag nor contents. Programs depend on it.
     if (numbits != 0 && data == nullptr) {
         return 0;
     }

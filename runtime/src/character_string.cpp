@@ -90,6 +90,7 @@ int readWide(ASN1CTXT* ctxt, Value* value, ASN1TagType tagging, ASN1TAG tag, int
     }
     // In place: a character takes the room of the octets that it is made of.
     auto* characters = static_cast<Character*>(static_cast<void*>(block));
+    // Kept: octets that fill no character are dropped. Programs depend on it.
     const auto nchars = static_cast<unsigned int>(count / sizeof(Character));
     for (unsigned int i = 0; i < nchars; ++i) {
         unsigned int character = 0;

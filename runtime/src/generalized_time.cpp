@@ -92,6 +92,8 @@ int ASN1CGeneralizedTime::parseString(const char* text) {
             return ASN1S_INVALID_FORMAT;
         }
         fields.secFraction = *fraction;
+        // Kept: a zone is looked for behind the first digit, so a time with a longer fraction
+        // counts as local.
         place += 2;
     }
 
@@ -148,6 +150,7 @@ int ASN1CGeneralizedTime::compileString() {
     if (utcFlag != 0 || derRules != 0) {
         made.append('Z');
     } else if (diffHour != 0 || diffMinute != 0) {
+        // Kept: an offset below an hour gets a minus sign, whatever its own is.
         made.append(diffHour > 0 ? '+' : '-');
         made.append(diffHour < 0 ? -diffHour : diffHour, 2);
         if (diffMinute != 0) {

@@ -86,6 +86,7 @@ inline int readLengthOctets(OctetReader& reader, int* length) noexcept {
         }
         value = (value << 8) | reader.take();
     }
+    // Kept: FF FF D8 F1 comes out as ASN1IndefiniteLength.
     *length = static_cast<int>(value);
     return ASN1S_SUCCESS;
 }

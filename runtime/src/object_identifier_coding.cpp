@@ -16,6 +16,8 @@ constexpr unsigned char objectIdentifierTag = 6;
 /// Reads one base-128 number (X.690, 8.19.2) that ends by @p end at the latest.
 /// @param at moves behind the number; in front of @p end
 inline unsigned int readNumber(const unsigned char*& at, const unsigned char* end) noexcept {
+    // Kept: high bits are lost, and a number may lack its last octet. Programs depend on the arcs
+    // that come of it.
     unsigned int number = 0;
     while (at != end) {
         const unsigned int octet = *at++;

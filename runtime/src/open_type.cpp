@@ -81,7 +81,8 @@ int xd_OpenType(ASN1CTXT* ctxt, const unsigned char** data, unsigned int* numoct
     ASN1TAG tag = 0;
     int length = 0;
     if (const int status = xd_tag_len(ctxt, &tag, &length, ASN1MatchAdvance)) {
-        // No element left is how an optional open type is absent.
+        // Kept: no element left is a success, with the arguments untouched: so an optional open
+        // type is absent.
         return status == ASN1S_END_OF_BUFFER ? ASN1S_SUCCESS : status;
     }
     const int status = passContents(ctxt, tag, length);
@@ -149,6 +150,8 @@ int xe_OpenType(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numocts)
     if (data == nullptr) {
         return ASN1S_BAD_VALUE;
     }
+    // Kept: what stands behind the first element is dropped without a failure. Programs depend on
+    // it.
     const int length = measureElement(data, numocts);
     if (length < 0) {
         return length;

@@ -79,6 +79,7 @@ int xd_boolean(ASN1CTXT* ctxt, unsigned char* value, ASN1TagType tagging, int le
     if (remaining(ctxt) == 0) {
         return record(ctxt, ASN1S_END_OF_BUFFER);
     }
+    // Kept: the octet as it came, not 1. Programs depend on it.
     *value = takeOctet(ctxt); // X.690, 8.2.2: any octet but 0, as BER encoders choose it
     return ASN1S_SUCCESS;
 }
@@ -138,8 +139,8 @@ int xd_unsigned(ASN1CTXT* ctxt, unsigned int* value, ASN1TagType tagging, int le
     if (length == 5 && remaining(ctxt) != 0 && octetAt(ctxt) != 0) {
         return record(ctxt, ASN1S_VALUE_TOO_BIG);
     }
-    // The sign bit counts as value, as encoders write that forget the leading zero octet of
-    // X.690, 8.3.3.
+    // Kept: the sign bit counts as value, as encoders write that forget the leading zero octet of
+    // X.690, 8.3.3, and no octets at all are 0. Programs depend on both.
     std::uint32_t number = 0;
     int status = ASN1S_SUCCESS;
     for (int i = 0; i < length; ++i) {
@@ -162,8 +163,9 @@ int xe_uint16(ASN1CTXT* ctxt, unsigned short* value, ASN1TagType tagging) noexce
 
 int xd_uint16(ASN1CTXT* ctxt, unsigned short* value, ASN1TagType tagging, int length) noexcept {
     if (tagging == ASN1TagExplicit) {
-        // A definite message has no room for less than a whole element; in an indefinite one its
-        // end-of-contents octets may follow, which are another tag rather than a cut.
+        // Kept: a definite message has no room for less than a whole element, and programs depend
+        // on this status in front of any other; in an indefinite one its end-of-contents octets may
+        // follow, which are another tag rather than a cut.
         constexpr int smallestElement = 3;
         if ((ctxt->flags & ASN1F_INDEF_MESSAGE) == 0 && !fits(ctxt, smallestElement)) {
             return record(ctxt, ASN1S_END_OF_BUFFER);
@@ -184,6 +186,7 @@ int xd_uint16(ASN1CTXT* ctxt, unsigned short* value, ASN1TagType tagging, int le
             return record(ctxt, ASN1S_VALUE_TOO_BIG);
         }
     }
+    // Kept: a length of 0 takes one octet all the same. Programs depend on the position behind it.
     const int width = length >= 2 ? 2 : 1;
     if (!fits(ctxt, width)) {
         return record(ctxt, ASN1S_END_OF_BUFFER);
@@ -202,6 +205,8 @@ int xe_enum(ASN1CTXT* ctxt, int* value, ASN1TagType tagging) noexcept {
 
 int xd_enum(ASN1CTXT* ctxt, int* value, ASN1TagType tagging, int length) noexcept {
     if (tagging == ASN1TagExplicit) {
+        // Kept: nothing is recorded and the form flag stays, unlike with the other numbers.
+        // Programs depend on what the context tells afterwards.
         if (remaining(ctxt) == 0 || octetAt(ctxt) != enumeratedTag) {
             return ASN1S_TAG_NOT_FOUND;
         }
@@ -219,6 +224,7 @@ int xe_null(ASN1CTXT* ctxt, ASN1TagType tagging) noexcept {
 }
 
 int xd_null(ASN1CTXT* ctxt, ASN1TagType tagging) noexcept {
+    // Kept: contents behind an implicit tag are not looked at, nor is their length.
     if (tagging != ASN1TagExplicit) {
         return ASN1S_SUCCESS;
     }

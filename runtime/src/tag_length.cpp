@@ -166,7 +166,8 @@ int xd_len(ASN1CTXT* ctxt, int* len) noexcept {
     if (status != ASN1S_SUCCESS) {
         return record(ctxt, status);
     }
-    // A length of one octet is left to whoever reads the contents.
+    // Kept: a length of one octet is left to whoever reads the contents. Programs go on from such a
+    // header.
     const bool longForm = ctxt->buffer.data[start] >= 0x80;
     if (!longForm || *len == ASN1IndefiniteLength || (ctxt->flags & ASN1F_LENGTH_UNCHECKED) != 0) {
         return ASN1S_SUCCESS;

@@ -348,6 +348,8 @@ void ASN1CTime::clear() {
 }
 
 int ASN1CTime::equals(ASN1CTime& other) {
+    // Kept: dates are compared as they are written, offsets within the day only. Programs sort by
+    // this.
     const int days = getDaysNum() - other.getDaysNum();
     return days != 0 ? days : static_cast<int>(getMillisNum() - other.getMillisNum());
 }

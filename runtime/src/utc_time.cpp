@@ -61,6 +61,8 @@ int ASN1CUTCTime::setYear(int value) {
     if (value < 100) {
         ASN1CTime::setYear(expandYear(value));
     }
+    // Kept: a year of two digits loses its century again. Programs depend on what getYear then
+    // tells.
     return ASN1CTime::setYear(value);
 }
 
@@ -74,6 +76,7 @@ int ASN1CUTCTime::setTime(long seconds, unsigned char wantOffset) {
     if (status != 0) {
         return status;
     }
+    // Kept: local time goes out marked "Z". Programs depend on it.
     utcFlag = wantOffset == 0 || derRules != 0;
     compileString();
     return 0;
@@ -148,6 +151,7 @@ int ASN1CUTCTime::compileString() {
     if (utcFlag != 0 || derRules != 0) {
         made.append('Z');
     } else if (diffHour != 0 || diffMinute != 0) {
+        // Kept: an offset below an hour gets a minus sign, whatever its own is.
         made.append(diffHour > 0 ? '+' : '-');
         made.append(diffHour < 0 ? -diffHour : diffHour, 2);
         made.append(diffMinute < 0 ? -diffMinute : diffMinute, 2);

@@ -193,7 +193,8 @@ int rtUTF8ToWCS(ASN1CTXT* /*ctxt*/, const char* text, wchar_t* target,
             return ASN1S_INVALID_UTF8;
         }
         unsigned int value = leadBits(lead, length);
-        // A text that was cut to a fixed size may end within its last sequence.
+        // Kept: the bits that are there make the last character. Programs cut texts to a fixed
+        // size.
         for (unsigned int i = 1; i < length && *text != '\0'; ++i) {
             const unsigned int octet = octetAt(text++);
             if (!isContinuation(octet)) {

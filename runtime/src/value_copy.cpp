@@ -16,6 +16,7 @@ int copyToArray(unsigned int count, std::size_t octets, const unsigned char* sou
         return 0;
     }
     *targetCount = count;
+    // Kept: 0, as for a failure.
     if (count == 0) {
         return 0;
     }

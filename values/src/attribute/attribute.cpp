@@ -64,6 +64,7 @@ void CAttribute::decode(const CBlob& blob) {
     asn1Decode<ASN1T_Attribute_traits>(blob, *this);
 }
 
+// Kept: for attributes of one identifier these two never return.
 bool operator==(const CAttribute& a, const CAttribute& b) {
     if (std::strcmp(a.get_oid(), b.get_oid()) != 0) {
         return false;

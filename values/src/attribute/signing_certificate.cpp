@@ -75,6 +75,8 @@ void SigningCertificateAttribute<Attribute, CertificateList>::put_certs(
 template <class Attribute, class CertificateList>
 void SigningCertificateAttribute<Attribute, CertificateList>::storePolicies(
     const CPolicyInformationList* policies) {
+    // Kept: the value is not encoded anew, as encodeWithPolicies does for one of the three.
+    // Programs depend on it.
     copy_to_auto_ptr(content_->policies, policies);
 }
 

@@ -26,6 +26,7 @@ void ASN1T_PKIFailureInfo_traits::get(const asn1data::ASN1T_PKIFailureInfo& reco
     if (record.numbits > maxBits) {
         ATL::AtlThrowImpl(E_INVALIDARG);
     }
+    // Kept: bits that are set already stay. Programs depend on it.
     for (unsigned i = 0; i < record.numbits; ++i) {
         if (rtTestBit(record.data, record.numbits, i) != 0) {
             value.put_bit(i, true);

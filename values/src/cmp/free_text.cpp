@@ -12,6 +12,8 @@ namespace {
 
 template <class List>
 auto findString(List& list, CLanguageTag language) {
+    // Kept: a real language is found with an empty text only, and the default one is the first of
+    // any.
     return language == CLanguageTagDefaultRead()
                ? list.begin()
                : std::find(list.begin(), list.end(), CPKIFreeTextString(std::move(language)));

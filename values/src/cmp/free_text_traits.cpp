@@ -68,7 +68,7 @@ void CPKIFreeText_Parse(ASN1CTXT* /*ctxt*/, CPKIFreeText& text,
     CPKIFreeText parsed;
     for (unsigned i = 0; i < record.n; ++i) {
         const std::wstring whole = decodeUTF8(record.elem[i], CRYPT_E_ASN1_UTF8);
-        // The tag stays in front of the text: programs know it there.
+        // Kept: the tag stays in front of the text. Programs know it there.
         parsed.emplace_back(whole.c_str(), languageOf(whole));
     }
     text.splice(text.end(), parsed);

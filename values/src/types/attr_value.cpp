@@ -12,6 +12,7 @@ bool operator!=(const CAttrValue& a, const CAttrValue& b) {
     return !(a == b);
 }
 
+// Kept: these two never return.
 bool operator==(const CAttrValueList& /*a*/, const CAttrValueList& /*b*/) {
     blockForEver();
 }

@@ -116,6 +116,7 @@ CBlob CATAVRegister::valueFromStr(const char* oid, const wchar_t* text, StringTy
             throw std::out_of_range("basic_string::substr");
         }
         CBlob value;
+        // Kept: the first character is dropped whether or not it is the "#" of valueToStr.
         value.readFromHexString(tostring(content.c_str() + 1).c_str());
         return value;
     }

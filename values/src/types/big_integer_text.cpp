@@ -74,6 +74,7 @@ unsigned int ASN1BigIntegerToDWORD(const char* text) {
     }
     unsigned int folded = 0;
     for (unsigned long i = 0; i < number.cbData(); ++i) {
+        // Kept: 11, not 256. Programs depend on it.
         folded = folded * 11 + number.pbData()[i];
     }
     return folded;

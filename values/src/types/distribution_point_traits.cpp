@@ -20,6 +20,7 @@ void ASN1T_DistributionPointName_traits::set(ASN1CTXT* ctxt,
 
 void ASN1T_DistributionPointName_traits::get(const asn1data::ASN1T_DistributionPointName& record,
                                              CDistributionPointName& value) {
+    // Kept: a name relative to the issuer leaves the value as it was.
     if (record.t == asn1data::T_DistributionPointName_fullName && record.u.fullName != nullptr) {
         CGeneralNames fullName;
         GeneralNameListTraits::get(*record.u.fullName, fullName);

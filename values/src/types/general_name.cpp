@@ -12,6 +12,7 @@ bool sameBlobs(const CBlob* a, const CBlob* b) {
     return a == nullptr || b == nullptr ? a == b : *a == *b;
 }
 
+// Kept: first characters alone. Programs depend on which names count as equal.
 bool sameTexts(const wchar_t* a, const wchar_t* b) {
     return a == nullptr || b == nullptr ? a == b : *a == *b;
 }
@@ -141,7 +142,8 @@ CWStringProxy CGeneralName::wholeText() const {
 
 CWStringProxy CGeneralName::toString() const {
     std::wstring text;
-    // Of a text the first character is shown and no more.
+    // Kept: of a text the first character is shown and no more. Programs depend on it; wholeText
+    // shows all.
     switch (get_type()) {
     case Rfc822Name::number:
         text = std::wstring(L"rfc822Name: ") + *get_rfc822Name();

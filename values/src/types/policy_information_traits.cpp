@@ -12,6 +12,7 @@ void ASN1T_PolicyInformation_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_PolicyI
 
 void ASN1T_PolicyInformation_traits::get(const asn1data::ASN1T_PolicyInformation& record,
                                          CPolicyInformation& value) {
+    // Kept: qualifiers are not carried. Programs depend on what is then written.
     CStringProxy identifier;
     ASN1TObjId_traits::get(record.policyIdentifier, identifier);
     value.put_policyIdentifier(identifier.c_str());

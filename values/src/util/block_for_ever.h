@@ -8,6 +8,8 @@ namespace Brevantis::ASN1 {
 
 /// What the comparisons do that must not return. It costs no processor time.
 [[noreturn]] inline void blockForEver() {
+    // Kept: the comparisons have to be there, for programs that are built with them, and give no
+    // result.
     for (;;) {
         std::this_thread::sleep_for(std::chrono::hours(1));
     }

@@ -45,6 +45,7 @@ inline bool rtMatchShort(ASN1CTXT* ctxt, unsigned char identifierOctet, int* len
     if (buffer.size < 2 || buffer.byteIndex > buffer.size - 2) {
         return false;
     }
+    // Kept: a tag in the other form matches. Programs depend on it.
     constexpr unsigned int formIgnored = 0xDF;
     const unsigned char* const header = buffer.data + buffer.byteIndex;
     if (((header[0] ^ identifierOctet) & formIgnored) != 0 || header[1] >= 0x80) {
@@ -118,6 +119,7 @@ inline bool rtEndOfContentsAhead(const ASN1CTXT* ctxt) noexcept {
 /// indefinite one (X.690, 8.1.3.6) at its end-of-contents octets, which are not consumed, or where
 /// no two octets are left. The end of the buffer ends every form.
 inline bool rtScopeEnded(const ASN1CTXT* ctxt, const ASN1ElementScope& scope) noexcept {
+    // Kept: a message that is cut off ends what is open in it. Programs depend on it.
     const ASN1Buffer& buffer = ctxt->buffer;
     if (buffer.byteIndex >= buffer.size) {
         return true;

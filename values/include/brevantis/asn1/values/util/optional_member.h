@@ -8,7 +8,7 @@
 
 namespace Brevantis::ASN1 {
 
-// Programs hold these pointers as std::auto_ptr, so this layer must. It is deprecated since C++11;
+// Kept: programs hold these pointers as std::auto_ptr. It is deprecated since C++11;
 // its copies move, which is why value classes never copy one.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
