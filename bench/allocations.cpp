@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <malloc.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 // The allocator of the C library under its own names. The functions below take the public ones, for
 // the whole process: the program comes before every library in the search for a symbol.
@@ -21,13 +24,17 @@ bool counting = false;
 std::ptrdiff_t alive = 0;
 bench::Allocations counted;
 
+void notePeak() noexcept {
+    counted.peak =
+        std::max(counted.peak, static_cast<std::size_t>(std::max<std::ptrdiff_t>(alive, 0)));
+}
+
 void* taken(void* block, std::size_t size) noexcept {
     if (counting && block != nullptr) {
         ++counted.calls;
         counted.octets += size;
         alive += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
-        counted.peak =
-            std::max(counted.peak, static_cast<std::size_t>(std::max<std::ptrdiff_t>(alive, 0)));
+        notePeak();
     }
     return block;
 }
@@ -73,6 +80,25 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
 void free(void* block) {
     alive -= usable(block);
     __libc_free(block);
+}
+
+// Memory taken from the system directly is memory all the same.
+
+void* mmap(void* at, std::size_t size, int protection, int flags, int file, off_t offset) {
+    void* const mapped =
+        reinterpret_cast<void*>(syscall(SYS_mmap, at, size, protection, flags, file, offset));
+    if (counting && mapped != MAP_FAILED && (flags & MAP_ANONYMOUS) != 0) {
+        ++counted.calls;
+        counted.octets += size;
+        alive += static_cast<std::ptrdiff_t>(size);
+        notePeak();
+    }
+    return mapped;
+}
+
+int munmap(void* mapped, std::size_t size) {
+    alive -= counting ? static_cast<std::ptrdiff_t>(size) : 0;
+    return static_cast<int>(syscall(SYS_munmap, mapped, size));
 }
 
 } // extern "C"

@@ -6,7 +6,7 @@
 namespace bench {
 
 /// What a piece of work asked of the allocator: malloc and its relatives, those of every library in
-/// the process and of operator new.
+/// the process and of operator new; and of the system, by mmap.
 struct Allocations {
     std::size_t calls = 0;  ///< that returned a block, resizing included
     std::size_t octets = 0; ///< asked for in all

@@ -31,6 +31,14 @@ constexpr MessageFile furtherFiles[] = {
     {"PKCS #12", Kind::KeyContainer, "key-container.der"},
     {"PKCS #10", Kind::CertificationRequest, "certification-request.der"}};
 
+/// Messages that nothing is tuned to.
+constexpr MessageFile otherFiles[] = {
+    {"certificate, EC", Kind::Certificate, "certificate-ec.der"},
+    {"certificate, GOST", Kind::Certificate, "certificate-gost.der"},
+    {"certificate, long names", Kind::Certificate, "certificate-long.der"},
+    {"CMP", Kind::ManagementMessage, "certification-response.der"},
+    {"PKCS #12, EC", Kind::KeyContainer, "key-container-ec.der"}};
+
 /// Where Debian and what comes from it keep the CA certificates of the machine.
 constexpr const char* rootsFile = "/etc/ssl/certs/ca-certificates.crt";
 
@@ -41,6 +49,15 @@ void leaveOut(const std::string& why) {
 void addFile(std::vector<Sample>& samples, const std::string& directory, const MessageFile& file) {
     try {
         samples.push_back({file.sample, file.kind, {readFile(directory + "/" + file.name)}});
+    } catch (const std::runtime_error& failure) {
+        leaveOut(failure.what());
+    }
+}
+
+template <typename Make>
+void addMade(std::vector<Sample>& samples, const char* name, Kind kind, Make make) {
+    try {
+        samples.push_back({name, kind, {make()}});
     } catch (const std::runtime_error& failure) {
         leaveOut(failure.what());
     }
@@ -89,6 +106,18 @@ std::vector<Sample> readCorpus(const std::string& directory) {
     for (const MessageFile& file : furtherFiles) {
         addFile(samples, directory, file);
     }
+    for (const MessageFile& file : otherFiles) {
+        addFile(samples, directory, file);
+    }
+    addMade(samples, "CMS with a time-stamp", Kind::SignedData,
+            [&] { return makeTimeStampedData(directory); });
+    const std::string certificate = directory + "/" + certificateFile.name;
+    addMade(samples, "name", Kind::Name,
+            [&] { return certificatePart(certificate, CertificatePart::Subject); });
+    addMade(samples, "extensions", Kind::Extensions,
+            [&] { return certificatePart(certificate, CertificatePart::Extensions); });
+    addMade(samples, "alternative names", Kind::GeneralNames,
+            [&] { return certificatePart(certificate, CertificatePart::AlternativeNames); });
     return samples;
 }
 

@@ -43,14 +43,20 @@ Encoding element(unsigned char identifier, const Encoding& contents) {
     return octets;
 }
 
-/// The element at a path of a certification request.
-Encoding part(const Encoding& request, const char* path) {
+/// The element at a path of a message.
+Encoding part(const char* type, const Encoding& message, const std::string& path) {
     const asn1data::ElementSpan span = asn1data::findElement(
-        *asn1data::findType("CertificationRequest"), request.data(), request.size(), path);
+        *asn1data::findType(type), message.data(), message.size(), path.c_str());
     if (span.status != 0) {
-        throw std::runtime_error(std::string("no ") + path + " in the certification request");
+        throw std::runtime_error("no " + path + " in the " + type);
     }
     return {span.data, span.data + span.size};
+}
+
+/// Contents of an element of definite length.
+Encoding contents(const Encoding& element) {
+    const std::size_t header = element.at(1) < 0x80 ? 2 : 2 + (element[1] & 0x7Fu);
+    return {element.begin() + static_cast<std::ptrdiff_t>(header), element.end()};
 }
 
 /// Texts of an entry, to which its record points.
@@ -177,14 +183,60 @@ std::vector<unsigned char> makeCertificationRequest(std::size_t members,
 
     Encoding info;
     for (const char* name : {"version", "subject", "subjectPublicKeyInfo"}) {
-        append(info, part(request, (std::string("certificationRequestInfo.") + name).c_str()));
+        append(info, part("CertificationRequest", request,
+                          std::string("certificationRequestInfo.") + name));
     }
     append(info, element(0xA0, element(0x30, attribute)));
 
     Encoding made = element(0x30, info);
-    append(made, part(request, "signatureAlgorithm"));
-    append(made, part(request, "signature"));
+    append(made, part("CertificationRequest", request, "signatureAlgorithm"));
+    append(made, part("CertificationRequest", request, "signature"));
     return element(0x30, made);
+}
+
+std::vector<unsigned char> makeTimeStampedData(const std::string& directory) {
+    const Encoding message = readFile(directory + "/signed-ec.der");
+    const Encoding token = part(
+        "TimeStampResp", readFile(directory + "/time-stamp-of-signature.der"), "timeStampToken");
+    // id-aa-signatureTimeStampToken
+    Encoding attribute =
+        element(0x06, {0x2A, 0x86, 0x48, 0x86, 0xF7, 0x0D, 0x01, 0x09, 0x10, 0x02, 0x0E});
+    append(attribute, element(0x31, token));
+
+    const std::string data = "content.signedData.";
+    Encoding signer = contents(part("ContentInfo", message, data + "signerInfos[0]"));
+    append(signer, element(0xA1, element(0x30, attribute)));
+    Encoding made;
+    for (const char* name : {"version", "digestAlgorithms", "encapContentInfo", "certificates"}) {
+        append(made, part("ContentInfo", message, data + name));
+    }
+    append(made, element(0x31, element(0x30, signer)));
+    Encoding whole = part("ContentInfo", message, "contentType");
+    append(whole, element(0xA0, element(0x30, made)));
+    return element(0x30, whole);
+}
+
+std::vector<unsigned char> certificatePart(const std::string& file, CertificatePart wanted) {
+    const Encoding certificate = readFile(file);
+    const auto find = [&](const std::string& path) {
+        return part("Certificate", certificate, "tbsCertificate." + path);
+    };
+    switch (wanted) {
+    case CertificatePart::Subject:
+        return find("subject");
+    case CertificatePart::Extensions:
+        return contents(find("extensions"));
+    default:
+        break;
+    }
+    for (int index = 0;; ++index) {
+        const std::string extension = "extensions[" + std::to_string(index) + "]";
+        try {
+            return find(extension + ".extnValue.subjectAltName");
+        } catch (const std::runtime_error&) {
+            find(extension); // throws behind the last one
+        }
+    }
 }
 
 std::vector<unsigned char> makeSignedData(std::size_t mebibytes, const std::string& directory) {

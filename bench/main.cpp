@@ -1,10 +1,13 @@
 // Measures this library and others side by side, on the same messages, in one run.
 
+#include <algorithm>
 #include <cstring>
+#include <ctime>
 #include <exception>
 #include <iostream>
 #include <map>
 #include <string>
+#include <utility>
 
 #include <benchmark/benchmark.h>
 
@@ -17,15 +20,15 @@
 namespace {
 
 constexpr const char* Usage =
-    R"(Usage: asn1_bench CORPUS [--check | --growth | --count-instructions] [--instructions=FILE]
-                  [--benchmark_...=VALUE]...
+    R"(Usage: asn1_bench CORPUS [--check | --growth [--quick] | --count-instructions]
+                  [--instructions=FILE] [--benchmark_...=VALUE]...
 
 CORPUS is a directory that make_corpus.sh filled. Without an option everything is timed; the tables
 go to the standard output, in Markdown.
 
   --check               do everything once and tell what is refused; exit 1 if this library refuses
                         a message
-  --growth              how time and memory grow with a message
+  --growth              how time and memory grow with a message; quickly: for one size less
   --count-instructions  do everything once for callgrind, which writes a file for each
   --instructions=FILE   lines of a name, a tabulator and a count, for the tables
 )";
@@ -47,8 +50,10 @@ public:
             const auto found = measurements_.find(run.run_name.function_name);
             if (run.run_type == Run::RT_Iteration && found != measurements_.end()) {
                 Measurement& measurement = *found->second;
+                // What is measured in parts has read its time itself.
+                const bool ownClock = measurement.operation->prepare != nullptr;
                 measurement.nanoseconds.push_back(
-                    run.GetAdjustedCPUTime() /
+                    (ownClock ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) /
                     static_cast<double>(measurement.sample->messages.size()));
             }
         }
@@ -58,17 +63,65 @@ private:
     std::map<std::string, Measurement*> measurements_;
 };
 
+/// For what is measured in parts: time of the processor, without what reading it takes.
+class Clock final : public bench::Meter {
+public:
+    void start() override { start_ = now(); }
+    void stop() override { sum_ += now() - start_ - readingTime(); }
+    /// Since the last time it was asked.
+    double seconds() { return std::max(std::exchange(sum_, 0), 0.0); }
+
+private:
+    static double now() {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+    }
+    /// The least that lies between two readings.
+    static double readingTime() {
+        static const double least = [] {
+            double shortest = 1;
+            for (int i = 0; i < 1000; ++i) {
+                const double first = now();
+                shortest = std::min(shortest, now() - first);
+            }
+            return shortest;
+        }();
+        return least;
+    }
+
+    double start_ = 0;
+    double sum_ = 0;
+};
+
+void timeWhole(const Measurement& measurement, benchmark::State& state) {
+    bench::giveBackFreeMemory();
+    for ([[maybe_unused]] auto iteration : state) {
+        measurement.run();
+    }
+}
+
+void timeParts(const Measurement& measurement, benchmark::State& state) {
+    bench::giveBackFreeMemory();
+    Clock clock;
+    for ([[maybe_unused]] auto iteration : state) {
+        measurement.run(clock);
+        state.SetIterationTime(clock.seconds());
+    }
+}
+
 void measureTimes(std::vector<Measurement>& measurements) {
     std::map<std::string, Measurement*> byName;
     for (Measurement& measurement : measurements) {
         byName[measurement.name()] = &measurement;
-        benchmark::RegisterBenchmark(measurement.name().c_str(),
-                                     [&measurement](benchmark::State& state) {
-                                         bench::giveBackFreeMemory();
-                                         for ([[maybe_unused]] auto iteration : state) {
-                                             measurement.run();
-                                         }
-                                     });
+        const bool inParts = measurement.operation->prepare != nullptr;
+        auto* registered = benchmark::RegisterBenchmark(
+            measurement.name().c_str(), [&measurement, inParts](benchmark::State& state) {
+                (inParts ? timeParts : timeWhole)(measurement, state);
+            });
+        if (inParts) {
+            registered->UseManualTime();
+        }
     }
     Collector collector(std::move(byName));
     benchmark::RunSpecifiedBenchmarks(&collector);
@@ -86,9 +139,10 @@ int check(const bench::Measurements& measurements) {
     return whole ? 0 : 1;
 }
 
-int run(const std::string& directory, const std::string& mode, const std::string& instructions) {
+int run(const std::string& directory, const std::string& mode, const std::string& instructions,
+        bool quick) {
     if (mode == "--growth") {
-        bench::writeGrowth(std::cout, directory);
+        bench::writeGrowth(std::cout, directory, quick);
         return 0;
     }
     const std::vector<bench::Sample> samples = bench::readCorpus(directory);
@@ -114,10 +168,16 @@ int main(int count, char** arguments) try {
     std::string directory;
     std::string mode;
     std::string instructions;
+    bool quick = false;
+    if (count > 1 && std::strcmp(arguments[1], bench::growthStep) == 0) {
+        return bench::runGrowthStep(count - 2, arguments + 2);
+    }
     for (int i = 1; i < count; ++i) {
         const std::string argument = arguments[i];
         if (argument == "--check" || argument == "--growth" || argument == "--count-instructions") {
             mode = argument;
+        } else if (argument == "--quick") {
+            quick = true;
         } else if (argument.rfind("--instructions=", 0) == 0) {
             instructions = argument.substr(std::strlen("--instructions="));
         } else if (directory.empty() && argument[0] != '-') {
@@ -131,7 +191,7 @@ int main(int count, char** arguments) try {
         std::cerr << Usage;
         return 2;
     }
-    return run(directory, mode, instructions);
+    return run(directory, mode, instructions, quick);
 } catch (const std::exception& failure) {
     std::cerr << failure.what() << '\n';
     return 1;

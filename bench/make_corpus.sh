@@ -6,9 +6,10 @@
 # Usage: make_corpus.sh DIRECTORY
 set -euo pipefail
 
-messages=(certificate.der certification-request.der key-container.der ocsp-request.der
-    ocsp-response.der signed-1k.ber signed-1k.der signed-1m.ber signed-1m.der
-    time-stamp-response.der)
+messages=(certificate-ec.der certificate-gost.der certificate-long.der certificate.der
+    certification-request.der certification-response.der key-container-ec.der key-container.der
+    ocsp-request.der ocsp-response.der signed-1k.ber signed-1k.der signed-1m.ber signed-1m.der
+    signed-ec.der time-stamp-of-signature.der time-stamp-response.der)
 
 fail() {
     echo "make_corpus.sh: $1" >&2
@@ -106,6 +107,41 @@ run ts -reply -queryfile request -out messages/time-stamp-response.der
 
 run pkcs12 -export -in subject.pem -inkey subject.key -certfile chain.pem -name subject \
     -passout pass:secret -out messages/key-container.der
+
+# ---- messages that nothing is tuned to ----------------------------------------------------------
+
+for key in root_ec subject_ec; do
+    run genpkey -algorithm EC -pkeyopt ec_paramgen_curve:P-256 -out "$key.key"
+done
+# The enrolment below takes an authority that signs its answers itself.
+run req -new -x509 -section authority -extensions authority_extensions -key root_ec.key -days 3650 \
+    -out root_ec.pem
+certificate subject_ec subject_ec root_ec -set_serial 0x$serial_number
+certificate subject_long subject root -set_serial 0x$serial_number
+run x509 -in subject_ec.pem -outform DER -out messages/certificate-ec.der
+run x509 -in subject_long.pem -outform DER -out messages/certificate-long.der
+# The command has no such algorithms by itself, but writes any structure that it is told.
+run asn1parse -genconf "$source_directory/gost_certificate.cnf" -noout \
+    -out messages/certificate-gost.der
+
+run rand -out content-200 200
+run cms -sign -binary -nodetach -cades -in content-200 -signer subject_ec.pem \
+    -inkey subject_ec.key -certfile root_ec.pem -outform DER -out messages/signed-ec.der
+# The signature is the last thing in the message.
+length=$(openssl asn1parse -inform DER -in messages/signed-ec.der |
+    sed -n '$s/.* l= *\([0-9]*\) .*/\1/p')
+tail -c "$length" messages/signed-ec.der >signature
+run ts -query -data signature -sha256 -cert -out request
+run ts -reply -queryfile request -out messages/time-stamp-of-signature.der
+
+run cmp -cmd ir -use_mock_srv -srv_cert root_ec.pem -srv_key root_ec.key -srv_trusted root_ec.pem \
+    -rsp_cert subject_ec.pem -rsp_extracerts root_ec.pem -rsp_capubs root_ec.pem \
+    -trusted root_ec.pem -cert subject_ec.pem -key subject_ec.key -newkey subject_ec.key \
+    -subject /CN=www.example.com -implicit_confirm -certout enrolled.pem \
+    -rspout messages/certification-response.der
+
+run pkcs12 -export -in subject_ec.pem -inkey subject_ec.key -certfile root_ec.pem -name subject \
+    -keypbe NONE -certpbe NONE -passout pass:secret -out messages/key-container-ec.der
 
 mkdir -p "$directory"
 mv messages/* "$directory"

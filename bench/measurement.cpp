@@ -15,10 +15,41 @@ std::string Measurement::name() const {
            operation->calls;
 }
 
+namespace {
+
+struct NoMeter final : Meter {
+    void start() override {}
+    void stop() override {}
+};
+
+bool runOnce(const Operation& operation, Octets message, Meter& meter) {
+    if (operation.prepare == nullptr) {
+        meter.start();
+        const bool done = operation.run(message);
+        meter.stop();
+        return done;
+    }
+    const std::unique_ptr<Trial> trial = operation.prepare(message);
+    if (trial == nullptr) {
+        return false;
+    }
+    meter.start();
+    const bool done = trial->run();
+    meter.stop();
+    return done;
+}
+
+} // namespace
+
 bool Measurement::run() const {
+    NoMeter nothing;
+    return run(nothing);
+}
+
+bool Measurement::run(Meter& meter) const {
     bool accepted = true;
     for (std::size_t i = 0; i < sample->messages.size(); ++i) {
-        accepted = operation->run(sample->octets(i)) && accepted;
+        accepted = runOnce(*operation, sample->octets(i), meter) && accepted;
     }
     return accepted;
 }
@@ -48,23 +79,47 @@ Measurements tryAll(const std::vector<Sample>& samples) {
     return all;
 }
 
+namespace {
+
+struct AllocationMeter final : Meter {
+    void start() override { startCounting(); }
+    void stop() override {
+        const Allocations counted = stopCounting();
+        sum.calls += counted.calls;
+        sum.octets += counted.octets;
+        sum.peak = std::max(sum.peak, counted.peak);
+    }
+
+    Allocations sum;
+};
+
+} // namespace
+
 void countAllocations(std::vector<Measurement>& measurements) {
     for (Measurement& measurement : measurements) {
-        startCounting();
-        measurement.run();
-        measurement.allocations = stopCounting();
+        AllocationMeter meter;
+        measurement.run(meter);
+        measurement.allocations = meter.sum;
     }
 }
 
 #ifdef CALLGRIND_ZERO_STATS
 
+namespace {
+
+struct InstructionMeter final : Meter {
+    void start() override { CALLGRIND_TOGGLE_COLLECT; }
+    void stop() override { CALLGRIND_TOGGLE_COLLECT; }
+};
+
+} // namespace
+
 void countInstructions(const std::vector<Measurement>& measurements) {
+    InstructionMeter meter;
     for (const Measurement& measurement : measurements) {
         const std::string name = measurement.name();
         CALLGRIND_ZERO_STATS;
-        CALLGRIND_TOGGLE_COLLECT;
-        measurement.run();
-        CALLGRIND_TOGGLE_COLLECT;
+        measurement.run(meter);
         CALLGRIND_DUMP_STATS_AT(name.c_str());
     }
 }

@@ -9,6 +9,18 @@
 
 namespace bench {
 
+/// Measures what is done between its start and its stop, which may come more than once.
+class Meter {
+public:
+    Meter() = default;
+    virtual ~Meter() = default;
+    Meter(const Meter&) = delete;
+    Meter& operator=(const Meter&) = delete;
+
+    virtual void start() = 0;
+    virtual void stop() = 0;
+};
+
 /// An operation of a library on a sample, and what was measured of it. Figures are of one message,
 /// on average where the sample has several.
 struct Measurement {
@@ -24,6 +36,8 @@ struct Measurement {
     /// Does the operation once on every message of the sample.
     /// @return false when the library refuses one
     bool run() const;
+    /// The same, with a meter that runs while the operation does.
+    bool run(Meter& meter) const;
     /// The median of the repetitions; 0 when there was none.
     double time() const;
 };

@@ -40,6 +40,10 @@ std::string countText(double count) {
                                                        : withUnit(count, {"", " k", " M", " G"});
 }
 
+std::string ratioText(double ratio) {
+    return withDecimals(ratio, 2) + 'x';
+}
+
 std::string octetText(double octets) {
     return withUnit(octets, {" B", " kB", " MB", " GB"});
 }

@@ -11,6 +11,8 @@ std::string shortNumber(double number);
 std::string timeText(double nanoseconds);
 /// "7", "1076", "1.27 M".
 std::string countText(double count);
+/// How many times as much: "1.35x".
+std::string ratioText(double ratio);
 /// "120 B", "2.24 kB", by powers of ten.
 std::string octetText(double octets);
 

@@ -19,14 +19,26 @@ const char* taskName(Task task) {
     switch (task) {
     case Task::Scan:
         return "scan";
+    case Task::Fields:
+        return "fields";
+    case Task::DecodeInPlace:
+        return "decode in place";
     case Task::Decode:
         return "decode";
     case Task::DecodeAll:
         return "decode all";
+    case Task::DecodeText:
+        return "decode, text";
     case Task::Recode:
         return "encode";
-    default:
+    case Task::RecodeAll:
         return "encode all";
+    case Task::Encode:
+        return "encode alone";
+    case Task::Copy:
+        return "copy";
+    default:
+        return "release";
     }
 }
 

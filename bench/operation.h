@@ -2,6 +2,7 @@
 #define BENCH_OPERATION_H
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,33 +27,61 @@ enum class Kind {
     OcspResponse, ///< with the basic response inside
     TimeStampResponse,
     KeyContainer, ///< PKCS #12 PFX
-    CertificationRequest
+    CertificationRequest,
+    ManagementMessage, ///< CMP PKIMessage
+    Name,
+    Extensions,
+    GeneralNames
 };
 
-constexpr Kind allKinds[] = {Kind::Certificate,  Kind::RevocationList,      Kind::SignedData,
-                             Kind::OcspRequest,  Kind::OcspResponse,        Kind::TimeStampResponse,
-                             Kind::KeyContainer, Kind::CertificationRequest};
+constexpr Kind allKinds[] = {
+    Kind::Certificate,  Kind::RevocationList,       Kind::SignedData,        Kind::OcspRequest,
+    Kind::OcspResponse, Kind::TimeStampResponse,    Kind::KeyContainer,      Kind::Name,
+    Kind::Extensions,   Kind::CertificationRequest, Kind::ManagementMessage, Kind::GeneralNames};
 
-/// What an operation does, from the least to the most.
+/// What an operation does.
 enum class Task {
-    Scan,      ///< goes through the octets and makes no values
-    Decode,    ///< as far as the library's own function for the message goes
-    DecodeAll, ///< the same, and the value of each extension that the library has a type for
-    Recode,    ///< decodes, then encodes from what was decoded
-    RecodeAll  ///< decodes all, and encodes the values of extensions as well
+    Scan,          ///< goes through the octets and makes no values
+    Fields,        ///< gets at some fields of a message, whose values are the octets that it finds
+    DecodeInPlace, ///< decodes, and leaves strings where they stand in the message
+    Decode,        ///< as far as the library's own function for the message goes
+    DecodeAll,     ///< the same, and the value of each extension that the library has a type for
+    DecodeText,    ///< decodes, and makes text for people of what was decoded
+    Recode,        ///< decodes, then encodes from what was decoded
+    RecodeAll,     ///< decodes all, and encodes the values of extensions as well
+    Encode,        ///< encodes a value that is there
+    Copy,          ///< copies a value that is there
+    Release        ///< gives a value back part by part, while what it lies on stays
 };
 
-/// "scan", "decode", "decode all", "encode" or "encode all".
+/// "scan", "fields", "decode in place" and so on; "encode" for Recode, "encode alone" for Encode.
 const char* taskName(Task task);
+
+/// One run of something that works on a value. The value is there before, and what is left of it is
+/// given back after, which is not measured.
+class Trial {
+public:
+    Trial() = default;
+    virtual ~Trial() = default;
+    Trial(const Trial&) = delete;
+    Trial& operator=(const Trial&) = delete;
+
+    /// Called once.
+    /// @return false when the library fails
+    virtual bool run() = 0;
+};
 
 /// One thing that a library does with messages of a kind.
 struct Operation {
     Kind kind;
     Task task;
     const char* calls; ///< the functions that do the work, as a reader would look them up
-    /// Does it once, from memory, and gives everything back.
+    /// Does it once, from memory, and gives everything back. Null when there is something to
+    /// prepare.
     /// @return false when the library refuses the message
     bool (*run)(Octets message);
+    /// Null when there is nothing to prepare. Returns null when the library refuses the message.
+    std::unique_ptr<Trial> (*prepare)(Octets message) = nullptr;
 };
 
 /// A library with its operations. A source file of `libraries/` defines one as a static object,
@@ -76,10 +105,17 @@ private:
 
 /// This library, in the list of all.
 constexpr const char* ourName = "brevantis-asn1";
+/// The same with an allocator of its own.
+constexpr const char* arenaName = "brevantis-asn1 with an arena";
 
-/// Whether a task ends with octets.
-constexpr bool encodes(Task task) {
-    return task >= Task::Recode;
+/// Whether a task begins with the octets of a message and ends with those of another.
+constexpr bool recodes(Task task) {
+    return task == Task::Recode || task == Task::RecodeAll;
+}
+
+/// Whether a task makes values, and nothing else.
+constexpr bool decodes(Task task) {
+    return task == Task::Decode || task == Task::DecodeAll;
 }
 
 /// All libraries that were compiled in, sorted by name.

@@ -1,6 +1,8 @@
 #include "report.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
 
 #include "number_text.h"
 
@@ -36,7 +38,7 @@ const Measurement* fullest(const Rows& rows, const Library& library, bool encodi
     const Measurement* found = nullptr;
     for (const Measurement* row : rows) {
         const Task task = row->operation->task;
-        if (row->library != &library || task == Task::Scan || encodes(task) != encoding) {
+        if (row->library != &library || !(encoding ? recodes(task) : decodes(task))) {
             continue;
         }
         if (found == nullptr || task > found->operation->task ||
@@ -76,7 +78,7 @@ void writeRatios(std::ostream& out, const std::string& title, const Rows& rows,
     out << "| " << title << " | " << timeText(own->time()) << " |";
     for (const Library* column : columns) {
         const Measurement* other = fullest(rows, *column, encoding);
-        out << (other != nullptr ? ' ' + shortNumber(other->time() / own->time()) + " |" : " |");
+        out << (other != nullptr ? ' ' + ratioText(other->time() / own->time()) + " |" : " |");
     }
     out << '\n';
 }
@@ -109,7 +111,7 @@ void writeRow(std::ostream& out, const Measurement& row, const Measurement* own)
     const bool compared = own != nullptr && row.operation->task != Task::Scan;
     out << "| " << row.library->name() << " | " << row.operation->calls << " | "
         << taskName(row.operation->task) << " | " << timeText(nanoseconds) << " | "
-        << (compared ? shortNumber(nanoseconds / own->time()) : "") << " | "
+        << (compared ? ratioText(nanoseconds / own->time()) : "") << " | "
         << countText(static_cast<double>(row.allocations.calls) / messages) << " | "
         << octetText(static_cast<double>(row.allocations.octets) / messages) << " | "
         << octetText(static_cast<double>(row.allocations.peak)) << " | "
@@ -126,7 +128,106 @@ void writeSample(std::ostream& out, const Sample& sample, Rows rows) {
     std::sort(rows.begin(), rows.end(),
               [](const Measurement* a, const Measurement* b) { return a->time() < b->time(); });
     for (const Measurement* row : rows) {
-        writeRow(out, *row, encodes(row->operation->task) ? encoding : decoding);
+        writeRow(out, *row, recodes(row->operation->task) ? encoding : decoding);
+    }
+    out << '\n';
+}
+
+// ---- operations that stand for many ------------------------------------------------------------
+
+struct OverviewLine {
+    const char* what;
+    const char* sample;
+    Task task;
+    const char* calls; ///< of this library; null for all of the task
+    double parts;      ///< of the message, each of which the figures are for
+};
+
+/// What we watch from one version to the next.
+constexpr OverviewLine overview[] = {
+    {"certificate, decode", "certificate", Task::DecodeAll, nullptr, 1},
+    {"certificate, decode in place", "certificate", Task::DecodeInPlace, nullptr, 1},
+    {"certificate, decode and encode", "certificate", Task::RecodeAll, nullptr, 1},
+    {"certificate, encode alone", "certificate", Task::Encode, nullptr, 1},
+    {"certificate, walk", "certificate", Task::Scan, "walk", 1},
+    {"certificate, walk, every value used", "certificate", Task::Scan, "walk, every value used", 1},
+    {"certificate, copy", "certificate", Task::Copy, nullptr, 1},
+    {"certificate, release", "certificate", Task::Release, nullptr, 1},
+    {"certificate, three fields", "certificate", Task::Fields, nullptr, 1},
+    {"CRL, decode, an entry of 10,000", "CRL, 10,000 entries", Task::DecodeAll, nullptr, 1e4},
+    {"CRL, walk, an entry of 10,000", "CRL, 10,000 entries", Task::Scan, "walk", 1e4},
+    {"OCSP response, decode", "OCSP response", Task::DecodeAll, nullptr, 1},
+    {"CMS of 1 KiB, decode, certificates left encoded", "CMS, 1 KiB", Task::Decode, nullptr, 1},
+    {"CMS of 1 MiB, decode, certificates left encoded", "CMS, 1 MiB", Task::Decode, nullptr, 1},
+    {"name, decode", "name", Task::Decode, nullptr, 1},
+    {"name, decode, text", "name", Task::DecodeText, nullptr, 1},
+    {"extensions, decode", "extensions", Task::DecodeAll, nullptr, 1},
+    {"alternative names, decode", "alternative names", Task::Decode, nullptr, 1}};
+
+/// The tasks of others that do as much as one of ours, or less where nobody does more.
+bool isComparable(Task own, Task other) {
+    switch (own) {
+    case Task::Decode:
+    case Task::DecodeAll:
+    case Task::DecodeInPlace:
+        return decodes(other);
+    case Task::Recode:
+    case Task::RecodeAll:
+        return recodes(other);
+    default:
+        return own == other && own != Task::Scan;
+    }
+}
+
+void writeFigures(std::ostream& out, const Measurement& row, double parts) {
+    const double each = parts * static_cast<double>(row.sample->messages.size());
+    out << (row.instructions > 0 ? countText(row.instructions / parts) : "") << " | "
+        << countText(static_cast<double>(row.allocations.calls) / each) << " | "
+        << octetText(static_cast<double>(row.allocations.octets) / each) << " | "
+        << timeText(row.time() / parts) << " | ";
+}
+
+/// This library's operation, and below it that of each other library which is the fastest there.
+void writeOverviewLine(std::ostream& out, const OverviewLine& line,
+                       const std::vector<Measurement>& all) {
+    const Measurement* own = nullptr;
+    std::vector<const Measurement*> others;
+    for (const Measurement& row : all) {
+        if (row.sample->name != line.sample) {
+            continue;
+        }
+        if (row.library == ours()) {
+            const bool named =
+                line.calls == nullptr || line.calls == std::string(row.operation->calls);
+            own = own == nullptr && row.operation->task == line.task && named ? &row : own;
+        } else if (row.library->name() != arenaName &&
+                   isComparable(line.task, row.operation->task)) {
+            others.push_back(&row);
+        }
+    }
+    if (own == nullptr) {
+        return;
+    }
+    out << "| " << line.what << " | " << ourName << " | " << own->operation->calls << " | ";
+    writeFigures(out, *own, line.parts);
+    out << "|\n";
+    std::sort(others.begin(), others.end(),
+              [](const Measurement* a, const Measurement* b) { return a->time() < b->time(); });
+    std::set<const Library*> told;
+    for (const Measurement* other : others) {
+        if (told.insert(other->library).second) {
+            out << "| | " << other->library->name() << " | " << other->operation->calls << " | ";
+            writeFigures(out, *other, line.parts);
+            out << ratioText(other->time() / own->time()) << " |\n";
+        }
+    }
+}
+
+void writeOverview(std::ostream& out, const std::vector<Measurement>& all) {
+    out << "| operation | library | calls | instructions | allocations | asked for | time | ratio "
+           "|\n| --- | --- | --- | ---: | ---: | ---: | ---: | ---: |\n";
+    for (const OverviewLine& line : overview) {
+        writeOverviewLine(out, line, all);
     }
     out << '\n';
 }
@@ -139,6 +240,7 @@ void writeReport(std::ostream& out, std::vector<Measurement> measurements) {
                        [](const Measurement& each) { return each.nanoseconds.empty(); }),
         measurements.end());
     writeVersions(out);
+    writeOverview(out, measurements);
     writeSummary(out, measurements);
     for (const Sample* sample : samplesOf(measurements)) {
         writeSample(out, *sample, rowsOf(measurements, *sample));

@@ -9,7 +9,8 @@
 namespace bench {
 
 /// Writes tables in Markdown: the libraries with their versions; how many times as long as this
-/// library each other one takes, a line a sample and task; then all figures, a table a sample.
+/// library each other one takes, a line a sample and task; then all figures, a table a sample. The
+/// operations that we watch stand in front, each with the fastest form of each other library.
 ///
 /// The ratios compare what this library does with the most that another one does of the same task:
 /// with its form of decoding that also decodes the extensions, where it has one.

@@ -2,8 +2,9 @@
 # Measures this library beside others, on the same messages and in one run, and prints tables in
 # Markdown. Installs what a bare Debian 12 lacks, the other libraries among it, and builds first.
 #
-# Usage: scripts/bench.sh [--check | --growth | --instructions] [--benchmark_...=VALUE]...
+# Usage: scripts/bench.sh [--quick] [--check | --growth | --instructions] [--benchmark_...=VALUE]...
 #
+#   --quick         shorter runs and fewer of them: for a look, not for a claim
 #   --check         does everything once and tells what is refused
 #   --growth        how time and memory grow with a message, in place of the other tables
 #   --instructions  counts instructions too, with callgrind
@@ -11,6 +12,11 @@ set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
+quick=
+if [[ ${1:-} == --quick ]]; then
+    quick=--quick
+    shift
+fi
 mode=
 if [[ ${1:-} == --check || ${1:-} == --growth || ${1:-} == --instructions ]]; then
     mode=$1
@@ -26,7 +32,7 @@ install_missing g++ cmake ninja-build ca-certificates openssl pkg-config libbenc
 build release -DBREVANTIS_BUILD_TESTS=OFF -DBREVANTIS_BUILD_BENCH=ON -- asn1_bench
 
 program=$root/build/release/bin/asn1_bench
-corpus=$root/build/release/bench/corpus
+corpus=$root/build/release/bench/messages
 say "making the messages"
 "$root/bench/make_corpus.sh" "$corpus"
 lscpu | sed -n 's/^Model name: */Machine: /p'
@@ -39,10 +45,16 @@ measure() {
 
 timing=(--benchmark_min_time=0.05 --benchmark_repetitions=9
     --benchmark_enable_random_interleaving=true)
+if [[ -n $quick ]]; then
+    timing=(--benchmark_min_time=0.005 --benchmark_repetitions=3)
+fi
 
 case $mode in
-    --check | --growth)
-        measure "$mode" "$@"
+    --check)
+        measure --check "$@"
+        ;;
+    --growth)
+        measure --growth ${quick:+"$quick"} "$@"
         ;;
     --instructions)
         folder=$(mktemp -d)

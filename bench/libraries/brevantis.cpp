@@ -4,11 +4,16 @@
 // much, and stores nothing. All is measured twice: with malloc, and with an arena behind the
 // allocator hooks.
 
+#include <cstddef>
+#include <memory>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 #include <brevantis/asn1/asn1data.h>
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime.h>
+#include <brevantis/asn1/values.h>
 
 #include <sys/mman.h>
 
@@ -117,12 +122,95 @@ bool run(Octets message) {
             return false;
         }
     }
-    if constexpr (encodes(task)) {
+    if constexpr (recodes(task)) {
         ASN1BEREncodeBuffer output;
         return control.EncodeTo(output) > 0;
     }
     return true;
 }
+
+/// Strings and open values of unknown identifiers stay views of the message.
+template <typename Control, typename Value>
+bool decodeInPlace(Octets message) {
+    ASN1BERDecodeBuffer input(message.data, static_cast<int>(message.size));
+    rtCtxtSetFlag(input.getCtxtPtr(), ASN1F_NO_COPY);
+    Value value;
+    Control control(input, value);
+    return control.Decode() == 0;
+}
+
+// ---- a value that is there ----------------------------------------------------------------------
+
+template <typename Control, typename Value>
+class OnValue : public bench::Trial {
+public:
+    explicit OnValue(Octets message)
+        : input_(message.data, static_cast<int>(message.size)), control_(input_, value_),
+          decoded_(control_.Decode() == 0) {}
+    bool isDecoded() const { return decoded_; }
+
+protected:
+    ASN1BERDecodeBuffer input_;
+    Value value_;
+    Control control_;
+
+private:
+    bool decoded_;
+};
+
+template <typename Control, typename Value>
+class EncodeValue final : public OnValue<Control, Value> {
+public:
+    using OnValue<Control, Value>::OnValue;
+    bool run() override { return this->control_.EncodeTo(output_) > 0; }
+
+private:
+    ASN1BEREncodeBuffer output_;
+};
+
+template <typename Control, typename Value, auto copy>
+class CopyValue final : public OnValue<Control, Value> {
+public:
+    using OnValue<Control, Value>::OnValue;
+    bool run() override {
+        copy(target_.getCtxtPtr(), &this->value_, &copied_);
+        return true;
+    }
+
+private:
+    ASN1BERDecodeBuffer target_;
+    Value copied_;
+};
+
+template <typename Control, typename Value, auto release>
+class ReleaseValue final : public OnValue<Control, Value> {
+public:
+    using OnValue<Control, Value>::OnValue;
+    bool run() override {
+        release(this->input_.getCtxtPtr(), &this->value_);
+        return true;
+    }
+};
+
+template <typename Work>
+std::unique_ptr<bench::Trial> prepare(Octets message) {
+    auto work = std::make_unique<Work>(message);
+    return work->isDecoded() ? std::move(work) : nullptr;
+}
+
+template <typename Control, typename Value, auto copy, auto release>
+void addSteps(std::vector<Operation>& operations, Kind kind, const char* copyName,
+              const char* releaseName) {
+    operations.insert(
+        operations.end(),
+        {{kind, Task::DecodeInPlace, "Decode with ASN1F_NO_COPY", decodeInPlace<Control, Value>},
+         {kind, Task::Encode, "EncodeTo", nullptr, prepare<EncodeValue<Control, Value>>},
+         {kind, Task::Copy, copyName, nullptr, prepare<CopyValue<Control, Value, copy>>},
+         {kind, Task::Release, releaseName, nullptr,
+          prepare<ReleaseValue<Control, Value, release>>}});
+}
+
+// ---- without values -----------------------------------------------------------------------------
 
 /// Nothing but the walk itself: it goes into every element and reports it to nobody.
 template <const char* type>
@@ -132,6 +220,93 @@ bool walk(Octets message) {
     return asn1data::walk(*description, message.data, message.size, nobody).status == 0;
 }
 
+/// Volatile, so that no use is left out.
+volatile unsigned long long used;
+
+/// Uses the value of every primitive, as a program does that is after all of them.
+class Reader final : public asn1data::WalkVisitor {
+public:
+    asn1data::WalkAction primitive(const asn1data::WalkElement& element) override {
+        const asn1data::WalkValue& value = element.value;
+        used_ += static_cast<unsigned long long>(value.number) + value.octetCount + value.bitCount;
+        if (value.identifier != nullptr) {
+            used_ += value.identifier->subid[value.identifier->numids - 1];
+        }
+        if (value.octets != nullptr && value.octetCount != 0) {
+            used_ += value.octets[value.octetCount - 1];
+        }
+        return asn1data::WalkAction::Continue;
+    }
+    unsigned long long used() const { return used_; }
+
+private:
+    unsigned long long used_ = 0;
+};
+
+template <const char* type>
+bool walkValues(Octets message) {
+    static const asn1data::TypeDescription* const description = asn1data::findType(type);
+    Reader reader;
+    const bool whole = asn1data::walk(*description, message.data, message.size, reader).status == 0;
+    used = reader.used();
+    return whole;
+}
+
+/// In a certificate without alternative names, every extension has been looked at.
+bool findFields(Octets message) {
+    static const asn1data::TypeDescription* const type = asn1data::findType("Certificate");
+    const auto find = [&](const char* path) {
+        return asn1data::findElement(*type, message.data, message.size, path).status;
+    };
+    if (find("tbsCertificate.serialNumber") != 0 || find("tbsCertificate.subject") != 0) {
+        return false;
+    }
+    for (int index = 0;; ++index) {
+        const std::string extension = "tbsCertificate.extensions[" + std::to_string(index) + "]";
+        if (find((extension + ".extnValue.subjectAltName").c_str()) == 0) {
+            return true;
+        }
+        const int status = find(extension.c_str());
+        if (status != 0) {
+            return status == ASN1S_MISSING_ELEMENT;
+        }
+    }
+}
+
+// ---- value classes ------------------------------------------------------------------------------
+
+Brevantis::CBlob blob(Octets message) {
+    return {message.data, message.size};
+}
+
+template <typename Value>
+bool decodeObject(Octets message) {
+    Value value;
+    value.decode(blob(message));
+    return true;
+}
+
+template <typename Value>
+bool decodeText(Octets message) {
+    Value value;
+    value.decode(blob(message));
+    return value.toString().c_str()[0] != 0;
+}
+
+void addObjects(std::vector<Operation>& operations) {
+    namespace values = Brevantis::ASN1;
+    operations.insert(
+        operations.end(),
+        {{Kind::Name, Task::Decode, "CName::decode", decodeObject<values::CName>},
+         {Kind::Name, Task::DecodeText, "CName::decode, toString", decodeText<values::CName>},
+         {Kind::Extensions, Task::DecodeAll, "CExtensions::decode",
+          decodeObject<values::CExtensions>},
+         {Kind::GeneralNames, Task::Decode, "CGeneralNames::decode",
+          decodeObject<values::CGeneralNames>}});
+}
+
+// ---- what is done with which message ------------------------------------------------------------
+
 template <typename Allocator, typename Control, typename Value, const char* type>
 void add(std::vector<Operation>& operations, Kind kind) {
     operations.push_back(
@@ -140,6 +315,7 @@ void add(std::vector<Operation>& operations, Kind kind) {
                           run<Allocator, Control, Value, Task::RecodeAll>});
     if (std::is_same_v<Allocator, Malloc>) {
         operations.push_back({kind, Task::Scan, "walk", walk<type>});
+        operations.push_back({kind, Task::Scan, "walk, every value used", walkValues<type>});
     }
 }
 
@@ -161,6 +337,7 @@ constexpr char ocspResponse[] = "OCSPResponse";
 constexpr char stamp[] = "TimeStampResp";
 constexpr char container[] = "PFX";
 constexpr char request[] = "CertificationRequest";
+constexpr char management[] = "PKIMessage";
 
 template <typename Allocator>
 std::vector<Operation> operations() {
@@ -176,11 +353,23 @@ std::vector<Operation> operations() {
     add<Allocator, ASN1C_CertificationRequest, ASN1T_CertificationRequest, request>(
         all, Kind::CertificationRequest);
     addWithInside<Allocator, ASN1C_PFX, ASN1T_PFX, container>(all, Kind::KeyContainer);
+    add<Allocator, ASN1C_PKIMessage, ASN1T_PKIMessage, management>(all, Kind::ManagementMessage);
+    if constexpr (std::is_same_v<Allocator, Malloc>) {
+        addSteps<ASN1C_Certificate, ASN1T_Certificate, asn1Copy_Certificate, asn1Free_Certificate>(
+            all, Kind::Certificate, "asn1Copy_Certificate", "asn1Free_Certificate");
+        addSteps<ASN1C_CertificateList, ASN1T_CertificateList, asn1Copy_CertificateList,
+                 asn1Free_CertificateList>(all, Kind::RevocationList, "asn1Copy_CertificateList",
+                                           "asn1Free_CertificateList");
+        addSteps<ASN1C_ContentInfo, ASN1T_ContentInfo, asn1Copy_ContentInfo, asn1Free_ContentInfo>(
+            all, Kind::SignedData, "asn1Copy_ContentInfo", "asn1Free_ContentInfo");
+        all.push_back({Kind::Certificate, Task::Fields,
+                       "findElement: serial number, subject, alternative names", findFields});
+        addObjects(all);
+    }
     return all;
 }
 
 const bench::Library thisLibrary(bench::ourName, BREVANTIS_VERSION, operations<Malloc>());
-const bench::Library withArena(std::string(bench::ourName) + " with an arena", BREVANTIS_VERSION,
-                               operations<Arena>());
+const bench::Library withArena(bench::arenaName, BREVANTIS_VERSION, operations<Arena>());
 
 } // namespace

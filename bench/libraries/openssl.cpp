@@ -3,6 +3,7 @@
 // of extensions and attributes stay octets until they are asked for. Encoding writes these values
 // and the names from the octets they had.
 
+#include <openssl/cmp.h>
 #include <openssl/cms.h>
 #include <openssl/err.h>
 #include <openssl/ocsp.h>
@@ -203,6 +204,7 @@ struct Message {
 };
 
 using Response = Message<OCSP_RESPONSE, d2i_OCSP_RESPONSE, i2d_OCSP_RESPONSE, OCSP_RESPONSE_free>;
+using Management = Message<OSSL_CMP_MSG, d2i_OSSL_CMP_MSG, i2d_OSSL_CMP_MSG, OSSL_CMP_MSG_free>;
 using Container = Message<PKCS12, d2i_PKCS12, i2d_PKCS12, PKCS12_free>;
 
 /// A response that tells of a failure only has no basic response, and is refused.
@@ -246,11 +248,49 @@ bool recode(Octets message) {
     return value != nullptr && Forget()(value.get()) && Type::encode(value.get());
 }
 
+/// Of a message whose certificates cannot be got at.
+template <typename Type>
+bool recodePlain(Octets message) {
+    const auto value = Type::decode(message);
+    return value != nullptr && Type::encode(value.get());
+}
+
 template <typename Type>
 bool recodeAll(Octets message) {
     const auto value = Type::decode(message);
     return value != nullptr && Open{true}(value.get()) && Forget()(value.get()) &&
            Type::encode(value.get());
+}
+
+/// A value that is part of a message, and text of it.
+using Name = Message<X509_NAME, d2i_X509_NAME, i2d_X509_NAME, X509_NAME_free>;
+using Names = Message<GENERAL_NAMES, d2i_GENERAL_NAMES, i2d_GENERAL_NAMES, GENERAL_NAMES_free>;
+
+bool printName(Octets message) {
+    const auto name = Name::decode(message);
+    const Holder<BIO, BIO_free> text(BIO_new(BIO_s_mem()));
+    return name != nullptr && text != nullptr &&
+           X509_NAME_print_ex(text.get(), name.get(), 0, XN_FLAG_ONELINE & ~ASN1_STRFLGS_ESC_MSB) >
+               0;
+}
+
+bool decodeExtensions(Octets message) {
+    const unsigned char* next = message.data;
+    const StackHolder<X509_EXTENSIONS> extensions(
+        d2i_X509_EXTENSIONS(nullptr, &next, static_cast<long>(message.size)));
+    return extensions != nullptr &&
+           each(extensions.get(), X509v3_get_ext_count, X509v3_get_ext, Open{false});
+}
+
+/// The certificate as a whole is decoded, to get at three fields.
+bool findFields(Octets message) {
+    const auto certificate = Message<X509, d2i_X509, i2d_X509, X509_free>::decode(message);
+    if (certificate == nullptr || X509_get0_serialNumber(certificate.get()) == nullptr ||
+        X509_get_subject_name(certificate.get()) == nullptr) {
+        return false;
+    }
+    const int index = X509_get_ext_by_NID(certificate.get(), NID_subject_alt_name, -1);
+    return index < 0 || X509_EXTENSION_get_data(X509_get_ext(certificate.get(), index)) != nullptr;
 }
 
 /// The bags in the safe are left as they are: encrypted, or octets.
@@ -291,6 +331,17 @@ std::vector<Operation> operations() {
         {Kind::RevocationList, Task::RecodeAll,
          "d2i_X509_CRL, X509V3_EXT_d2i, X509V3_EXT_i2d, i2d_re_X509_CRL_tbs, i2d_X509_CRL",
          run<recodeAll<List>>},
+        {Kind::Certificate, Task::Fields,
+         "d2i_X509, X509_get0_serialNumber, X509_get_subject_name, X509_get_ext_by_NID",
+         run<findFields>},
+        {Kind::Name, Task::Decode, "d2i_X509_NAME", run<decode<Name>>},
+        {Kind::Name, Task::DecodeText, "d2i_X509_NAME, X509_NAME_print_ex", run<printName>},
+        {Kind::Extensions, Task::DecodeAll, "d2i_X509_EXTENSIONS, X509V3_EXT_d2i",
+         run<decodeExtensions>},
+        {Kind::GeneralNames, Task::Decode, "d2i_GENERAL_NAMES", run<decode<Names>>},
+        {Kind::ManagementMessage, Task::Decode, "d2i_OSSL_CMP_MSG", run<decode<Management>>},
+        {Kind::ManagementMessage, Task::Recode, "d2i_OSSL_CMP_MSG, i2d_OSSL_CMP_MSG",
+         run<recodePlain<Management>>},
         {Kind::KeyContainer, Task::Decode, "d2i_PKCS12, PKCS12_unpack_authsafes",
          run<openContainer<false>>},
         {Kind::KeyContainer, Task::Recode,
