@@ -6,8 +6,10 @@
 #include <brevantis/asn1/runtime/status.h>
 
 #include "block_header.h"
+#include "heap_pool.h"
 
 using runtime_detail::blockOf;
+using runtime_detail::HeapPool;
 
 unsigned int g_defBlkSize = 4096;
 void* (*g_malloc_func)(void* userData, std::size_t size) = rtDefaultMalloc;
@@ -40,6 +42,87 @@ ASN1MemHeap* heapAt(void* heapRef) noexcept {
     return heapRef != nullptr ? static_cast<ASN1MemHeap*>(*static_cast<void**>(heapRef)) : nullptr;
 }
 
+/// Puts a block at the front of its heap's list.
+inline void* enter(ASN1MemHeap* heap, ASN1MemBlock* block, std::size_t octets) noexcept {
+    ASN1MemBlock* const newest = heap->blockList;
+    block->next = newest;
+    block->prev = nullptr;
+    block->heap = heap;
+    block->size = octets;
+    if (newest != nullptr) {
+        newest->prev = block;
+    }
+    heap->blockList = block;
+    return block + 1;
+}
+
+/// A block whose header is still to be filled; null when memory is out.
+///
+/// Blocks are cut only in front of others that were, which lead to the pool. So when hooks change
+/// while the heap lives, the blocks that calls made are newer than all that were cut.
+/// @param octets header included
+ASN1MemBlock* takeBlock(ASN1MemHeap* heap, std::size_t octets) noexcept {
+    const ASN1MemBlock* const newest = heap->blockList;
+    if (HeapPool::serves()) {
+        if (newest == nullptr) {
+            return HeapPool::begin(octets);
+        }
+        if (HeapPool* const pool = HeapPool::of(newest)) {
+            return pool->take(octets);
+        }
+    }
+    auto* const block = static_cast<ASN1MemBlock*>(g_malloc_func(heap->userData, octets));
+    if (block != nullptr) {
+        HeapPool::setMadeByCall(block);
+    }
+    return block;
+}
+
+void releaseBlocks(ASN1MemHeap* heap) noexcept {
+    for (ASN1MemBlock* block = heap->blockList; block != nullptr;) {
+        if (HeapPool* const pool = HeapPool::of(block)) {
+            pool->end();
+            break;
+        }
+        ASN1MemBlock* next = block->next;
+        __builtin_prefetch(next); // comes while the allocator is busy with this one
+        g_free_func(heap->userData, block);
+        block = next;
+    }
+    heap->blockList = nullptr;
+}
+
+[[gnu::noinline]] void* allocateAnyhow(void* heapRef, int size) noexcept {
+    if (heapRef == nullptr || size < 0 || size >= blockSizeLimit) {
+        return nullptr;
+    }
+    ASN1MemHeap* heap = heapAt(heapRef);
+    if (heap == nullptr) {
+        if (rtMemHeapCreate(static_cast<void**>(heapRef), nullptr) != ASN1S_SUCCESS) {
+            return nullptr;
+        }
+        heap = heapAt(heapRef);
+    }
+    const auto octets = static_cast<std::size_t>(size);
+    ASN1MemBlock* block = takeBlock(heap, sizeof(ASN1MemBlock) + octets);
+    return block != nullptr ? enter(heap, block, octets) : nullptr;
+}
+
+/// The road of most blocks, without a call: cut from the chunk at hand.
+inline void* allocate(void* heapRef, int size) noexcept {
+    ASN1MemHeap* const heap = heapAt(heapRef);
+    if (heap != nullptr && heap->blockList != nullptr && HeapPool::serves()) {
+        if (HeapPool* const pool = HeapPool::of(heap->blockList)) {
+            // A negative size is a large one here.
+            const std::size_t octets = static_cast<unsigned int>(size);
+            if (ASN1MemBlock* const block = pool->cut(sizeof(ASN1MemBlock) + octets)) {
+                return enter(heap, block, octets);
+            }
+        }
+    }
+    return allocateAnyhow(heapRef, size);
+}
+
 } // namespace
 
 int rtMemHeapCreate(void** heap, void* userData) noexcept {
@@ -56,35 +139,11 @@ int rtMemHeapCreate(void** heap, void* userData) noexcept {
 }
 
 void* rtMemHeapAlloc(void* heapRef, int size) noexcept {
-    if (heapRef == nullptr || size < 0 || size >= blockSizeLimit) {
-        return nullptr;
-    }
-    ASN1MemHeap* heap = heapAt(heapRef);
-    if (heap == nullptr) {
-        if (rtMemHeapCreate(static_cast<void**>(heapRef), nullptr) != ASN1S_SUCCESS) {
-            return nullptr;
-        }
-        heap = heapAt(heapRef);
-    }
-    const auto octets = static_cast<std::size_t>(size);
-    auto* block =
-        static_cast<ASN1MemBlock*>(g_malloc_func(heap->userData, sizeof(ASN1MemBlock) + octets));
-    if (block == nullptr) {
-        return nullptr;
-    }
-    block->next = heap->blockList;
-    block->prev = nullptr;
-    block->heap = heap;
-    block->size = octets;
-    if (block->next != nullptr) {
-        block->next->prev = block;
-    }
-    heap->blockList = block;
-    return block + 1;
+    return allocate(heapRef, size);
 }
 
 void* rtMemHeapAllocZ(void* heapRef, int size) noexcept {
-    void* ptr = rtMemHeapAlloc(heapRef, size);
+    void* ptr = allocate(heapRef, size);
     if (ptr != nullptr) {
         std::memset(ptr, 0, static_cast<std::size_t>(size));
     }
@@ -128,7 +187,11 @@ void rtMemHeapFreePtr(void* heapRef, void* ptr) noexcept {
     } else {
         heap->blockList = block->next;
     }
-    g_free_func(heap->userData, block);
+    if (HeapPool::of(block) != nullptr) {
+        HeapPool::giveBack(block);
+    } else {
+        g_free_func(heap->userData, block);
+    }
 }
 
 void rtMemHeapAddRef(void* heapRef) noexcept {
@@ -142,13 +205,7 @@ void rtMemHeapRelease(void* heapRef) noexcept {
     if (heap == nullptr || --heap->refCount != 0) {
         return;
     }
-    for (ASN1MemBlock* block = heap->blockList; block != nullptr;) {
-        ASN1MemBlock* next = block->next;
-        __builtin_prefetch(next); // comes while the allocator is busy with this one
-        g_free_func(heap->userData, block);
-        block = next;
-    }
-    heap->blockList = nullptr;
+    releaseBlocks(heap);
     if ((heap->heapFlags & recordFromAllocator) != 0) {
         g_free_func(heap->userData, heap);
     }

@@ -8,8 +8,13 @@
 /// @file
 /// The memory heap of a coding context: single blocks on one list, released together.
 ///
-/// The heap is not an arena. Each allocation is one call of the allocator hook; the heap keeps its
-/// live blocks on a doubly linked list, so that one can be freed early and the rest all at once.
+/// The heap is not an arena: it keeps its live blocks on a doubly linked list, so that one can be
+/// freed early and the rest all at once. Each allocation is one call of the allocator hook, once a
+/// program has set hooks. While both are the defaults, which nobody can count, blocks are cut from
+/// chunks of `malloc`, and from memory of the system where there are megabytes of them. A chunk
+/// goes back with its last block, all go with the heap. With an address sanitizer every block is
+/// one of `malloc`; for valgrind a program sets hooks that call it.
+///
 /// A `heapRef` is the address of a heap pointer, as `&ctxt->memHeap`.
 
 struct ASN1MemHeap;
@@ -19,7 +24,7 @@ struct ASN1MemBlock {
     ASN1MemBlock* next; ///< the next older block
     ASN1MemBlock* prev; ///< the next newer block, null for the newest
     ASN1MemHeap* heap;  ///< the heap that the block is on
-    void* reserved[2];
+    void* reserved[2];  ///< where the block goes back to
     unsigned long size; ///< octets of the user area, as last requested
 };
 
@@ -69,7 +74,8 @@ BREVANTIS_ASN1_API void* rtMemHeapAllocZ(void* heapRef, int size) noexcept;
 /// @return the block, or null with the old one still valid, for the reasons of rtMemHeapAlloc
 BREVANTIS_ASN1_API void* rtMemHeapRealloc(void* heapRef, void* ptr, int size) noexcept;
 
-/// Frees one block. Nothing happens when @p heapRef, the heap or @p ptr is null.
+/// Frees one block; the heap may use its room again for others. Nothing happens when @p heapRef,
+/// the heap or @p ptr is null.
 /// @param ptr a live block; it goes back to the heap that it came from, which is another one than
 ///        that of @p heapRef when a context has joined another heap in between
 BREVANTIS_ASN1_API void rtMemHeapFreePtr(void* heapRef, void* ptr) noexcept;
