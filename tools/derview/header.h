@@ -9,7 +9,7 @@ namespace derview {
 
 /// Identifier and length octets (X.690, 8.1.2 and 8.1.3).
 struct Header {
-    std::size_t size = 0; ///< 0 when they are not whole
+    std::size_t size = 0; ///< 0 when they are not whole, or no decoder takes them
     unsigned char identifier = 0;
     unsigned order = 0; ///< grows with the tags' canonical order (X.680, 8.6)
     bool constructed = false;

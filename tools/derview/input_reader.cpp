@@ -140,8 +140,7 @@ std::string decodeHex(Octets text, std::size_t start, OctetStore& octets) {
 /// rest of the last element in it and the end-of-contents octets of those that are open.
 /// @param open receives how many are open
 std::size_t sizeWithEnd(Octets octets, std::size_t& open) {
-    // The end of a tag number, and a length in as many octets as its first one can announce.
-    constexpr std::size_t longestHeader = 1 + 1 + 127;
+    constexpr std::size_t longestHeader = 16;
     std::size_t place = 0;
     do {
         const Octets rest = octets.subspan(place);
@@ -154,13 +153,13 @@ std::size_t sizeWithEnd(Octets octets, std::size_t& open) {
             filled.resize(filled.size() + longestHeader);
             header = readHeader(filled);
         }
+        if (header.size == 0) {
+            return 0;
+        }
         if (header.identifier == 0 && header.length == 0) {
             --open;
         } else if (header.indefinite) {
             ++open;
-        }
-        if (header.length > INT_MAX) {
-            return 0;
         }
         place += header.size + header.length;
     } while (open != 0 && place < octets.size());

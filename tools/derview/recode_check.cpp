@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <brevantis/asn1/runtime/header.h>
+
 #include "header.h"
 #include "value_kind.h"
 
@@ -17,20 +19,9 @@ constexpr std::size_t LargestPiece = std::size_t{1} << 20;
 
 /// The header that an encoder writes in front of contents.
 OctetStore headerFor(ASN1TAG tag, std::size_t length) {
-    OctetStore header{static_cast<unsigned char>((tag >> 24 & 0xE0u) | (tag & 0x1Fu))};
-    if (length < 0x80) {
-        header.push_back(static_cast<unsigned char>(length));
-        return header;
-    }
-    unsigned count = 1;
-    while (length >> 8 * count != 0) {
-        ++count;
-    }
-    header.push_back(static_cast<unsigned char>(0x80u | count));
-    while (count-- != 0) {
-        header.push_back(static_cast<unsigned char>(length >> 8 * count));
-    }
-    return header;
+    unsigned char octets[ASN1LongestHeader];
+    const unsigned size = rtWriteHeader(tag, static_cast<int>(length), octets);
+    return {octets, octets + size};
 }
 
 } // namespace

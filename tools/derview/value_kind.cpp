@@ -11,41 +11,38 @@ enum : ASN1TAG { Utf8StringTag = 12, UtcTimeTag = 23, GeneralizedTimeTag = 24 };
 } // namespace
 
 using asn1data::Shape;
+using asn1data::ShapeKind;
 
 ValueKind valueKind(const WalkElement& element) {
     if (element.type == nullptr) {
         return ValueKind::Raw;
     }
-    switch (element.type->shape) {
-    case Shape::Boolean:
+    switch (asn1data::kindOf(element.type->shape)) {
+    case ShapeKind::Boolean:
         return ValueKind::Boolean;
-    case Shape::Integer:
-    case Shape::Unsigned:
-    case Shape::Unsigned16:
-    case Shape::Enumerated:
+    case ShapeKind::Number:
         return ValueKind::Number;
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
+    case ShapeKind::BigNumber:
         return ValueKind::BigNumber;
-    case Shape::Null:
+    case ShapeKind::Null:
         return ValueKind::Null;
-    case Shape::ObjectIdentifier:
+    case ShapeKind::ObjectIdentifier:
         return ValueKind::Identifier;
-    case Shape::BitString:
-    case Shape::FixedBitString:
+    case ShapeKind::BitString:
         return ValueKind::Bits;
-    case Shape::Text:
+    case ShapeKind::Text:
         return element.type->tag == UtcTimeTag || element.type->tag == GeneralizedTimeTag
                    ? ValueKind::Time
                    : ValueKind::Text;
-    case Shape::Text16:
-    case Shape::Text32:
-        return ValueKind::Text;
-    case Shape::OpenType:
+    case ShapeKind::OpenType:
         return ValueKind::Raw;
-    default:
-        return ValueKind::OctetString;
+    case ShapeKind::OctetString:
+    case ShapeKind::Record:
+    case ShapeKind::Choice:
+    case ShapeKind::Repeated:
+        break;
     }
+    return ValueKind::OctetString;
 }
 
 CharacterCoding codingOf(const WalkElement& element) {
