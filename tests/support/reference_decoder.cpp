@@ -521,7 +521,9 @@ Node Decoder::primitive(const TypeDescription& type, const Header* read, const P
     if (type.shape == Shape::OpenType && node.octets.empty()) {
         return node;
     }
-    const Header header = read != nullptr ? *read : in.headerAt(start);
+    // A length that a primitive form cannot have counts for nothing.
+    Header header = read != nullptr ? *read : in.headerAt(start);
+    header.length = header.constructed ? header.length : 0;
     node.valueStart = header.start;
     node.contents = header.contents;
     node.segmented = header.constructed && isStringShape(type.shape);

@@ -443,27 +443,38 @@ Octets ReferenceReader::bits(bool constructed, unsigned capacity, int length, un
     }
     const unsigned start = at;
     std::size_t last = 0;
-    bool lastTold = false;
+    bool lastTold = true; // while there is no segment
+    bool toldInFront = false;
     while (!ended(start, length)) {
         int left = match(3).length;
+        if (left < 0) {
+            refuse(ASN1S_INVALID_LENGTH);
+        }
         if (octets.size() + static_cast<unsigned>(left) == capacity + 1) {
             unused = next();
             --left;
-            lastTold = true;
+            toldInFront = true;
         }
-        if (left < 0 || octets.size() + static_cast<unsigned>(left) > capacity) {
+        if (octets.size() + static_cast<unsigned>(left) > capacity) {
             refuse(ASN1S_STRING_OVERFLOW);
         }
+        lastTold = toldInFront;
         last = octets.size();
         const Octets segment = take(left);
         octets.insert(octets.end(), segment.begin(), segment.end());
     }
-    if (!lastTold && last < octets.size()) {
+    if (!lastTold) {
+        if (last == octets.size()) {
+            refuse(ASN1S_INVALID_LENGTH); // the last segment has to bring the count
+        }
         unused = octets[last];
         octets.erase(octets.begin() + static_cast<std::ptrdiff_t>(last));
     }
     if (unused > 7) {
         refuse(ASN1S_BAD_VALUE);
+    }
+    if (octets.empty() && unused != 0) {
+        refuse(ASN1S_INVALID_LENGTH);
     }
     if (length != ReferenceHeader::Indefinite && at - start != static_cast<unsigned>(length)) {
         refuse(ASN1S_INVALID_LENGTH);
