@@ -80,13 +80,15 @@ unsigned elementSize(const WalkElement& element, const unsigned char* end) noexc
 
 std::size_t copyOctets(const WalkElement& element, unsigned char* target,
                        std::size_t size) noexcept {
-    Room room{target, size};
+    if (element.segmented && isBitString(element.type)) {
+        return 0;
+    }
+    // Octets of segments that fill no 16- or 32-bit character are none of the value.
+    const std::size_t count = element.value.octetCount;
+    Room room{target, size < count ? size : count};
     if (!element.segmented) {
         Room::take(&room, element.value.octets, element.value.octetCount);
-        return element.value.octetCount;
-    }
-    if (isBitString(element.type)) {
-        return 0;
+        return count;
     }
     // What the walk has read ends where its lengths say, so no other end is needed.
     ASN1CTXT reader;
@@ -95,7 +97,7 @@ std::size_t copyOctets(const WalkElement& element, unsigned char* target,
     const ASN1OctetSink sink{&Room::take, &room};
     ASN1Extent extent{};
     xd_measureOctets(&reader, &extent, &sink, ASN1TagImplicit, element.contentLength);
-    return extent.count;
+    return count;
 }
 
 } // namespace asn1data
