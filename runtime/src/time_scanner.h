@@ -78,6 +78,17 @@ constexpr int expandYear(int twoDigits) noexcept {
     return twoDigits < 0 ? twoDigits : twoDigits + (twoDigits < 50 ? 2000 : 1900);
 }
 
+/// Sets date and time of day of a record of fields, which a time class has.
+template <class Fields>
+void setFields(Fields& fields, const ScannedDate& date, const ScannedTimeOfDay& time) noexcept {
+    fields.year = static_cast<short>(date.year);
+    fields.month = static_cast<short>(date.month);
+    fields.day = static_cast<short>(date.day);
+    fields.hour = static_cast<short>(time.hour);
+    fields.minute = static_cast<short>(time.minute);
+    fields.second = static_cast<short>(time.second);
+}
+
 } // namespace runtime_detail
 
 #endif

@@ -118,12 +118,7 @@ int ASN1CUTCTime::parseString(const char* text) {
         fields.diffHour = static_cast<short>(offset->hours);
         fields.diffMinute = static_cast<short>(offset->minutes);
     }
-    fields.year = static_cast<short>(date->year);
-    fields.month = static_cast<short>(date->month);
-    fields.day = static_cast<short>(date->day);
-    fields.hour = static_cast<short>(time->hour);
-    fields.minute = static_cast<short>(time->minute);
-    fields.second = static_cast<short>(time->second);
+    runtime_detail::setFields(fields, *date, *time);
     adoptFields(fields, text);
     return 0;
 }

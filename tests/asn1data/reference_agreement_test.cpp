@@ -2,18 +2,15 @@
 #include <cstdlib>
 #include <iostream>
 #include <map>
-#include <random>
 #include <string>
 
 #include <brevantis/asn1/asn1data.h>
 #include <gtest/gtest.h>
 
 #include "support/coding.h"
+#include "support/damaged_values.h"
 #include "support/data_file.h"
-#include "support/loosened.h"
-#include "support/mutation.h"
 #include "support/reference_decoder.h"
-#include "support/value_builder.h"
 #include "support/value_text.h"
 
 // Decoding and walking share the code that knows which element may begin where. Here both are held
@@ -141,30 +138,8 @@ unsigned valuesPerType() {
 }
 
 void checkValuesOf(const TypeRange& types, unsigned mutations) {
-    std::mt19937 random(7);
     Agreement agreement;
-    for (const TypeDescription* type : types) {
-        for (unsigned seed = 1; seed <= valuesPerType(); ++seed) {
-            tests::Context values;
-            void* const value = tests::ValueBuilder(values, seed).build(*type);
-            ASSERT_EQ(xe_setp(values, nullptr, 0), 0);
-            const int count = family::encode(values, *type, value, ASN1TagExplicit);
-            ASSERT_GE(count, 0) << type->name;
-            const Octets message(xe_getp(values), xe_getp(values) + count);
-            if (!agreement.check(*type, message) || message.empty()) {
-                return;
-            }
-            for (unsigned i = 0; i < mutations; ++i) {
-                Octets damaged = i % 2 == 0 ? message : tests::loosened(message, random);
-                for (unsigned harm = 0; harm < i % 4 && !damaged.empty(); ++harm) {
-                    tests::damage(damaged, random);
-                }
-                if (!agreement.check(*type, damaged)) {
-                    return;
-                }
-            }
-        }
-    }
+    tests::checkDamagedValues(types, valuesPerType(), mutations, agreement);
 }
 
 TEST(ReferenceAgreement, OnValuesOfTheCatalogue) {

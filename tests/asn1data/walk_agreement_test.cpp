@@ -1,4 +1,3 @@
-#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -6,10 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "support/coding.h"
+#include "support/damaged_values.h"
 #include "support/data_file.h"
-#include "support/loosened.h"
 #include "support/mutation.h"
-#include "support/value_builder.h"
 #include "support/walk_agreement.h"
 
 // Walking a message accepts what decoding it accepts, and fails where that fails: for values of
@@ -28,30 +26,8 @@ using namespace asn1data;
 using tests::Octets;
 
 void damageValuesOf(const TypeRange& types, unsigned seeds, unsigned mutations) {
-    std::mt19937 random(1);
     tests::WalkAgreement agreement;
-    for (const TypeDescription* type : types) {
-        for (unsigned seed = 1; seed <= seeds; ++seed) {
-            tests::Context values;
-            void* const value = tests::ValueBuilder(values, seed).build(*type);
-            ASSERT_EQ(xe_setp(values, nullptr, 0), 0);
-            const int count = family::encode(values, *type, value, ASN1TagExplicit);
-            ASSERT_GE(count, 0) << type->name;
-            const Octets message(xe_getp(values), xe_getp(values) + count);
-            if (!agreement.check(*type, message) || message.empty()) {
-                return;
-            }
-            for (unsigned i = 0; i < mutations; ++i) {
-                Octets damaged = i % 2 == 0 ? message : tests::loosened(message, random);
-                for (unsigned harm = 0; harm < i % 4 && !damaged.empty(); ++harm) {
-                    tests::damage(damaged, random);
-                }
-                if (!agreement.check(*type, damaged)) {
-                    return;
-                }
-            }
-        }
-    }
+    tests::checkDamagedValues(types, seeds, mutations, agreement);
 }
 
 TEST(WalkAgreement, OnDamagedValuesOfTheCatalogue) {

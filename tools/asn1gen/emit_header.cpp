@@ -477,20 +477,8 @@ void Emitter::control(Writer& out, const Type& type) {
 void Emitter::functions(Writer& out, const Type& type) {
     Values values = namesOf(type);
     values["api"] = output_.exportMacro.empty() ? "" : output_.exportMacro + " ";
-    if (type.shape == Shape::Null) {
-        out.lines(NullFunctions, values);
-        return;
-    }
-    out.lines(Functions, values);
-    if (type.copyable) {
-        out.lines(CopyFunction, values);
-    }
-    if (type.holdsMemory) {
-        out.lines(FreeFunction, values);
-    }
-    if (type.table) {
-        out.lines(TableFunctions, values);
-    }
+    familyFunctions(out, type, values,
+                    {NullFunctions, Functions, CopyFunction, FreeFunction, TableFunctions});
 }
 
 } // namespace asn1gen

@@ -232,22 +232,28 @@ void Emitter::controlDefinitions(Writer& out, const Type& type) {
     }
 }
 
-void Emitter::functionDefinitions(Writer& out, const Type& type) {
-    const Values values = namesOf(type);
+void Emitter::familyFunctions(Writer& out, const Type& type, const Values& values,
+                              const FamilyTemplates& templates) {
     if (type.shape == Shape::Null) {
-        out.lines(NullFunctions, values);
+        out.lines(templates.null, values);
         return;
     }
-    out.lines(Functions, values);
+    out.lines(templates.coders, values);
     if (type.copyable) {
-        out.lines(CopyFunction, values);
+        out.lines(templates.copy, values);
     }
     if (type.holdsMemory) {
-        out.lines(FreeFunction, values);
+        out.lines(templates.free, values);
     }
     if (type.table) {
-        out.lines(TableFunctions, values);
+        out.lines(templates.table, values);
     }
+}
+
+void Emitter::functionDefinitions(Writer& out, const Type& type) {
+    const Values values = namesOf(type);
+    familyFunctions(out, type, values,
+                    {NullFunctions, Functions, CopyFunction, FreeFunction, TableFunctions});
 }
 
 } // namespace asn1gen

@@ -63,6 +63,16 @@ private:
     void recordFunctions(Writer& out, const Type& type);
     void control(Writer& out, const Type& type);
     void functions(Writer& out, const Type& type);
+    /// The functions of a type, declared or defined: those that it has.
+    struct FamilyTemplates {
+        const char* null; ///< all of a type without a value
+        const char* coders;
+        const char* copy;
+        const char* free;
+        const char* table;
+    };
+    static void familyFunctions(Writer& out, const Type& type, const Values& values,
+                                const FamilyTemplates& templates);
     void objectClass(Writer& out, const ObjectClass& objectClass);
     void object(Writer& out, const Object& object);
     void objectSet(Writer& out, const ObjectSet& set);
