@@ -64,6 +64,9 @@ int Walker::run(const TypeDescription& type) {
 
 /// The header and the contents of the value that ends at the position.
 WalkScope Walker::scopeBehind() const {
+    if ((valueStart[0] & ASN1LongTagNumber) != ASN1LongTagNumber && valueStart[1] < 0x80) {
+        return {valueStart, valueStart + 2, static_cast<int>(octets() - valueStart) - 2};
+    }
     ASN1Header header;
     const auto left = static_cast<unsigned>(ctxt.buffer.data + ctxt.buffer.size - valueStart);
     if (rtReadHeader(valueStart, left, &header) != ASN1S_SUCCESS) {

@@ -61,17 +61,18 @@ std::size_t countable(std::size_t capacity) noexcept {
 }
 
 /// Whether text has no octet above 127; a word at a time.
-bool isAscii(const char* text, std::size_t size) noexcept {
+bool isAscii(const void* text, std::size_t size) noexcept {
+    const auto* const octets = static_cast<const unsigned char*>(text);
     constexpr std::uint64_t highBits = 0x8080808080808080U;
     std::uint64_t seen = 0;
     std::size_t i = 0;
     for (; i + sizeof seen <= size; i += sizeof seen) {
         std::uint64_t word = 0;
-        std::memcpy(&word, text + i, sizeof word);
+        std::memcpy(&word, octets + i, sizeof word);
         seen |= word;
     }
     for (; i < size; ++i) {
-        seen |= octetAt(text + i);
+        seen |= octets[i];
     }
     return (seen & highBits) == 0;
 }
@@ -153,6 +154,11 @@ int rtUTF8Len(const char* text) noexcept {
 
 void rtUTF8CountPiece(ASN1UTF8Count* count, const unsigned char* octets,
                       std::size_t size) noexcept {
+    if (!count->ended && count->missing == 0 && isAscii(octets, size) &&
+        std::memchr(octets, 0, size) == nullptr) {
+        count->characters += static_cast<int>(size);
+        return;
+    }
     for (std::size_t i = 0; i < size && !count->ended; ++i) {
         if (octets[i] == 0) {
             count->ended = true;
