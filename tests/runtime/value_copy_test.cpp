@@ -20,7 +20,7 @@ template <class Record>
 class StringRecord : public testing::Test {};
 using StringRecords =
     testing::Types<ASN1TDynOctStr, ASN1TDynBitStr, Asn116BitCharString, Asn132BitCharString>;
-TYPED_TEST_SUITE(StringRecord, StringRecords);
+TYPED_TEST_SUITE(StringRecord, StringRecords, );
 
 // Records that programs fill in braces and copy octet by octet, and that are empty without a word.
 TYPED_TEST(StringRecord, startsOutEmptyAndStaysPlain) {
