@@ -64,7 +64,8 @@ int Walker::run(const TypeDescription& type) {
 
 /// The header and the contents of the value that ends at the position.
 WalkScope Walker::scopeBehind() const {
-    if ((valueStart[0] & ASN1LongTagNumber) != ASN1LongTagNumber && valueStart[1] < 0x80) {
+    const bool whole = octets() - valueStart >= 2; // not so where a length is missing
+    if (whole && (valueStart[0] & ASN1LongTagNumber) != ASN1LongTagNumber && valueStart[1] < 0x80) {
         return {valueStart, valueStart + 2, static_cast<int>(octets() - valueStart) - 2};
     }
     ASN1Header header;
