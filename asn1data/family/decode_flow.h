@@ -471,15 +471,13 @@ struct DecodeFlow {
                            int length) {
         int status = ASN1S_SUCCESS;
         switch (type.road) {
-        case Road::Primitive:
-            status = sink.primitive(type, value, tagging, length);
-            break;
         case Road::Constructed:
             status = decodeConstructedValue(sink, type, value, tagging, length);
             break;
         case Road::Choice:
             status = decodeChoice(sink, type, value);
             break;
+        case Road::Primitive: // does not come here: `decode` reads it by itself
         case Road::Tagged:
             status = decodeTagsAndContents(sink, type, value, tagging, length);
             break;

@@ -1,7 +1,5 @@
 #include <algorithm>
 #include <cstdlib>
-#include <iostream>
-#include <map>
 #include <string>
 
 #include <brevantis/asn1/asn1data.h>
@@ -11,6 +9,7 @@
 #include "support/damaged_values.h"
 #include "support/data_file.h"
 #include "support/reference_decoder.h"
+#include "support/status_tally.h"
 #include "support/value_text.h"
 
 // Decoding and walking share the code that knows which element may begin where. Here both are held
@@ -75,7 +74,7 @@ public:
     /// @return false after a difference
     bool check(const TypeDescription& type, const Octets& message) {
         const tests::ReferenceDecoding expected = tests::referenceDecoding(type, message);
-        ++statuses_[expected.status];
+        statuses_.add(expected.status);
 
         tests::Reader reader(message);
         if (!message.empty()) {
@@ -100,14 +99,6 @@ public:
         }
         return true;
     }
-    ~Agreement() {
-        std::size_t all = 0;
-        for (const auto& [status, count] : statuses_) {
-            all += count;
-            std::cout << rtStatusName(status) << ": " << count << ", ";
-        }
-        std::cout << "messages: " << all << "\n";
-    }
 
 private:
     static void expectSame(const std::string& text, const std::string& expected) {
@@ -128,7 +119,7 @@ private:
         }
     }
 
-    std::map<int, std::size_t> statuses_;
+    tests::StatusTally statuses_;
 };
 
 /// Values a type. The environment raises it for a thorough run.

@@ -1,14 +1,12 @@
 #ifndef TESTS_SUPPORT_WALK_AGREEMENT_H
 #define TESTS_SUPPORT_WALK_AGREEMENT_H
 
-#include <iostream>
-#include <map>
-
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/walk.h>
 #include <gtest/gtest.h>
 
 #include "support/coding.h"
+#include "support/status_tally.h"
 
 namespace tests {
 
@@ -86,24 +84,16 @@ class WalkAgreement {
 public:
     /// @return false after a difference
     bool check(const asn1data::TypeDescription& type, const Octets& message) {
-        ++statuses_[expectWalkAgrees(type, message)];
+        statuses_.add(expectWalkAgrees(type, message));
         if (testing::Test::HasFailure()) {
             ADD_FAILURE() << type.name << " of " << toHex(message);
             return false;
         }
         return true;
     }
-    ~WalkAgreement() {
-        std::size_t all = 0;
-        for (const auto& [status, count] : statuses_) {
-            all += count;
-            std::cout << rtStatusName(status) << ": " << count << ", ";
-        }
-        std::cout << "messages: " << all << "\n";
-    }
 
 private:
-    std::map<int, std::size_t> statuses_;
+    StatusTally statuses_;
 };
 
 } // namespace tests
