@@ -201,10 +201,8 @@ bool isZeroDigit(const char* text) noexcept {
 /// Reads the header, where there is one, and moves behind the contents.
 int readContents(ASN1CTXT* ctxt, ASN1TagType tagging, int length, const unsigned char** octets,
                  int* count) noexcept {
-    if (tagging == ASN1TagExplicit) {
-        if (const int status = readExplicitHeader(ctxt, integerTag, &length)) {
-            return status;
-        }
+    if (const int status = readOwnHeader(ctxt, integerTag, tagging, &length)) {
+        return status;
     }
     if (!fits(ctxt, length)) { // an indefinite length, which X.690, 8.1.3.2 forbids here, included
         return ASN1S_END_OF_BUFFER;
@@ -218,6 +216,24 @@ int readContents(ASN1CTXT* ctxt, ASN1TagType tagging, int length, const unsigned
 /// Octets of "0x", two digits an octet, one more digit at most, and the terminator.
 long long textSize(int octets) noexcept {
     return octets * 2LL + 4;
+}
+
+int refuseText(ASN1CTXT* ctxt, const char* /*text*/) noexcept {
+    return record(ctxt, ASN1S_BAD_VALUE);
+}
+
+/// @tparam transcribe writes the contents octets of digits behind a prefix
+/// @tparam others writes those of every other text
+template <auto transcribe, auto others>
+int writeNumber(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging) noexcept {
+    if (isEmpty(text)) {
+        return record(ctxt, ASN1S_BAD_VALUE);
+    }
+    Digits digits;
+    const int count = isZeroDigit(text)           ? writeOctet(ctxt, 0)
+                      : findDigits(text, &digits) ? transcribe(ctxt, digits)
+                                                  : others(ctxt, text);
+    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, integerTag, count) : count;
 }
 
 int withoutLeadingZeros(const unsigned char** octets, int count) noexcept {
@@ -273,23 +289,9 @@ int xd_measureBigInt(ASN1CTXT* ctxt, ASN1Extent* extent, ASN1TagType tagging, in
 }
 
 int xe_bigint(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging) noexcept {
-    if (isEmpty(text)) {
-        return record(ctxt, ASN1S_BAD_VALUE);
-    }
-    Digits digits;
-    const int count = isZeroDigit(text)           ? writeOctet(ctxt, 0)
-                      : findDigits(text, &digits) ? writeSigned(ctxt, digits)
-                                                  : writeCalculated(ctxt, text);
-    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, integerTag, count) : count;
+    return writeNumber<writeSigned, writeCalculated>(ctxt, text, tagging);
 }
 
 int xe_biguint(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging) noexcept {
-    if (isEmpty(text)) {
-        return record(ctxt, ASN1S_BAD_VALUE);
-    }
-    Digits digits;
-    const int count = isZeroDigit(text)           ? writeOctet(ctxt, 0)
-                      : findDigits(text, &digits) ? writeUnsigned(ctxt, digits)
-                                                  : record(ctxt, ASN1S_BAD_VALUE);
-    return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, integerTag, count) : count;
+    return writeNumber<writeUnsigned, refuseText>(ctxt, text, tagging);
 }

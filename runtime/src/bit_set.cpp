@@ -103,6 +103,11 @@ int ASN1CBitStr::checkRange(unsigned int from, unsigned int to) const {
     return from > to ? fail(ASN1S_RANGE_ERROR) : 0;
 }
 
+int ASN1CBitStr::makeRoom(unsigned int from, unsigned int to) {
+    const int status = checkRange(from, to);
+    return status != 0 ? status : checkCapacity(static_cast<int>(octetsOfBits(to)));
+}
+
 int ASN1CBitStr::size() const {
     return unitsUsed;
 }
@@ -157,11 +162,7 @@ int ASN1CBitStr::set(unsigned int bit) {
 }
 
 int ASN1CBitStr::set(unsigned int from, unsigned int to) {
-    int status = checkRange(from, to);
-    if (status == 0) {
-        status = checkCapacity(static_cast<int>(octetsOfBits(to)));
-    }
-    if (status != 0) {
+    if (const int status = makeRoom(from, to)) {
         return status;
     }
     *pNumBits = std::max(*pNumBits, to);
@@ -216,11 +217,7 @@ int ASN1CBitStr::invert(unsigned int bit) {
 }
 
 int ASN1CBitStr::invert(unsigned int from, unsigned int to) {
-    int status = checkRange(from, to);
-    if (status == 0) {
-        status = checkCapacity(static_cast<int>(octetsOfBits(to)));
-    }
-    if (status != 0) {
+    if (const int status = makeRoom(from, to)) {
         return status;
     }
     applyToRange(octets(), octetsOfBits(to), from, to, withBitsInverted);

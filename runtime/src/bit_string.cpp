@@ -7,6 +7,7 @@
 #include <brevantis/asn1/runtime/element_walk.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
+#include "heap_block.h"
 #include "octet_reader.h"
 #include "octet_writer.h"
 #include "string_contents.h"
@@ -191,10 +192,8 @@ int readFixed(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int* numbits, 
     // Kept: no bits stands for no limit, since the subtraction wraps to the largest capacity there
     // is. Programs depend on it.
     const unsigned int capacity = ((*numbits - 1) >> 3) + 1;
-    if (tagging == ASN1TagExplicit) {
-        if (const int status = readExplicitHeader(ctxt, bitStringTag, &length)) {
-            return status;
-        }
+    if (const int status = readOwnHeader(ctxt, bitStringTag, tagging, &length)) {
+        return status;
     }
     return readBits(ctxt, target, capacity, length, numbits);
 }
@@ -210,7 +209,7 @@ int xe_bitstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numbits,
     const unsigned int partial = numbits % 8;
     int count = 0;
     if (numbits != 0) {
-        count = xe_memcpy(ctxt, data, numbits / 8 + (partial != 0 ? 1 : 0));
+        count = xe_memcpy(ctxt, data, octetsOfBits(numbits));
         if (count < 0) {
             return count;
         }
@@ -270,15 +269,5 @@ int xd_bitstr_s(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int* numbits, AS
 
 int xd_measureFixedBits(ASN1CTXT* ctxt, ASN1Extent* extent, unsigned int capacity,
                         ASN1TagType tagging, int length) noexcept {
-    *extent = {nullptr, 0};
-    const bool segmented = tagging == ASN1TagImplicit && (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
-    unsigned int count = capacity;
-    if (const int status =
-            readFixed(ctxt, OctetTarget::measuring(nullptr), &count, tagging, length)) {
-        return status;
-    }
-    const unsigned int octets = count / 8 + (count % 8 != 0 ? 1 : 0);
-    extent->data = segmented ? nullptr : ctxt->buffer.data + ctxt->buffer.byteIndex - octets;
-    extent->count = count;
-    return ASN1S_SUCCESS;
+    return measureFixed(ctxt, extent, capacity, tagging, length, readFixed, octetsOfBits);
 }

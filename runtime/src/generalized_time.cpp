@@ -107,12 +107,9 @@ int ASN1CGeneralizedTime::parseString(const char* text) {
         // "Z" ends the text under DER (X.690, 11.7.1).
         return ASN1S_INVALID_FORMAT;
     } else if (zone == '+' || zone == '-') {
-        const auto offset = scanOffset(scanner, place, false);
-        if (!offset) {
+        if (!takeOffset(scanner, place, false, fields)) {
             return ASN1S_INVALID_FORMAT;
         }
-        fields.diffHour = static_cast<short>(offset->hours);
-        fields.diffMinute = static_cast<short>(offset->minutes);
     }
     runtime_detail::setFields(fields, *date, *time);
     adoptFields(fields, text);

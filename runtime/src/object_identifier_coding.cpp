@@ -70,10 +70,8 @@ int writeInPlace(ASN1CTXT* ctxt, const ASN1OBJID& value) noexcept {
 /// Moves behind the contents octets.
 /// @return 0, or a status of xd_objid
 int takeNumbers(ASN1CTXT* ctxt, ASN1TagType tagging, int length, WholeContents* contents) noexcept {
-    if (tagging == ASN1TagExplicit) {
-        if (const int status = readExplicitHeader(ctxt, objectIdentifierTag, &length)) {
-            return status;
-        }
+    if (const int status = readOwnHeader(ctxt, objectIdentifierTag, tagging, &length)) {
+        return status;
     }
     if (length < 1) { // X.690, 8.19.2: at least one number
         return record(ctxt, ASN1S_INVALID_LENGTH);

@@ -91,6 +91,14 @@ inline int readExplicitHeader(ASN1CTXT* ctxt, unsigned char identifierOctet, int
     return status == ASN1S_SUCCESS ? status : record(ctxt, status);
 }
 
+/// Reads that header where it is the coder's own, which ASN1TagExplicit says.
+/// @param length in: the length that the caller read with its header; out: the length that counts
+inline int readOwnHeader(ASN1CTXT* ctxt, unsigned char identifierOctet, ASN1TagType tagging,
+                         int* length) noexcept {
+    return tagging == ASN1TagExplicit ? readExplicitHeader(ctxt, identifierOctet, length)
+                                      : int{ASN1S_SUCCESS};
+}
+
 /// Contents that stand in the message in one piece.
 struct WholeContents {
     const unsigned char* octets;

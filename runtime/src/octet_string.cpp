@@ -207,14 +207,6 @@ int xd_measureOctets(ASN1CTXT* ctxt, ASN1Extent* extent, const ASN1OctetSink* si
 
 int xd_measureFixedOctets(ASN1CTXT* ctxt, ASN1Extent* extent, unsigned int capacity,
                           ASN1TagType tagging, int length) noexcept {
-    *extent = {nullptr, 0};
-    const bool segmented = tagging == ASN1TagImplicit && (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
-    unsigned int count = capacity;
-    if (const int status =
-            readFixed(ctxt, OctetTarget::measuring(nullptr), &count, tagging, length)) {
-        return status;
-    }
-    extent->data = segmented ? nullptr : ctxt->buffer.data + ctxt->buffer.byteIndex - count;
-    extent->count = count;
-    return ASN1S_SUCCESS;
+    return measureFixed(ctxt, extent, capacity, tagging, length, readFixed,
+                        [](unsigned int count) { return count; });
 }

@@ -13,6 +13,7 @@ namespace {
 using runtime_detail::fits;
 using runtime_detail::octetAt;
 using runtime_detail::putOctet;
+using runtime_detail::readOwnHeader;
 using runtime_detail::record;
 using runtime_detail::remaining;
 using runtime_detail::takeOctet;
@@ -39,6 +40,14 @@ int putNumber(ASN1CTXT* ctxt, std::uint64_t number, std::uint32_t magnitude) noe
         magnitude >>= 8;
     } while (!signFits);
     return xe_memcpy(ctxt, &octets[first], static_cast<unsigned int>(octets.size() - first));
+}
+
+template <class Number>
+int encodeUnsigned(ASN1CTXT* ctxt, const Number* value, ASN1TagType tagging) noexcept {
+    if (value == nullptr) {
+        return ASN1S_BAD_VALUE;
+    }
+    return completeElement(ctxt, tagging, integerTag, putNumber(ctxt, *value, *value));
 }
 
 /// Reads a header whose length is one octet in any case; a long form shows as 0x80 and above, which
@@ -94,11 +103,8 @@ int xe_integer(ASN1CTXT* ctxt, int* value, ASN1TagType tagging) noexcept {
 }
 
 int xd_integer(ASN1CTXT* ctxt, int* value, ASN1TagType tagging, int length) noexcept {
-    if (tagging == ASN1TagExplicit) {
-        const int status = runtime_detail::readExplicitHeader(ctxt, integerTag, &length);
-        if (status != ASN1S_SUCCESS) {
-            return status;
-        }
+    if (const int status = readOwnHeader(ctxt, integerTag, tagging, &length)) {
+        return status;
     }
     if (static_cast<unsigned int>(length) > 4) {
         return record(ctxt, ASN1S_VALUE_TOO_BIG);
@@ -120,18 +126,12 @@ int xd_integer(ASN1CTXT* ctxt, int* value, ASN1TagType tagging, int length) noex
 }
 
 int xe_unsigned(ASN1CTXT* ctxt, unsigned int* value, ASN1TagType tagging) noexcept {
-    if (value == nullptr) {
-        return ASN1S_BAD_VALUE;
-    }
-    return completeElement(ctxt, tagging, integerTag, putNumber(ctxt, *value, *value));
+    return encodeUnsigned(ctxt, value, tagging);
 }
 
 int xd_unsigned(ASN1CTXT* ctxt, unsigned int* value, ASN1TagType tagging, int length) noexcept {
-    if (tagging == ASN1TagExplicit) {
-        const int status = runtime_detail::readExplicitHeader(ctxt, integerTag, &length);
-        if (status != ASN1S_SUCCESS) {
-            return status;
-        }
+    if (const int status = readOwnHeader(ctxt, integerTag, tagging, &length)) {
+        return status;
     }
     if (static_cast<unsigned int>(length) > 5) {
         return record(ctxt, ASN1S_VALUE_TOO_BIG);
@@ -155,10 +155,7 @@ int xd_unsigned(ASN1CTXT* ctxt, unsigned int* value, ASN1TagType tagging, int le
 }
 
 int xe_uint16(ASN1CTXT* ctxt, unsigned short* value, ASN1TagType tagging) noexcept {
-    if (value == nullptr) {
-        return ASN1S_BAD_VALUE;
-    }
-    return completeElement(ctxt, tagging, integerTag, putNumber(ctxt, *value, *value));
+    return encodeUnsigned(ctxt, value, tagging);
 }
 
 int xd_uint16(ASN1CTXT* ctxt, unsigned short* value, ASN1TagType tagging, int length) noexcept {

@@ -113,6 +113,24 @@ int closeString(ASN1CTXT* ctxt, const StringContents& contents) noexcept;
 int readOctets(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int room, int length,
                unsigned int* count) noexcept;
 
+/// Measures a string that has a limit. Its octets end where the reading ends.
+/// @param read reads into a target, as xd_octstr_s and xd_bitstr_s do; the capacity and then the
+///        count stand at its third argument
+/// @param octetsOf octets that a count takes
+template <class Read, class OctetsOf>
+int measureFixed(ASN1CTXT* ctxt, ASN1Extent* extent, unsigned int capacity, ASN1TagType tagging,
+                 int length, Read read, OctetsOf octetsOf) noexcept {
+    *extent = {nullptr, 0};
+    const bool segmented = tagging == ASN1TagImplicit && (ctxt->flags & ASN1F_CONSTRUCTED) != 0;
+    unsigned int count = capacity;
+    if (const int status = read(ctxt, OctetTarget::measuring(nullptr), &count, tagging, length)) {
+        return status;
+    }
+    const unsigned char* const end = ctxt->buffer.data + ctxt->buffer.byteIndex;
+    *extent = {segmented ? nullptr : end - octetsOf(count), count};
+    return ASN1S_SUCCESS;
+}
+
 } // namespace runtime_detail
 
 #endif

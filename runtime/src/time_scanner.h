@@ -78,7 +78,7 @@ constexpr int expandYear(int twoDigits) noexcept {
     return twoDigits < 0 ? twoDigits : twoDigits + (twoDigits < 50 ? 2000 : 1900);
 }
 
-/// Sets date and time of day of a record of fields, which a time class has.
+/// Sets date and time of day of a record of fields.
 template <class Fields>
 void setFields(Fields& fields, const ScannedDate& date, const ScannedTimeOfDay& time) noexcept {
     fields.year = static_cast<short>(date.year);
@@ -87,6 +87,19 @@ void setFields(Fields& fields, const ScannedDate& date, const ScannedTimeOfDay& 
     fields.hour = static_cast<short>(time.hour);
     fields.minute = static_cast<short>(time.minute);
     fields.second = static_cast<short>(time.second);
+}
+
+/// Reads an offset, as scanOffset does, into a record of fields.
+template <class Fields>
+bool takeOffset(const TimeScanner& text, std::size_t sign, bool minutesRequired,
+                Fields& fields) noexcept {
+    const auto offset = scanOffset(text, sign, minutesRequired);
+    if (!offset) {
+        return false;
+    }
+    fields.diffHour = static_cast<short>(offset->hours);
+    fields.diffMinute = static_cast<short>(offset->minutes);
+    return true;
 }
 
 } // namespace runtime_detail

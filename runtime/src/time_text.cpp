@@ -24,25 +24,8 @@ int fail(ASN1CTXT* ctxt, int status) noexcept {
 
 ASN1TimeFields makeFields(const ScannedDate& date, const ScannedTimeOfDay& time) noexcept {
     ASN1TimeFields fields{};
-    fields.year = static_cast<short>(date.year);
-    fields.month = static_cast<short>(date.month);
-    fields.day = static_cast<short>(date.day);
-    fields.hour = static_cast<short>(time.hour);
-    fields.minute = static_cast<short>(time.minute);
-    fields.second = static_cast<short>(time.second);
+    setFields(fields, date, time);
     return fields;
-}
-
-/// Takes the offset at @p sign into the fields.
-bool takeOffset(const TimeScanner& text, std::size_t sign, bool minutesRequired,
-                ASN1TimeFields& fields) noexcept {
-    const auto offset = scanOffset(text, sign, minutesRequired);
-    if (!offset) {
-        return false;
-    }
-    fields.diffHour = static_cast<short>(offset->hours);
-    fields.diffMinute = static_cast<short>(offset->minutes);
-    return true;
 }
 
 /// Takes the digits behind a decimal mark, as many as there is room for.

@@ -111,12 +111,9 @@ int ASN1CUTCTime::parseString(const char* text) {
     } else {
         utcFlag = 0;
         const bool signedZone = zone == '+' || zone == '-';
-        const auto offset = signedZone ? scanOffset(scanner, time->end, true) : std::nullopt;
-        if (!offset) {
+        if (!signedZone || !takeOffset(scanner, time->end, true, fields)) {
             return ASN1S_INVALID_FORMAT;
         }
-        fields.diffHour = static_cast<short>(offset->hours);
-        fields.diffMinute = static_cast<short>(offset->minutes);
     }
     runtime_detail::setFields(fields, *date, *time);
     adoptFields(fields, text);

@@ -24,14 +24,22 @@ int copyToArray(unsigned int count, std::size_t octets, const unsigned char* sou
     return 1;
 }
 
+template <std::size_t width>
+std::size_t octetsOfUnits(unsigned int count) noexcept {
+    return width * count;
+}
+
 /// Copies a record of a count and a pointer.
 /// @param count the record's member that counts
-/// @param octets what @p source takes in memory
-template <class Record>
+/// @param octetsOf what a count takes in memory
+template <class Record, class OctetsOf>
 int copyRecord(ASN1CTXT* ctxt, const Record* source, Record* target, unsigned int Record::*count,
-               std::size_t octets) noexcept {
+               OctetsOf octetsOf) noexcept {
+    if (source == nullptr || target == nullptr) {
+        return 0;
+    }
     Record copy{source->*count, nullptr};
-    if (octets != 0) {
+    if (const std::size_t octets = octetsOf(copy.*count); octets != 0) {
         copy.data = copyBlock(ctxt, source->data, octets);
         if (copy.data == nullptr) {
             *target = {0, nullptr};
@@ -55,18 +63,11 @@ int rtCopyOctStr(ASN1CTXT* /*ctxt*/, unsigned int numocts, const unsigned char* 
 }
 
 int rtCopyDynBitStr(ASN1CTXT* ctxt, const ASN1TDynBitStr* source, ASN1TDynBitStr* target) noexcept {
-    if (source == nullptr || target == nullptr) {
-        return 0;
-    }
-    return copyRecord(ctxt, source, target, &ASN1TDynBitStr::numbits,
-                      octetsOfBits(source->numbits));
+    return copyRecord(ctxt, source, target, &ASN1TDynBitStr::numbits, octetsOfBits);
 }
 
 int rtCopyDynOctStr(ASN1CTXT* ctxt, const ASN1TDynOctStr* source, ASN1TDynOctStr* target) noexcept {
-    if (source == nullptr || target == nullptr) {
-        return 0;
-    }
-    return copyRecord(ctxt, source, target, &ASN1TDynOctStr::numocts, source->numocts);
+    return copyRecord(ctxt, source, target, &ASN1TDynOctStr::numocts, octetsOfUnits<1>);
 }
 
 int rtCopyCharStr(ASN1CTXT* ctxt, const char* source, const char** target) noexcept {
@@ -79,18 +80,10 @@ int rtCopyCharStr(ASN1CTXT* ctxt, const char* source, const char** target) noexc
 
 int rtCopy16BitCharStr(ASN1CTXT* ctxt, const Asn116BitCharString* source,
                        Asn116BitCharString* target) noexcept {
-    if (source == nullptr || target == nullptr) {
-        return 0;
-    }
-    return copyRecord(ctxt, source, target, &Asn116BitCharString::nchars,
-                      std::size_t{2} * source->nchars);
+    return copyRecord(ctxt, source, target, &Asn116BitCharString::nchars, octetsOfUnits<2>);
 }
 
 int rtCopy32BitCharStr(ASN1CTXT* ctxt, const Asn132BitCharString* source,
                        Asn132BitCharString* target) noexcept {
-    if (source == nullptr || target == nullptr) {
-        return 0;
-    }
-    return copyRecord(ctxt, source, target, &Asn132BitCharString::nchars,
-                      std::size_t{4} * source->nchars);
+    return copyRecord(ctxt, source, target, &Asn132BitCharString::nchars, octetsOfUnits<4>);
 }

@@ -11,15 +11,10 @@
 #include "shapes_types.h"
 #include "support/coded_row.h"
 #include "support/counting_allocator.h"
+#include "support/shapes_catalogue.h"
 
 // The rules of the type family on a module that holds each shape once: octets in, status, octets
 // out.
-
-namespace shapes {
-
-const asn1data::TypeDescription* findType(const char* name) noexcept;
-
-} // namespace shapes
 
 namespace {
 

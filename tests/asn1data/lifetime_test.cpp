@@ -309,6 +309,11 @@ struct LeavesNothingBehind {
 TEST(Lifetime, AssignmentGivesBackWhatItReplaces) {
     forEveryShape<LeavesNothingBehind>();
     LeavesNothingBehind<shapes::ASN1C_Any, shapes::ASN1T_Any>()("05 00");
+    LeavesNothingBehind<shapes::ASN1C_Octets, shapes::ASN1T_Octets>()("04 01 AA");
+    LeavesNothingBehind<shapes::ASN1C_Bits, shapes::ASN1T_Bits>()("03 02 00 AA");
+    LeavesNothingBehind<shapes::ASN1C_ShortBmp, shapes::ASN1T_ShortBmp>()("1E 02 00 41");
+    LeavesNothingBehind<shapes::ASN1C_ShortUniversal, shapes::ASN1T_ShortUniversal>()(
+        "1C 04 00 00 00 41");
     LeavesNothingBehind<ASN1C_Validity, ASN1T_Validity>()(
         "30 1E 17 0D 32 34 30 31 30 31 30 30 30 30 30 30 5A "
         "17 0D 32 35 30 31 30 31 30 30 30 30 30 30 5A");

@@ -8,17 +8,12 @@
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "support/coding.h"
+#include "support/shapes_catalogue.h"
 #include "support/value_builder.h"
 #include "support/value_text.h"
 
 // Every type of the catalogue, by its description alone: values within the constraints survive the
 // way to octets and back, copying, releasing and a second encoding.
-
-namespace shapes {
-
-asn1data::TypeRange allTypes() noexcept;
-
-} // namespace shapes
 
 namespace {
 

@@ -7,20 +7,14 @@
 
 #include "support/coding.h"
 #include "support/damaged_values.h"
-#include "support/data_file.h"
+#include "support/odd_messages.h"
 #include "support/reference_decoder.h"
+#include "support/shapes_catalogue.h"
 #include "support/status_tally.h"
 #include "support/value_text.h"
 
 // Decoding and walking share the code that knows which element may begin where. Here both are held
 // against a decoder that shares nothing with them: status, place and value of every message.
-
-namespace shapes {
-
-asn1data::TypeRange allTypes() noexcept;
-const asn1data::TypeDescription* findType(const char* name) noexcept;
-
-} // namespace shapes
 
 namespace {
 
@@ -143,15 +137,7 @@ TEST(ReferenceAgreement, OnValuesOfEveryShape) {
 
 TEST(ReferenceAgreement, OnOddMessagesWithEveryOctetChanged) {
     Agreement agreement;
-    for (const tests::DataRow& row : tests::dataRows("engine.txt", "messages")) {
-        const TypeDescription* const type = shapes::findType(row.text("type"));
-        ASSERT_NE(type, nullptr);
-        tests::forEachMutation(tests::fromHex(row["message"]), [&](const Octets& message) {
-            if (!testing::Test::HasFailure()) {
-                agreement.check(*type, message);
-            }
-        });
-    }
+    tests::checkOddMessages(agreement);
 }
 
 } // namespace

@@ -6,19 +6,13 @@
 
 #include "support/coding.h"
 #include "support/damaged_values.h"
-#include "support/data_file.h"
-#include "support/mutation.h"
+#include "support/hex.h"
+#include "support/odd_messages.h"
+#include "support/shapes_catalogue.h"
 #include "support/walk_agreement.h"
 
 // Walking a message accepts what decoding it accepts, and fails where that fails: for values of
 // every type, and for what is left of them when octets are damaged.
-
-namespace shapes {
-
-asn1data::TypeRange allTypes() noexcept;
-const asn1data::TypeDescription* findType(const char* name) noexcept;
-
-} // namespace shapes
 
 namespace {
 
@@ -40,15 +34,7 @@ TEST(WalkAgreement, OnDamagedValuesOfEveryShape) {
 
 TEST(WalkAgreement, OnOddMessagesWithEveryOctetChanged) {
     tests::WalkAgreement agreement;
-    for (const tests::DataRow& row : tests::dataRows("engine.txt", "messages")) {
-        const TypeDescription* const type = shapes::findType(row.text("type"));
-        ASSERT_NE(type, nullptr);
-        tests::forEachMutation(tests::fromHex(row["message"]), [&](const Octets& message) {
-            if (!testing::Test::HasFailure()) {
-                agreement.check(*type, message);
-            }
-        });
-    }
+    tests::checkOddMessages(agreement);
 }
 
 TEST(WalkAgreement, OnOpenValuesInsideEachOther) {

@@ -9,6 +9,7 @@
 #include "support/ca_bundle.h"
 #include "support/counting_allocator.h"
 #include "support/data_file.h"
+#include "support/shapes_catalogue.h"
 
 namespace {
 
@@ -31,12 +32,6 @@ long newCalls = 0;
 [[gnu::noinline]] void operator delete(void* block, std::size_t /*size*/) noexcept {
     std::free(block);
 }
-
-namespace shapes {
-
-const asn1data::TypeDescription* findType(const char* name) noexcept;
-
-} // namespace shapes
 
 namespace {
 

@@ -9,14 +9,9 @@
 
 #include "shapes_types.h"
 #include "support/data_file.h"
+#include "support/shapes_catalogue.h"
 
 // What the rules of naming, tagging and storage make of a module that has every shape once.
-
-namespace shapes {
-
-const asn1data::TypeDescription* findType(const char* name) noexcept;
-
-} // namespace shapes
 
 namespace {
 

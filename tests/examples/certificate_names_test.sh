@@ -1,15 +1,8 @@
 #!/usr/bin/env bash
 # Runs the program on certificates with names of every kind, and on what is no certificate.
-set -euo pipefail
-
-program=$1
-if ! command -v openssl >/dev/null; then
-    echo "skipped: the openssl command is missing (package openssl)"
-    exit 77
-fi
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
+# shellcheck source=tests/examples/prologue.sh
+source "$(dirname "${BASH_SOURCE[0]}")/prologue.sh"
+need openssl
 
 # certificate FILE SUBJECT NAMES: a self-signed certificate as PEM.
 certificate() {

@@ -1,28 +1,13 @@
 #!/usr/bin/env bash
 # Runs the program on whole and on damaged files: what it says, and how it ends.
-set -euo pipefail
+# shellcheck source=tests/examples/prologue.sh
+source "$(dirname "${BASH_SOURCE[0]}")/prologue.sh"
 
-program=$1
 bundle=/etc/ssl/certs/ca-certificates.crt
 if [[ ! -s $bundle ]]; then
     echo "skipped: $bundle is missing (package ca-certificates)"
     exit 77
 fi
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-
-# expect STATUS TEXT FILE...: the program ends with STATUS and says TEXT.
-expect() {
-    local status=$1 text=$2 got=0
-    shift 2
-    "$program" "$@" >output 2>&1 || got=$?
-    if ((got != status)) || ! grep -qF -- "$text" output; then
-        echo "FAILED: recode_certificates $*: status $got, expected $status and \"$text\" in"
-        tail -n 20 output
-        exit 1
-    fi
-}
 
 count=$(grep -c 'BEGIN CERTIFICATE' "$bundle")
 # One certificate as PEM and as DER, without help from another program than base64.

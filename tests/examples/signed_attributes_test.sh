@@ -1,15 +1,8 @@
 #!/usr/bin/env bash
 # Runs the program and compares what it reads with what the openssl command reads in the same file.
-set -euo pipefail
-
-program=$1
-if ! command -v openssl >/dev/null; then
-    echo "skipped: the openssl command is missing"
-    exit 77
-fi
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
+# shellcheck source=tests/examples/prologue.sh
+source "$(dirname "${BASH_SOURCE[0]}")/prologue.sh"
+need openssl
 
 content=$(printf content | openssl dgst -sha256 -r | cut -d ' ' -f 1)
 certificate=$(printf certificate | openssl dgst -sha256 -r | cut -d ' ' -f 1)
@@ -45,17 +38,6 @@ grep -qF "1.2.840.113549.1.9.16.2.47 (signing certificate): $certificate" printe
 "$program" "$content" "$certificate" 2>printed | openssl asn1parse -inform DER >/dev/null
 (($(wc -l <printed) == 4))
 
-# expect STATUS TEXT ARGUMENT...: the program ends with STATUS and says TEXT.
-expect() {
-    local status=$1 text=$2 got=0
-    shift 2
-    "$program" "$@" >output 2>&1 || got=$?
-    if ((got != status)) || ! grep -qF -- "$text" output; then
-        echo "FAILED: signed_attributes $*: status $got, expected $status and \"$text\" in"
-        cat output
-        exit 1
-    fi
-}
 expect 2 "usage:" "$content"
 expect 1 "E_INVALIDARG" "$content" 0x
 expect 1 "cannot be written" "$content" "$certificate" "$work"

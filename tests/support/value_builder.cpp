@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <brevantis/asn1/asn1data/family.h>
+#include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/list.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
@@ -24,10 +25,6 @@ enum : unsigned { DeepEnough = 6, Unreachable = 1000 };
 template <class T>
 T& at(void* record, unsigned offset) {
     return *reinterpret_cast<T*>(static_cast<unsigned char*>(record) + offset);
-}
-template <class T>
-const T& at(const void* record, unsigned offset) {
-    return *reinterpret_cast<const T*>(static_cast<const unsigned char*>(record) + offset);
 }
 void* place(void* record, std::size_t offset) {
     return static_cast<unsigned char*>(record) + offset;
@@ -71,7 +68,7 @@ bool overlap(const IdentifierSet& a, const IdentifierSet& b) {
 
 /// Whether an element would be read as one in front of it that is absent: only their order tells
 /// such elements apart.
-bool isTakenForAnother(const TypeDescription& type, unsigned index, const void* record) {
+bool isTakenForAnother(const TypeDescription& type, unsigned index, void* record) {
     const ElementDescription& element = type.elements[index];
     for (unsigned i = index; element.tagging == Tagging::Untagged && i-- > 0;) {
         const ElementDescription& before = type.elements[i];
@@ -205,105 +202,102 @@ void ValueBuilder::fillOpenType(ASN1OpenType& value) {
     value.data = data;
 }
 
-template <class Text>
-void ValueBuilder::fillCharacters(Text& text, unsigned count) {
-    using Character = std::remove_pointer_t<decltype(text.data)>;
-    text.nchars = count;
-    text.data = count != 0 ? allocate<Character>(count) : nullptr;
-    std::generate_n(text.data, count, [this] { return static_cast<Character>(random_()); });
-}
+/// Gives a value content of its shape.
+struct ValueBuilder::Filling {
+    ValueBuilder& builder;
+    const TypeDescription& type;
+    const Constraint& constraint;
 
-void ValueBuilder::fill(const TypeDescription& type, const Constraint& constraint, void* value) {
-    ++depth_;
-    switch (type.shape) {
-    case Shape::Boolean:
-        at<unsigned char>(value, 0) = static_cast<unsigned char>(below(2));
-        break;
-    case Shape::Integer:
-        at<int>(value, 0) = static_cast<int>(number(constraint, INT32_MIN, INT32_MAX));
-        break;
-    case Shape::Unsigned:
-        at<unsigned>(value, 0) = static_cast<unsigned>(number(constraint, 0, UINT32_MAX));
-        break;
-    case Shape::Enumerated:
-        at<unsigned>(value, 0) = static_cast<unsigned>(number(constraint, 0, INT32_MAX));
-        break;
-    case Shape::Unsigned16:
-        at<unsigned short>(value, 0) = static_cast<unsigned short>(number(constraint, 0, 0xFFFF));
-        break;
-    case Shape::BigInteger:
-    case Shape::BigUnsigned:
-        at<const char*>(value, 0) = integerText();
-        break;
-    case Shape::Null:
-        break;
-    case Shape::ObjectIdentifier: {
-        auto& id = at<ASN1TObjId>(value, 0);
-        id.numids = 2 + below(chance(3) ? 127 : 8);
-        id.subid[0] = below(3);
-        id.subid[1] = below(id.subid[0] == 2 ? 1000 : 40);
-        for (unsigned i = 2; i < id.numids; ++i) {
-            id.subid[i] = static_cast<unsigned>(random_() >> below(64));
+    void operator()(Is<Shape::Boolean>, unsigned char& value) const {
+        value = static_cast<unsigned char>(builder.below(2));
+    }
+    void operator()(Is<Shape::Integer>, int& value) const {
+        setNumber(value, INT32_MIN, INT32_MAX);
+    }
+    void operator()(Is<Shape::Unsigned>, unsigned& value) const { setNumber(value, 0, UINT32_MAX); }
+    void operator()(Is<Shape::Unsigned16>, unsigned short& value) const {
+        setNumber(value, 0, UINT16_MAX);
+    }
+    void operator()(Is<Shape::Enumerated>, unsigned& value) const {
+        setNumber(value, 0, INT32_MAX);
+    }
+    void operator()(Is<Shape::BigInteger>, const char*& value) const {
+        value = builder.integerText();
+    }
+    void operator()(Is<Shape::BigUnsigned>, const char*& value) const {
+        value = builder.integerText();
+    }
+    void operator()(Is<Shape::Null>, void* /*value*/) const {}
+    void operator()(Is<Shape::ObjectIdentifier>, ASN1TObjId& value) const {
+        value.numids = 2 + builder.below(builder.chance(3) ? 127 : 8);
+        value.subid[0] = builder.below(3);
+        value.subid[1] = builder.below(value.subid[0] == 2 ? 1000 : 40);
+        for (unsigned i = 2; i < value.numids; ++i) {
+            value.subid[i] = static_cast<unsigned>(builder.random_() >> builder.below(64));
         }
-        break;
     }
-    case Shape::OctetString: {
-        auto& string = at<ASN1TDynOctStr>(value, 0);
-        string.numocts = size(constraint, 40, 1u << 20);
-        string.data = octets(string.numocts);
-        break;
+    void operator()(Is<Shape::OctetString>, ASN1TDynOctStr& value) const {
+        value.numocts = size(40);
+        value.data = builder.octets(value.numocts);
     }
-    case Shape::FixedOctetString: {
-        auto& count = at<unsigned>(value, type.countOffset);
-        count = size(constraint, type.capacity, type.capacity);
-        for (unsigned i = 0; i < count; ++i) {
-            at<unsigned char>(value, type.dataOffset + i) = static_cast<unsigned char>(random_());
-        }
-        break;
+    void operator()(Is<Shape::FixedOctetString>, FixedString<unsigned char> value) const {
+        value.count = builder.size(constraint, value.capacity, value.capacity);
+        std::memcpy(value.data, builder.octets(value.count), value.count);
     }
-    case Shape::BitString:
-    case Shape::FixedBitString: {
-        const bool fixed = type.shape == Shape::FixedBitString;
-        const unsigned count = size(constraint, 70, fixed ? type.capacity : 1u << 20);
-        unsigned char* data = octets(count / 8 + 1);
+    void operator()(Is<Shape::BitString>, ASN1TDynBitStr& value) const {
+        value.numbits = size(70);
+        value.data = value.numbits != 0 ? bits(value.numbits) : nullptr;
+    }
+    void operator()(Is<Shape::FixedBitString>, FixedString<unsigned char> value) const {
+        value.count = builder.size(constraint, 70, value.capacity);
+        std::memcpy(value.data, bits(value.count), (value.count + 7) / 8);
+    }
+    void operator()(Is<Shape::Text>, const char*& value) const {
+        value = builder.text(type, size(30));
+    }
+    void operator()(Is<Shape::Text16>, Asn116BitCharString& value) const { setCharacters(value); }
+    void operator()(Is<Shape::Text32>, Asn132BitCharString& value) const { setCharacters(value); }
+    void operator()(Is<Shape::OpenType>, ASN1OpenType& value) const { builder.fillOpenType(value); }
+    void operator()(Is<Shape::Sequence>, void* value) const { builder.fillRecord(type, value); }
+    void operator()(Is<Shape::Set>, void* value) const { builder.fillRecord(type, value); }
+    void operator()(Is<Shape::Choice>, void* value) const { builder.fillChoice(type, value); }
+    void operator()(Is<Shape::List>, Asn1RTDList& value) const {
+        builder.fillList(type, constraint, value);
+    }
+    void operator()(Is<Shape::Array>, void* value) const {
+        builder.fillArray(type, constraint, value);
+    }
+    void operator()(Is<Shape::FixedArray>, void* value) const {
+        builder.fillArray(type, constraint, value);
+    }
+
+private:
+    template <class Number>
+    void setNumber(Number& value, long long lowest, long long highest) const {
+        value = static_cast<Number>(builder.number(constraint, lowest, highest));
+    }
+    /// Of a string without a capacity.
+    unsigned size(unsigned usual) const { return builder.size(constraint, usual, 1u << 20); }
+    unsigned char* bits(unsigned count) const {
+        unsigned char* data = builder.octets(count / 8 + 1);
         if (count % 8 != 0) {
             data[count / 8] = static_cast<unsigned char>(data[count / 8] & (0xFF00u >> count % 8));
         }
-        if (fixed) {
-            at<unsigned>(value, type.countOffset) = count;
-            std::memcpy(place(value, type.dataOffset), data, (count + 7) / 8);
-        } else {
-            at<ASN1TDynBitStr>(value, 0) = {count, count != 0 ? data : nullptr};
-        }
-        break;
+        return data;
     }
-    case Shape::Text:
-        at<const char*>(value, 0) = text(type, size(constraint, 30, 1u << 20));
-        break;
-    case Shape::Text16:
-        fillCharacters(at<Asn116BitCharString>(value, 0), size(constraint, 30, 1u << 20));
-        break;
-    case Shape::Text32:
-        fillCharacters(at<Asn132BitCharString>(value, 0), size(constraint, 30, 1u << 20));
-        break;
-    case Shape::OpenType:
-        fillOpenType(at<ASN1OpenType>(value, 0));
-        break;
-    case Shape::Sequence:
-    case Shape::Set:
-        fillRecord(type, value);
-        break;
-    case Shape::Choice:
-        fillChoice(type, value);
-        break;
-    case Shape::List:
-        fillList(type, constraint, value);
-        break;
-    case Shape::Array:
-    case Shape::FixedArray:
-        fillArray(type, constraint, value);
-        break;
+    template <class Text>
+    void setCharacters(Text& value) const {
+        using Character = std::remove_pointer_t<decltype(value.data)>;
+        value.nchars = size(30);
+        value.data = value.nchars != 0 ? builder.allocate<Character>(value.nchars) : nullptr;
+        std::generate_n(value.data, value.nchars,
+                        [this] { return static_cast<Character>(builder.random_()); });
     }
+};
+
+void ValueBuilder::fill(const TypeDescription& type, const Constraint& constraint, void* value) {
+    ++depth_;
+    withValue(type, value, Filling{*this, type, constraint});
     --depth_;
 }
 
@@ -358,7 +352,7 @@ void ValueBuilder::resolve(const TypeDescription& type, void* record) {
         return;
     }
     if (table.value == OpenValue::OpenTypes) {
-        const auto& list = at<Asn1RTDList>(record, table.valueOffset);
+        auto& list = at<Asn1RTDList>(record, table.valueOffset);
         for (Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
             resolveSlot(*object.type, *static_cast<Asn1TObject*>(node->data));
         }
@@ -409,8 +403,7 @@ void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
 }
 
 void ValueBuilder::fillList(const TypeDescription& type, const Constraint& constraint,
-                            void* value) {
-    auto& list = at<Asn1RTDList>(value, 0);
+                            Asn1RTDList& list) {
     rtDListInit(&list);
     for (unsigned count = size(constraint, depth_ > DeepEnough ? 0 : 3, 1000); count-- > 0;) {
         rtDListAppend(ctxt_, &list, build(*type.element));

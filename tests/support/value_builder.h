@@ -5,6 +5,7 @@
 
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/runtime/context.h>
+#include <brevantis/asn1/runtime/list.h>
 
 namespace tests {
 
@@ -18,19 +19,19 @@ public:
     void* build(const asn1data::TypeDescription& type);
 
 private:
+    struct Filling;
+
     void fill(const asn1data::TypeDescription& type, const asn1data::Constraint& constraint,
               void* value);
     void fillRecord(const asn1data::TypeDescription& type, void* record);
     void fillChoice(const asn1data::TypeDescription& type, void* record);
     void fillList(const asn1data::TypeDescription& type, const asn1data::Constraint& constraint,
-                  void* value);
+                  Asn1RTDList& list);
     void fillArray(const asn1data::TypeDescription& type, const asn1data::Constraint& constraint,
                    void* value);
     void resolve(const asn1data::TypeDescription& type, void* record);
     void resolveSlot(const asn1data::TypeDescription& type, Asn1TObject& slot);
     void fillOpenType(ASN1OpenType& value);
-    template <class Text>
-    void fillCharacters(Text& text, unsigned count);
     const char* integerText();
     const char* text(const asn1data::TypeDescription& type, unsigned length);
     unsigned char* octets(unsigned count);

@@ -5,12 +5,12 @@
 
 #include <brevantis/asn1/values/attribute/certificate_traits.h>
 #include <brevantis/asn1/values/attribute/certificate_value.h>
-#include <brevantis/asn1/values/util/context_handle.h>
 
 #include "support/blob.h"
 #include "support/ca_bundle.h"
 #include "support/data_file.h"
 #include "support/failing_allocations.h"
+#include "support/through_record.h"
 #include "support/thrown_code.h"
 
 using namespace Brevantis;
@@ -93,23 +93,11 @@ TEST(CertificateListTraits, CarryAListAsItsEncoding) {
     const CBlob list = blob("303F 302A 300D06092A864886F70D01010B0500"
                             "300C310A300806035504030C0161 170B323630313031303030305A"
                             "300D06092A864886F70D01010B0500 030200AA");
-    ScopedContext context;
-    asn1data::ASN1T_CertificateList record;
-    CBlob written;
-    ASN1T_CertificateList_traits::set(context.get(), record, list);
-    ASN1T_CertificateList_traits::get(record, written);
-    EXPECT_EQ(written, list);
-    asn1data::ASN1T_CertificateList other;
-    EXPECT_EQ(
-        thrownCode([&] { ASN1T_CertificateList_traits::set(context.get(), other, blob("3000")); }),
-        CRYPT_E_ASN1_INTERNAL);
-    EXPECT_GT(tests::failEveryAllocation([&] {
-                  ScopedContext own;
-                  asn1data::ASN1T_CertificateList copy;
-                  CBlob encoded;
-                  ASN1T_CertificateList_traits::set(own.get(), copy, list);
-                  ASN1T_CertificateList_traits::get(copy, encoded);
-              }),
+    EXPECT_EQ(tests::throughRecord<ASN1T_CertificateList_traits>(list), list);
+    EXPECT_EQ(thrownCode([] { tests::throughRecord<ASN1T_CertificateList_traits>(blob("3000")); }),
+              CRYPT_E_ASN1_INTERNAL);
+    EXPECT_GT(tests::failEveryAllocation(
+                  [&] { tests::throughRecord<ASN1T_CertificateList_traits>(list); }),
               6);
 }
 

@@ -12,6 +12,7 @@
 #include "support/blob.h"
 #include "support/data_file.h"
 #include "support/failing_allocations.h"
+#include "support/through_record.h"
 #include "support/thrown_code.h"
 
 using namespace Brevantis;
@@ -31,15 +32,9 @@ TEST(ContentInfo, CarriesMessagesOfEveryKind) {
         EXPECT_EQ(value.get_contentType(), row["type"]);
         EXPECT_EQ(value.encode(), written);
 
-        ScopedContext context;
-        asn1data::ASN1T_ContentInfo record;
-        CBlob whole;
-        ASN1T_ContentInfo_traits::set(context.get(), record, message);
-        ASN1T_ContentInfo_traits::get(record, whole);
-        EXPECT_EQ(whole, written);
-        EXPECT_EQ(
-            thrownCode([&] { ASN1T_ContentInfo_traits::set(context.get(), record, blob("3000")); }),
-            CRYPT_E_ASN1_INTERNAL);
+        EXPECT_EQ(tests::throughRecord<ASN1T_ContentInfo_traits>(message), written);
+        EXPECT_EQ(thrownCode([] { tests::throughRecord<ASN1T_ContentInfo_traits>(blob("3000")); }),
+                  CRYPT_E_ASN1_INTERNAL);
     }
 }
 

@@ -40,6 +40,20 @@ asn1data::IdentifierRange allIdentifiers() noexcept {
 }
 )";
 
+/// An array with a row for each item; none where there is no item.
+template <class Items, class Row>
+void table(Writer& out, const std::string& declaration, const Items& items, Row row) {
+    if (items.empty()) {
+        return;
+    }
+    out.line("constexpr " + declaration + "[] = {");
+    for (const auto& item : items) {
+        out.line("    " + row(item) + ",");
+    }
+    out.line("};");
+    out.line();
+}
+
 } // namespace
 
 std::string Emitter::catalogue() {
@@ -89,28 +103,12 @@ std::string Emitter::catalogue() {
     out.lines(Declarations, {});
     out.line("namespace {");
     out.line();
-    out.line("constexpr const asn1data::TypeDescription* sortedTypes[] = {");
-    for (const std::string& name : types) {
-        out.line("    &types::" + name + ",");
-    }
-    out.line("};");
-    if (!sets.empty()) {
-        out.line();
-        out.line("constexpr const asn1data::ObjectSetDescription* sortedSets[] = {");
-        for (const std::string& name : sets) {
-            out.line("    &sets::" + name + ",");
-        }
-        out.line("};");
-    }
-    if (!identifiers.empty()) {
-        out.line();
-        out.line("constexpr asn1data::IdentifierDescription sortedIdentifiers[] = {");
-        for (const Identifier* identifier : identifiers) {
-            out.line("    {\"" + identifier->name + "\", &" + identifier->name + "},");
-        }
-        out.line("};");
-    }
-    out.line();
+    table(out, "const asn1data::TypeDescription* sortedTypes", types,
+          [](const std::string& name) { return "&types::" + name; });
+    table(out, "const asn1data::ObjectSetDescription* sortedSets", sets,
+          [](const std::string& name) { return "&sets::" + name; });
+    table(out, "asn1data::IdentifierDescription sortedIdentifiers", identifiers,
+          [](const Identifier* each) { return "{\"" + each->name + "\", &" + each->name + "}"; });
     out.line("} // namespace");
     out.lines(Definitions,
               {{"types", std::to_string(types.size())},

@@ -105,12 +105,9 @@ std::unique_ptr<TypeNode> Parser::parseType() {
         }
     } else if (peek().is(".")) {
         take();
-        if (peek().kind != Token::Field) {
-            fail("a field such as '&Type'");
-        }
         type->kind = TypeNode::ClassField;
         type->className = word.text;
-        type->fieldName = take().text;
+        type->fieldName = take(Token::Field, "a field such as '&Type'").text;
     } else {
         type->kind = TypeNode::Reference;
         type->reference = word.text;
@@ -144,12 +141,10 @@ void Parser::parseNamedNumbers(TypeNode& type) {
         if (accept("...")) {
             continue;
         }
-        if (peek().kind != Token::Lower) {
-            fail("a name");
-        }
+        const Token name = take(Token::Lower, "a name");
         NamedNumber named;
-        named.at = peek().at;
-        named.name = take().text;
+        named.at = name.at;
+        named.name = name.text;
         if (type.kind == TypeNode::Enumerated && !peek().is("(")) {
             named.number = following; // X.680, 20.3: counted on from the one before
         } else {
@@ -178,10 +173,7 @@ void Parser::parseComponents(TypeNode& type) {
         if (accept("...")) {
             component.extensionMarker = true;
         } else {
-            if (peek().kind != Token::Lower) {
-                fail("the name of an element");
-            }
-            component.name = take().text;
+            component.name = take(Token::Lower, "the name of an element").text;
             component.type = parseType();
             if (type.kind != TypeNode::Choice) {
                 if (accept("OPTIONAL")) {
@@ -223,20 +215,16 @@ void Parser::parseConstraint(TypeNode& type) {
 TableNode Parser::parseTable() {
     TableNode table;
     expect("{");
-    if (peek().kind != Token::Upper) {
-        fail("the name of an object set");
-    }
-    table.setAt = peek().at;
-    table.set = take().text;
+    const Token set = take(Token::Upper, "the name of an object set");
+    table.setAt = set.at;
+    table.set = set.text;
     expect("}");
     if (accept("{")) {
         expect("@");
         accept(".");
-        if (peek().kind != Token::Lower) {
-            fail("the name of an element");
-        }
-        table.fieldAt = peek().at;
-        table.field = take().text;
+        const Token field = take(Token::Lower, "the name of an element");
+        table.fieldAt = field.at;
+        table.field = field.text;
         expect("}");
     }
     return table;
@@ -289,10 +277,7 @@ ValueNode Parser::parseValue() {
             if (peek().kind == Token::Lower) {
                 arc.name = take().text;
                 if (accept("(")) {
-                    if (peek().kind != Token::Number) {
-                        fail("a number");
-                    }
-                    arc.number = take().text;
+                    arc.number = take(Token::Number, "a number").text;
                     expect(")");
                 }
             } else if (peek().kind == Token::Number) {

@@ -15,6 +15,13 @@ Token Parser::take() {
     return token;
 }
 
+Token Parser::take(Token::Kind kind, const char* expected) {
+    if (peek().kind != kind) {
+        fail(expected);
+    }
+    return take();
+}
+
 bool Parser::accept(const char* spelling) {
     if (!peek().is(spelling)) {
         return false;
@@ -67,11 +74,9 @@ void Parser::parseModule() {
 }
 
 void Parser::parseHeader() {
-    if (peek().kind != Token::Upper) {
-        fail("the name of the module");
-    }
-    module_.at = peek().at;
-    module_.name = take().text;
+    const Token name = take(Token::Upper, "the name of the module");
+    module_.at = name.at;
+    module_.name = name.text;
     if (peek().is("{")) {
         parseValue();
     }
@@ -112,10 +117,7 @@ void Parser::parseImports() {
             module_.imports.push_back(import);
         } while (accept(","));
         expect("FROM");
-        if (peek().kind != Token::Upper) {
-            fail("the name of a module");
-        }
-        const Token from = take();
+        const Token from = take(Token::Upper, "the name of a module");
         if (peek().is("{")) {
             parseValue();
         }
@@ -171,12 +173,10 @@ void Parser::parseClass(Assignment& assignment) {
     expect("CLASS");
     expect("{");
     do {
-        if (peek().kind != Token::Field) {
-            fail("a field such as '&id'");
-        }
+        const Token name = take(Token::Field, "a field such as '&id'");
         ClassFieldNode field;
-        field.at = peek().at;
-        field.name = take().text;
+        field.at = name.at;
+        field.name = name.text;
         field.isType = field.name[0] >= 'A' && field.name[0] <= 'Z';
         if (!field.isType) {
             const Token type = peek();
@@ -218,10 +218,7 @@ std::vector<SyntaxNode> Parser::parseSyntax(const char* closing) {
 
 void Parser::parseSet(Assignment& assignment) {
     assignment.kind = Assignment::Set;
-    if (peek().kind != Token::Upper) {
-        fail("'::=' or the name of a class");
-    }
-    assignment.governor = take().text;
+    assignment.governor = take(Token::Upper, "'::=' or the name of a class").text;
     expect("::=");
     expect("{");
     while (!accept("}")) {

@@ -24,6 +24,8 @@ public:
 
     const Token& peek(std::size_t ahead = 0) const;
     Token take();
+    /// @param expected what a token of another kind is told not to be
+    Token take(Token::Kind kind, const char* expected);
     bool accept(const char* spelling);
     void expect(const char* spelling);
     [[noreturn]] void fail(const std::string& expected);

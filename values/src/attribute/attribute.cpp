@@ -88,10 +88,7 @@ CAttributes::const_iterator CAttributes::find(const char* oid) const {
 }
 
 void CAttributes::erase(const char* oid) {
-    const auto present = find(oid);
-    if (present != end()) {
-        erase(present);
-    }
+    eraseFound(*this, find(oid));
 }
 
 CBlob CAttributes::encode() const {

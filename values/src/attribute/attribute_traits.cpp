@@ -4,6 +4,8 @@
 
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 
+#include "util/checked_copy.h"
+
 namespace Brevantis::ASN1 {
 
 void ASN1T_Attribute_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Attribute& record,
@@ -15,10 +17,7 @@ void ASN1T_Attribute_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Attribute& reco
         values.push_back(each.get_value());
     }
     OpenValueListTraits::set(ctxt, checked.values, values);
-    // A known attribute with a value that does not decode is not let out.
-    DecodeBuffer buffer;
-    requireSuccess(asn1data::asn1DTC_Attribute(buffer.getCtxtPtr(), &checked));
-    copy(ctxt, checked, record);
+    copyResolved<ASN1T_Attribute_traits, &asn1data::asn1DTC_Attribute>(ctxt, checked, record);
 }
 
 void ASN1T_Attribute_traits::get(const asn1data::ASN1T_Attribute& record, CAttribute& value) {

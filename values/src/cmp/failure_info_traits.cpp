@@ -1,6 +1,6 @@
 #include <brevantis/asn1/values/cmp/failure_info_traits.h>
 
-#include <brevantis/asn1/runtime/bit_set.h>
+#include "util/named_bits.h"
 
 namespace Brevantis::ASN1 {
 
@@ -12,13 +12,7 @@ constexpr unsigned maxBits = 32;
 
 void ASN1T_PKIFailureInfo_traits::set(ASN1CTXT* /*ctxt*/, asn1data::ASN1T_PKIFailureInfo& record,
                                       const CPKIFailureInfo& value) {
-    record = {};
-    for (unsigned i = 0; i < maxBits; ++i) {
-        if (value.get_bit(i)) {
-            rtSetBit(record.data, maxBits, i);
-            record.numbits = i + 1;
-        }
-    }
+    setNamedBits<maxBits>(record, value);
 }
 
 void ASN1T_PKIFailureInfo_traits::get(const asn1data::ASN1T_PKIFailureInfo& record,

@@ -18,19 +18,11 @@ CInfoTypeAndValueList::const_iterator CInfoTypeAndValueList::find(const char* oi
 }
 
 void CInfoTypeAndValueList::insert(const CInfoTypeAndValue& item) {
-    const iterator place = find(item.get_infoType());
-    if (place != end()) {
-        *place = item;
-    } else {
-        push_back(item);
-    }
+    store(*this, find(item.get_infoType()), item);
 }
 
 void CInfoTypeAndValueList::remove(const char* oid) {
-    const iterator place = find(oid);
-    if (place != end()) {
-        erase(place);
-    }
+    eraseFound(*this, find(oid));
 }
 
 } // namespace Brevantis::ASN1

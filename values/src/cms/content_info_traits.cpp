@@ -2,6 +2,8 @@
 
 #include <brevantis/asn1/values/types/primitive_traits.h>
 
+#include "util/checked_copy.h"
+
 namespace Brevantis::ASN1 {
 
 void ASN1T_ContentInfo_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_ContentInfo& record,
@@ -9,9 +11,7 @@ void ASN1T_ContentInfo_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_ContentInfo& 
     asn1data::ASN1T_ContentInfo checked;
     ASN1TObjId_traits::set(ctxt, checked.contentType, value.get_contentType());
     Asn1TObject_traits::set(ctxt, checked.content, value.get_content());
-    DecodeBuffer typed;
-    requireSuccess(asn1data::asn1DTC_ContentInfo(typed.getCtxtPtr(), &checked));
-    copy(ctxt, checked, record);
+    copyResolved<ASN1T_ContentInfo_traits, &asn1data::asn1DTC_ContentInfo>(ctxt, checked, record);
 }
 
 void ASN1T_ContentInfo_traits::get(const asn1data::ASN1T_ContentInfo& record, CContentInfo& value) {

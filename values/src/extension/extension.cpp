@@ -82,19 +82,11 @@ CExtensions::const_iterator CExtensions::find(const char* oid) const {
 }
 
 void CExtensions::insert(const CExtension& extension) {
-    const auto present = find(extension.get_extnID());
-    if (present != end()) {
-        *present = extension;
-    } else {
-        push_back(extension);
-    }
+    store(*this, find(extension.get_extnID()), extension);
 }
 
 void CExtensions::erase(const char* oid) {
-    const auto present = find(oid);
-    if (present != end()) {
-        erase(present);
-    }
+    eraseFound(*this, find(oid));
 }
 
 CBlob CExtensions::encode() const {

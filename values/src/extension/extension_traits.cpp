@@ -3,6 +3,8 @@
 #include <brevantis/asn1/values/types/primitive_traits.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 
+#include "util/checked_copy.h"
+
 namespace Brevantis::ASN1 {
 
 void ASN1T_Extension_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extension& record,
@@ -11,10 +13,7 @@ void ASN1T_Extension_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extension& reco
     ASN1TObjId_traits::set(ctxt, checked.extnID, value.get_extnID());
     checked.critical = value.get_critical() ? 1 : 0;
     ASN1TDynOctStr_traits::set(ctxt, checked.extnValue, value.get_extnValue());
-    // A known extension whose value does not decode is not let out.
-    DecodeBuffer buffer;
-    requireSuccess(asn1data::asn1DTC_Extension(buffer.getCtxtPtr(), &checked));
-    copy(ctxt, checked, record);
+    copyResolved<ASN1T_Extension_traits, &asn1data::asn1DTC_Extension>(ctxt, checked, record);
 }
 
 void ASN1T_Extension_traits::get(const asn1data::ASN1T_Extension& record, CExtension& value) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <brevantis/asn1/runtime/bit_set.h>
+#include "util/named_bits.h"
 
 namespace Brevantis::ASN1 {
 
@@ -14,13 +14,7 @@ constexpr unsigned capacity = 16;
 
 void ASN1T_ReasonFlags_traits::set(ASN1CTXT* /*ctxt*/, asn1data::ASN1T_ReasonFlags& record,
                                    const CReasonFlags& value) {
-    record = {};
-    for (unsigned i = 0; i < capacity; ++i) {
-        if (value.get_bit(i)) {
-            rtSetBit(record.data, capacity, i);
-            record.numbits = i + 1;
-        }
-    }
+    setNamedBits<capacity>(record, value);
 }
 
 void ASN1T_ReasonFlags_traits::get(const asn1data::ASN1T_ReasonFlags& record, CReasonFlags& value) {

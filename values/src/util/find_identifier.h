@@ -19,6 +19,24 @@ auto findIdentifier(List& list, Identifier identifier, const char* oid) {
     });
 }
 
+/// Stores an element where findIdentifier found one of its identifier, or at the end.
+template <class List>
+void store(List& list, typename List::iterator place, const typename List::value_type& element) {
+    if (place != list.end()) {
+        *place = element;
+    } else {
+        list.push_back(element);
+    }
+}
+
+/// Takes away what findIdentifier found, if anything.
+template <class List>
+void eraseFound(List& list, typename List::iterator place) {
+    if (place != list.end()) {
+        list.erase(place);
+    }
+}
+
 } // namespace Brevantis::ASN1
 
 #endif
