@@ -7,72 +7,6 @@
 
 namespace asn1data::family {
 
-StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
-                   const ElementDescription& element, unsigned next)
-    : StepWalk(walker, container, element) {
-    const auto place = static_cast<unsigned>(&element - container.elements);
-    walker.candidateOwner = &container;
-    walker.candidateStart = walker.elementStart;
-    walker.candidateFirst = next;
-    walker.candidateCount = place + 1 - next;
-}
-
-StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
-                   const ElementDescription& element)
-    : walker_(walker), step_{walker.here.step, element.name, 0,
-                             container.shape == Shape::Choice ? StepKind::Alternative
-                                                              : StepKind::Member} {
-    if (container.table != nullptr && walker.openValue->begins(element)) {
-        ++walker.silence;
-        silent_ = true;
-    }
-    begin(&container, &element);
-}
-
-StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsigned index)
-    : walker_(walker), step_{walker.here.step, nullptr, index, StepKind::Index} {
-    walker.atElement();
-    begin(&container, nullptr);
-}
-
-StepWalk::StepWalk(Walker& walker, const ObjectDescription& object)
-    : walker_(walker), step_{walker.here.step, object.name, 0, StepKind::Object} {
-    begin(nullptr, nullptr);
-    walker.here.object = &object;
-}
-
-StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsigned place, StepKind kind)
-    : walker_(walker), step_{walker.here.step, nullptr, place, kind} {
-    walker.atElement();
-    begin(&container, nullptr);
-}
-
-void StepWalk::begin(const TypeDescription* container, const ElementDescription* element) {
-    WalkPlace& here = walker_.here;
-    data_ = here.data;
-    if (step_.kind != StepKind::Alternative && step_.kind != StepKind::Object) {
-        here.data = walker_.elementStart;
-    }
-    container_ = here.container;
-    element_ = here.element;
-    object_ = here.object;
-    here.step = &step_;
-    here.container = container;
-    here.element = element;
-    here.object = nullptr;
-    walker_.stepped = false;
-}
-
-StepWalk::~StepWalk() {
-    WalkPlace& here = walker_.here;
-    here.step = step_.outer;
-    here.data = data_;
-    here.container = container_;
-    here.element = element_;
-    here.object = object_;
-    walker_.silence -= silent_ ? 1 : 0;
-}
-
 // What the flags do not tell of yet is not cleared: most records end up without it.
 OpenValueWalk::OpenValueWalk(Walker& walker, const TypeDescription& type)
     : walker_(walker), type_(type), outer_(walker.openValue) {
@@ -100,8 +34,8 @@ bool OpenValueWalk::begins(const ElementDescription& element) {
     }
     element_ = &element;
     here_ = walker_.here;
-    buffer_ = walker_.ctxt.buffer;
-    buffer_.byteIndex = static_cast<unsigned>(walker_.elementStart - buffer_.data);
+    depth_ = walker_.depth;
+    start_ = static_cast<unsigned>(walker_.elementStart - walker_.ctxt.buffer.data);
     flags_ = walker_.ctxt.flags;
     return true;
 }
@@ -229,7 +163,7 @@ int OpenValueWalk::resolve() {
 int OpenValueWalk::readAgain(const ObjectDescription* object) {
     const ElementDescription& element = *element_;
     element_ = nullptr;
-    walker_.ctxt.buffer = buffer_;
+    walker_.ctxt.buffer.byteIndex = start_;
     walker_.ctxt.flags = flags_;
     walker_.object = object;
     walker_.atElement();
@@ -240,10 +174,10 @@ int OpenValueWalk::readAgain(const ObjectDescription* object) {
 }
 
 void OpenValueWalk::reportRaw() {
-    if (element_ == nullptr || walker_.here.depth != here_.depth) {
+    if (element_ == nullptr || walker_.depth != depth_) {
         return;
     }
-    const WalkPlace here = walker_.here;
+    const WalkPlace* const here = walker_.here;
     const ASN1Buffer buffer = walker_.ctxt.buffer;
     const unsigned silence = walker_.silence;
     walker_.here = here_;

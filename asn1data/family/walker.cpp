@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include <brevantis/asn1/asn1data/family.h>
@@ -55,11 +56,17 @@ Walker::~Walker() {
 }
 
 int Walker::run(const TypeDescription& type) {
-    const WalkStep root{nullptr, nullptr, 0, StepKind::Message};
-    here.step = &root;
     atElement();
-    here.data = elementStart;
-    return DecodeFlow<Walking>::decode(Walking(*this), type, {}, ASN1TagExplicit, 0);
+    const WalkPlace root{{nullptr, nullptr, 0, StepKind::Message},
+                         nullptr,
+                         nullptr,
+                         nullptr,
+                         elementStart,
+                         WalkPlace::NoElement};
+    here = &root;
+    const int status = DecodeFlow<Walking>::decode(Walking(*this), type, {}, ASN1TagExplicit, 0);
+    here = nullptr;
+    return status;
 }
 
 /// The header and the contents of the value that ends at the position.
@@ -80,17 +87,20 @@ WalkScope Walker::scopeBehind() const {
                                                   : static_cast<int>(octets() - contents)};
 }
 
-void Walker::describe(WalkElement& element, const TypeDescription* type,
-                      const WalkScope& scope) const {
-    element.step = here.step;
+/// Everything of the report but its value.
+[[gnu::always_inline]] inline void Walker::describe(const TypeDescription* type,
+                                                    const WalkScope& scope) {
+    const WalkPlace& place = *here;
+    WalkElement& element = report_;
+    element.step = &place.step;
     element.type = type;
-    element.element = here.element;
-    element.container = here.container;
-    element.object = here.object;
-    element.data = here.data;
-    element.offset = static_cast<unsigned>(here.data - base);
+    element.element = place.element;
+    element.container = place.container;
+    element.object = place.object;
+    element.data = place.data;
+    element.offset = static_cast<unsigned>(place.data - base);
     element.valueOffset = static_cast<unsigned>(scope.valueStart - base);
-    element.headerLength = static_cast<unsigned>(scope.contents - here.data);
+    element.headerLength = static_cast<unsigned>(scope.contents - place.data);
     element.contentLength = scope.length;
     element.tag = rtTagOfOctet(*scope.valueStart);
     if ((element.tag & ASN1TagNumberMask) == ASN1LongTagNumber) {
@@ -99,55 +109,42 @@ void Walker::describe(WalkElement& element, const TypeDescription* type,
                      &header);
         element.tag = header.tag;
     }
-    element.depth = here.depth;
+    element.depth = depth;
     element.segmented = (element.tag & ASN1TagConstructed) != 0 && isString(type);
     element.encapsulates = false;
-    element.assembled = here.assembled;
-    element.value = WalkValue{};
+    element.assembled = assembled;
 }
 
-// The reports below have frames of their own, which are gone while an element is gone through.
+/// The report of an element with others in it.
+[[gnu::always_inline]] inline void
+Walker::describe(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets) {
+    describe(&type, scope);
+    report_.value = WalkValue{};
+    if (octets != nullptr) {
+        report_.encapsulates = true;
+        report_.value.octets = octets->data;
+        report_.value.octetCount = octets->count;
+    }
+}
 
-[[gnu::noinline]] bool Walker::enter(const TypeDescription& type, const WalkScope& scope,
-                                     const WalkValue* octets) {
+bool Walker::enter(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets) {
     if (interest_.containers) {
-        WalkElement element;
-        describe(element, &type, scope);
-        if (octets != nullptr) {
-            element.encapsulates = true;
-            element.value = *octets;
-        }
-        const WalkAction action = visitor_.enter(element);
-        stopped = stopped || action == WalkAction::Stop;
+        describe(type, scope, octets);
+        const WalkAction action = visitor_.enter(report_);
         if (action != WalkAction::Continue) {
+            stopped = stopped || action == WalkAction::Stop;
             return false;
         }
     }
-    ++here.depth;
+    ++depth;
     return true;
 }
 
-[[gnu::noinline]] int Walker::leave(const TypeDescription& type, const WalkScope& scope,
-                                    const WalkValue* octets) {
-    --here.depth;
+int Walker::leave(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets) {
+    --depth;
     if (interest_.containers) {
-        WalkElement element;
-        describe(element, &type, scope);
-        if (octets != nullptr) {
-            element.encapsulates = true;
-            element.value = *octets;
-        }
-        stopped = visitor_.leave(element) == WalkAction::Stop;
-    }
-    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
-}
-
-[[gnu::noinline]] int Walker::reportPrimitive(const TypeDescription* type, const WalkValue& value) {
-    if (interest_.values) {
-        WalkElement element;
-        describe(element, type, scopeBehind());
-        element.value = value;
-        stopped = visitor_.primitive(element) == WalkAction::Stop;
+        describe(type, scope, octets);
+        stopped = visitor_.leave(report_) == WalkAction::Stop;
     }
     return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
 }
@@ -162,9 +159,9 @@ int Walker::checkConstraint(const TypeDescription& type, const Constraint& const
     return status;
 }
 
-int Walker::readRaw(WalkValue& value) {
+int Walker::readRaw() {
     atHeader();
-    return xd_OpenType(&ctxt, &value.octets, &value.octetCount);
+    return xd_OpenType(&ctxt, &report_.value.octets, &report_.value.octetCount);
 }
 
 /// Reads the value of a primitive without keeping it. What its constraint is about goes to
@@ -228,7 +225,7 @@ struct Walker::PrimitiveReader {
     }
     int operator()(Is<Shape::Text16>) const { return wideText(2); }
     int operator()(Is<Shape::Text32>) const { return wideText(4); }
-    int operator()(Is<Shape::OpenType>) const { return walker.readRaw(value); }
+    int operator()(Is<Shape::OpenType>) const { return walker.readRaw(); }
     template <Shape S, class = std::enable_if_t<!isPrimitive(S)>>
     int operator()(Is<S>) const {
         return ASN1S_NOT_SUPPORTED; // no coder reads these as a whole
@@ -266,94 +263,294 @@ private:
     }
 };
 
-int Walker::primitive(const TypeDescription* type, ASN1TagType tagging, int length) {
-    if (tagging == ASN1TagExplicit) {
-        atHeader();
+namespace {
+
+/// Most octets of an IMPLICIT value that are read as a whole: their bits can be counted.
+constexpr unsigned LongestWhole = 0xFFFFFF;
+
+/// Contents that stand in the message in one piece.
+struct WholeContents {
+    const unsigned char* octets;
+    unsigned count;
+    bool longForm = false; ///< the length has more than one octet
+
+    /// Moves from a header at `octets` to its contents.
+    /// @param left octets that are there
+    /// @return false where the header has more than four octets, or no definite length, or not all
+    ///         of its contents
+    bool behindHeader(unsigned left) {
+        if (left < 2) {
+            return false;
+        }
+        unsigned header = 2;
+        count = octets[1];
+        if (count >= 0x80) {
+            longForm = true;
+            if (count == 0x81 && left >= 3) {
+                header = 3;
+                count = octets[2];
+            } else if (count == 0x82 && left >= 4) {
+                header = 4;
+                count = static_cast<unsigned>(octets[2] << 8 | octets[3]);
+            } else {
+                return false;
+            }
+        }
+        octets += header;
+        return count <= left - header;
     }
-    const ASN1SavedState start{ctxt.buffer.byteIndex, ctxt.buffer.bitOffset, ctxt.flags};
+};
+
+} // namespace
+
+/// Takes the usual form of a value, which stands whole in a primitive element: what most messages
+/// consist of is to be read in few steps. It says no to everything else, and to what a coder might
+/// refuse; PrimitiveReader then reads it from the start.
+struct Walker::WholeReader {
+    Walker& walker;
+    const TypeDescription& type;
+    const WholeContents& whole;
+    WalkValue& value;
+
+    // The coders of these two take lengths of one octet alone.
+    bool operator()(Is<Shape::Boolean>) const {
+        return whole.count == 1 && !whole.longForm && number(*whole.octets);
+    }
+    bool operator()(Is<Shape::Unsigned16>) const {
+        return whole.count - 1 < 2 && !whole.longForm && number(unsignedOctets());
+    }
+    bool operator()(Is<Shape::Integer>) const {
+        return whole.count - 1 < 4 && number(static_cast<int>(signedOctets()));
+    }
+    bool operator()(Is<Shape::Unsigned>) const {
+        return whole.count - 1 < 4 && number(unsignedOctets());
+    }
+    bool operator()(Is<Shape::Enumerated>) const {
+        return whole.count - 1 < 4 && number(signedOctets());
+    }
+    bool operator()(Is<Shape::BigInteger>) const { return octets(whole.octets, whole.count); }
+    bool operator()(Is<Shape::BigUnsigned>) const { return octets(whole.octets, whole.count); }
+    bool operator()(Is<Shape::Null>) const { return false; }
+    bool operator()(Is<Shape::ObjectIdentifier>) const {
+        constexpr unsigned fewest =
+            ASN1MaxSubIds - 1; // octets that more arcs than there are room for take
+        if (whole.count == 0 || whole.count >= fewest) {
+            return false;
+        }
+        value.identifier = &walker.identifier_;
+        ASN1Buffer& buffer = walker.ctxt.buffer;
+        buffer.byteIndex = static_cast<unsigned>(whole.octets - buffer.data);
+        xd_objid(&walker.ctxt, &walker.identifier_, ASN1TagImplicit, static_cast<int>(whole.count));
+        return true;
+    }
+    bool operator()(Is<Shape::OctetString>) const {
+        walker.number = whole.count;
+        return octets(whole.octets, whole.count);
+    }
+    bool operator()(Is<Shape::FixedOctetString>) const {
+        walker.number = whole.count;
+        return whole.count <= type.capacity && octets(whole.octets, whole.count);
+    }
+    bool operator()(Is<Shape::BitString>) const {
+        if (whole.count < 2 || *whole.octets > 7) { // X.690, 8.6.2
+            return false;
+        }
+        walker.number = value.bitCount = (whole.count - 1) * 8 - *whole.octets;
+        return octets(whole.octets + 1, whole.count - 1);
+    }
+    bool operator()(Is<Shape::FixedBitString>) const {
+        return whole.count <= type.capacity / 8 + 1 && (*this)(Is<Shape::BitString>());
+    }
+    bool operator()(Is<Shape::Text>) const {
+        const ElementDescription* const element = walker.here->element;
+        if (type.constraint.count != 0 || (element != nullptr && element->constraint.count != 0)) {
+            TextCount text{{}, type.tag == Utf8StringTag};
+            TextCount::take(&text, whole.octets, whole.count);
+            walker.number = static_cast<unsigned>(text.count.characters);
+        }
+        return octets(whole.octets, whole.count);
+    }
+    bool operator()(Is<Shape::Text16>) const { return wideText(2); }
+    bool operator()(Is<Shape::Text32>) const { return wideText(4); }
+    template <Shape S, class = std::enable_if_t<S == Shape::OpenType || !isPrimitive(S)>>
+    bool operator()(Is<S>) const {
+        return false;
+    }
+
+private:
+    bool number(long long read) const {
+        value.number = walker.number = read;
+        return true;
+    }
+    unsigned unsignedOctets() const {
+        unsigned read = 0;
+        for (unsigned i = 0; i < whole.count; ++i) {
+            read = read << 8 | whole.octets[i];
+        }
+        return read;
+    }
+    unsigned signedOctets() const { // X.690, 8.3.3
+        const unsigned read = unsignedOctets();
+        return *whole.octets < 0x80 || whole.count == 4 ? read : read | ~0u << 8 * whole.count;
+    }
+    bool octets(const unsigned char* first, unsigned size) const {
+        value.octets = size != 0 ? first : nullptr;
+        value.octetCount = size;
+        return true;
+    }
+    bool wideText(unsigned width) const {
+        walker.number = whole.count / width;
+        return octets(whole.octets, whole.count - whole.count % width);
+    }
+};
+
+/// Reads a primitive.
+int Walker::primitive(const TypeDescription& type, ASN1TagType tagging, int length) {
+    ASN1Buffer& buffer = ctxt.buffer;
+    const WalkHeader header{buffer.byteIndex, ctxt.flags, tagging, length};
+    const unsigned left = buffer.byteIndex < buffer.size ? buffer.size - buffer.byteIndex : 0;
+    const unsigned char* const start = octets();
+    WholeContents whole{start, static_cast<unsigned>(length)};
+    report_.value = WalkValue{};
     number = 0;
-    WalkValue value{};
-    const int status =
-        type != nullptr
-            ? withShape(type->shape, PrimitiveReader{*this, *type, tagging, length, value})
-            : readRaw(value);
+    if (tagging == ASN1TagExplicit) {
+        valueStart = start;
+        if (!whole.behindHeader(left) || *start != type.identifier) {
+            return readAny(&type, header);
+        }
+        ctxt.flags = static_cast<unsigned short>(ctxt.flags & ~ASN1F_CONSTRUCTED);
+    } else if ((ctxt.flags & ASN1F_CONSTRUCTED) != 0 ||
+               whole.count > std::min(left, LongestWhole)) {
+        return readAny(&type, header);
+    }
+    if (!withShape(type.shape, WholeReader{*this, type, whole, report_.value})) {
+        ctxt.flags = header.flags;
+        return readAny(&type, header);
+    }
+    buffer.byteIndex = static_cast<unsigned>(whole.octets + whole.count - buffer.data);
+    return took(&type, {valueStart, whole.octets, static_cast<int>(whole.count)}, header);
+}
+
+int Walker::openType(const TypeDescription& type) {
+    ASN1Buffer& buffer = ctxt.buffer;
+    const WalkHeader header{buffer.byteIndex, ctxt.flags, ASN1TagExplicit, 0};
+    const unsigned left = buffer.byteIndex < buffer.size ? buffer.size - buffer.byteIndex : 0;
+    valueStart = octets();
+    WholeContents whole{valueStart, 0};
+    report_.value = WalkValue{};
+    number = 0;
+    if (!whole.behindHeader(left) || (*valueStart & ASN1LongTagNumber) == ASN1LongTagNumber ||
+        *valueStart == 0) {
+        return readAny(&type, header);
+    }
+    const auto size = static_cast<unsigned>(whole.octets + whole.count - valueStart);
+    buffer.byteIndex += size;
+    report_.value.octets = valueStart;
+    report_.value.octetCount = size;
+    return took(&type, {valueStart, whole.octets, static_cast<int>(whole.count)}, header);
+}
+
+int Walker::addition() {
+    atHeader();
+    const WalkHeader header{ctxt.buffer.byteIndex, ctxt.flags, ASN1TagExplicit, 0};
+    report_.value = WalkValue{};
+    number = 0;
+    return readAny(nullptr, header);
+}
+
+/// Reads a value in any form.
+[[gnu::noinline]] int Walker::readAny(const TypeDescription* type, const WalkHeader& header) {
+    report_.value = WalkValue{};
+    number = 0;
+    const int status = type != nullptr
+                           ? withShape(type->shape, PrimitiveReader{*this, *type, header.tagging,
+                                                                    header.length, report_.value})
+                           : readRaw();
     if (status != ASN1S_SUCCESS) {
         return fail(
             status,
             {status == ASN1S_TAG_NOT_FOUND ? Expectation::Element : Expectation::Contents, type});
     }
+    return took(type, scopeBehind(), header);
+}
+
+/// A value has been read.
+int Walker::took(const TypeDescription* type, const WalkScope& scope, const WalkHeader& header) {
     if (silence != 0) {
         return ASN1S_SUCCESS;
     }
     const bool raw = type == nullptr || type->shape == Shape::OpenType;
-    if (raw && object != nullptr) {
-        return resolved(value.octets, value.octetCount);
+    if (object != nullptr && (raw || type->shape == Shape::OctetString)) {
+        const WalkOctets octets{report_.value.octets, report_.value.octetCount};
+        if (raw) {
+            return resolved(octets, here->data);
+        }
+        if (octets.count != 0) {
+            return resolveOctets(*type, scope, octets, header);
+        }
     }
-    if (raw && value.octetCount == 0) { // none is there
+    if (raw && report_.value.octetCount == 0) { // none is there
         return ASN1S_SUCCESS;
     }
-    if (object != nullptr && type->shape == Shape::OctetString && value.octetCount != 0) {
-        return resolveOctets(*type, value, start, tagging, length);
+    if (interest_.values) {
+        describe(type, scope);
+        stopped = visitor_.primitive(report_) == WalkAction::Stop;
     }
-    return reportPrimitive(type, value);
+    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
 }
 
-int Walker::resolveOctets(const TypeDescription& type, const WalkValue& value,
-                          const ASN1SavedState& start, ASN1TagType tagging, int length) {
+int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, WalkOctets value,
+                          const WalkHeader& header) {
     const ASN1Buffer behind = ctxt.buffer;
     const unsigned short flags = ctxt.flags;
-    const WalkScope scope = scopeBehind();
     if (!enter(type, scope, &value)) {
         return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
     }
-    const bool segmented = value.octets == nullptr;
-    const unsigned char* data = value.octets;
+    WalkOctets whole = value;
+    const bool segmented = whole.data == nullptr;
+    const unsigned char* const outerBase = base;
+    const bool outerAssembled = assembled;
     if (segmented) {
-        ctxt.buffer.byteIndex = start.byteIndex;
-        ctxt.flags = start.flags;
-        unsigned count = 0;
-        const int status = xd_octstr(&ctxt, &data, &count, tagging, length);
+        ctxt.buffer.byteIndex = header.position;
+        ctxt.flags = header.flags;
+        const int status =
+            xd_octstr(&ctxt, &whole.data, &whole.count, header.tagging, header.length);
         if (status != ASN1S_SUCCESS) {
             return fail(status, {Expectation::Memory, &type});
         }
+        base = whole.data;
+        assembled = true;
     }
-    const unsigned char* const outerBase = base;
-    const bool outerAssembled = here.assembled;
-    const unsigned char* const outerData = here.data;
-    if (segmented) {
-        base = data;
-        here.assembled = true;
-    }
-    here.data = data;
-    int status = resolved(data, value.octetCount);
+    const int status = resolved(whole, whole.data);
     if (status != ASN1S_SUCCESS) {
         return status;
     }
     if (segmented) {
-        rtMemHeapFreePtr(&ctxt.memHeap, const_cast<unsigned char*>(data)); // the heap gave it out
+        // The heap gave it out.
+        rtMemHeapFreePtr(&ctxt.memHeap, const_cast<unsigned char*>(whole.data));
+        base = outerBase;
+        assembled = outerAssembled;
     }
-    base = outerBase;
-    here.assembled = outerAssembled;
-    here.data = outerData;
     ctxt.buffer = behind;
     ctxt.flags = flags;
-    number = value.octetCount;
+    number = value.count;
     return leave(type, scope, &value);
 }
 
 /// Goes through the octets of an open value. A failure leaves the context on them, success brings
 /// it back behind the raw value.
-int Walker::resolved(const unsigned char* data, unsigned count) {
+/// @param element first octet of the element that they are
+int Walker::resolved(WalkOctets value, const unsigned char* element) {
     const ObjectDescription* const selected = object;
     const ASN1Buffer behind = ctxt.buffer;
     const unsigned short flags = ctxt.flags;
-    if (count == 0) {
+    if (value.count == 0) {
         ctxt.buffer = openValue->failing_;
         return fail(ASN1S_END_OF_BUFFER, {Expectation::Octets, selected->type});
     }
-    const StepWalk step(*this, *selected);
-    valueStart = data;
-    int status = xd_setp(&ctxt, data, static_cast<int>(count), nullptr, nullptr);
+    const StepWalk step(*this, *selected, element);
+    valueStart = value.data;
+    int status = xd_setp(&ctxt, value.data, static_cast<int>(value.count), nullptr, nullptr);
     if (status != ASN1S_SUCCESS) {
         return fail(status, {Expectation::Header, selected->type});
     }
@@ -381,26 +578,41 @@ int Walker::fail(int status, const Expected& expected) {
     failure.status = status;
     failure.offset = static_cast<unsigned>(octets() - base);
     failure.partOffset = ctxt.buffer.byteIndex;
-    failure.elementOffset = static_cast<unsigned>(here.data - base);
-    failure.assembled = here.assembled;
+    failure.elementOffset = static_cast<unsigned>(here->data - base);
+    failure.assembled = assembled;
     failure.expectation = expected.expectation;
     failure.type = expected.type;
     failure.container = expected.container;
     failure.firstExpected = expected.first;
     failure.expectedCount = expected.count;
-    if (status == ASN1S_TAG_NOT_FOUND && octets() == candidateStart && candidateCount > 1) {
-        failure.expectation = Expectation::OneOf;
-        failure.container = candidateOwner;
-        failure.firstExpected = candidateFirst;
-        failure.expectedCount = candidateCount;
+    if (status == ASN1S_TAG_NOT_FOUND) {
+        expectCandidates();
     }
     failure.pathCut =
-        writePath(*here.step, failure.path, sizeof failure.path) >= sizeof failure.path;
+        writePath(here->step, failure.path, sizeof failure.path) >= sizeof failure.path;
     findFound(status, expected);
     if (openValue != nullptr) {
         openValue->reportRaw();
     }
     return status;
+}
+
+/// Where other elements could have stood in place of the one that is missing, all are told.
+void Walker::expectCandidates() {
+    const WalkPlace* place = here;
+    while (place != nullptr && place->first == WalkPlace::NoElement) {
+        place = place->outer();
+    }
+    if (place == nullptr || place->data != octets()) {
+        return;
+    }
+    const auto last = static_cast<unsigned>(place->element - place->container->elements);
+    if (last != place->first) {
+        failure_.expectation = Expectation::OneOf;
+        failure_.container = place->container;
+        failure_.firstExpected = place->first;
+        failure_.expectedCount = last + 1 - place->first;
+    }
 }
 
 void Walker::findFound(int status, const Expected& expected) {
@@ -421,7 +633,7 @@ void Walker::findFound(int status, const Expected& expected) {
         identifierAt(elementStart);
         break;
     case ASN1S_DUPLICATE_SET_MEMBER:
-        identifierAt(here.data);
+        identifierAt(here->data);
         break;
     case ASN1S_MISSING_ELEMENT:
         failure_.finding = octets() < end ? Finding::EndOfElement : Finding::EndOfMessage;

@@ -17,15 +17,34 @@ enum : int { WalkStopped = 1 };
 
 class OpenValueWalk;
 
-/// What a walk knows of the element at hand before it is read; as in WalkElement.
+/// What a walk knows of an element before it is read; as in WalkElement. Places lie inside each
+/// other on the stack, as their steps tell.
 struct WalkPlace {
-    const WalkStep* step;
+    WalkStep step;
     const ElementDescription* element;
     const TypeDescription* container;
     const ObjectDescription* object;
     const unsigned char* data;
-    unsigned depth;
-    bool assembled;
+    /// Element of a SEQUENCE: the first one of `container` that could have stood here; else
+    /// NoElement.
+    unsigned first;
+
+    enum : unsigned { NoElement = 0xFFFFFFFFu };
+    const WalkPlace* outer() const { return reinterpret_cast<const WalkPlace*>(step.outer); }
+};
+
+/// The octets of a string; `data` is null where they come in segments.
+struct WalkOctets {
+    const unsigned char* data;
+    unsigned count;
+};
+
+/// Where a primitive began, to read it once more.
+struct WalkHeader {
+    unsigned position;
+    unsigned short flags;
+    ASN1TagType tagging;
+    int length;
 };
 
 /// A constructed element that has been entered, as far as it has to be known to leave it: elements
@@ -55,7 +74,9 @@ public:
     void atElement() { elementStart = valueStart = octets(); }
 
     int fail(int status, const Expected& expected);
-    int primitive(const TypeDescription* type, ASN1TagType tagging, int length);
+    int primitive(const TypeDescription& type, ASN1TagType tagging, int length);
+    int openType(const TypeDescription& type);
+    int addition();
     int checkConstraint(const TypeDescription& type, const Constraint& constraint,
                         const char* parameter);
 
@@ -64,42 +85,43 @@ public:
     /// Calls the visitor's `enter` for the element at hand. It may not be entered, or the walk be
     /// stopped.
     /// @param octets of an OCTET STRING that encapsulates, else null
-    bool enter(const TypeDescription& type, const WalkScope& scope, const WalkValue* octets);
-    int leave(const TypeDescription& type, const WalkScope& scope, const WalkValue* octets);
+    bool enter(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets);
+    int leave(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets);
 
-    ASN1CTXT ctxt{};
-    WalkPlace here{};
+    ASN1CTXT ctxt;
+    const WalkPlace* here = nullptr;             ///< of the element at hand
     const unsigned char* elementStart = nullptr; ///< of the element that a step leads to next
     const unsigned char* valueStart = nullptr;   ///< of the innermost header
     const unsigned char* base;                   ///< offset 0
     OpenValueWalk* openValue = nullptr;          ///< of the innermost record that can have one
     const ObjectDescription* object = nullptr;   ///< what resolves the open value that is read next
     unsigned silence = 0;                        ///< above 0 nothing is reported
+    unsigned depth = 0;                          ///< as in WalkElement
+    bool assembled = false;                      ///< as in WalkElement
     bool stopped = false;
     bool stepped = false; ///< the value read last was stepped over
     long long number = 0; ///< that the constraint of the value read last is about
 
-    // The elements of a record that could have stood where its last one was looked for.
-    const TypeDescription* candidateOwner = nullptr;
-    const unsigned char* candidateStart = nullptr;
-    unsigned candidateFirst = 0;
-    unsigned candidateCount = 0;
-
 private:
     struct PrimitiveReader;
+    struct WholeReader;
 
-    int readRaw(WalkValue& value);
-    void describe(WalkElement& element, const TypeDescription* type, const WalkScope& scope) const;
+    int readRaw();
+    int readAny(const TypeDescription* type, const WalkHeader& header);
+    int took(const TypeDescription* type, const WalkScope& scope, const WalkHeader& header);
+    void describe(const TypeDescription* type, const WalkScope& scope);
+    void describe(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets);
     WalkScope scopeBehind() const;
-    int reportPrimitive(const TypeDescription* type, const WalkValue& value);
-    int resolveOctets(const TypeDescription& type, const WalkValue& value,
-                      const ASN1SavedState& start, ASN1TagType tagging, int length);
-    int resolved(const unsigned char* data, unsigned count);
+    int resolveOctets(const TypeDescription& type, const WalkScope& scope, WalkOctets value,
+                      const WalkHeader& header);
+    int resolved(WalkOctets value, const unsigned char* element);
+    void expectCandidates();
     void findFound(int status, const Expected& expected);
 
     WalkVisitor& visitor_;
     const WalkInterest interest_;
     WalkFailure& failure_;
+    WalkElement report_; ///< what the visitor sees; `value` is the one read last
     ASN1TObjId identifier_;
 
     friend class OpenValueWalk;
@@ -117,7 +139,8 @@ public:
     /// To an element of a list, at the position.
     StepWalk(Walker& walker, const TypeDescription& container, unsigned index);
     /// To the typed form of an open value.
-    StepWalk(Walker& walker, const ObjectDescription& object);
+    /// @param data first octet of the element
+    StepWalk(Walker& walker, const ObjectDescription& object, const unsigned char* data);
     /// To an addition, at the position.
     StepWalk(Walker& walker, const TypeDescription& container, unsigned place, StepKind kind);
     ~StepWalk();
@@ -125,14 +148,10 @@ public:
     StepWalk& operator=(const StepWalk&) = delete;
 
 private:
-    void begin(const TypeDescription* container, const ElementDescription* element);
+    void begin(const TypeDescription& container, const ElementDescription& element);
 
     Walker& walker_;
-    WalkStep step_;
-    const unsigned char* data_;
-    const TypeDescription* container_;
-    const ElementDescription* element_;
-    const ObjectDescription* object_;
+    WalkPlace place_;
     bool silent_ = false;
 };
 
@@ -178,10 +197,11 @@ private:
     const unsigned char* end_ = nullptr;        ///< of the record; null for an indefinite length
     WalkScope record_;                          ///< to be left, with `entered_`
     // How the walk stood when the value began.
-    WalkPlace here_;
-    ASN1Buffer buffer_{};
-    unsigned short flags_ = 0;
-    ASN1Buffer failing_{}; ///< where the decoder stands when a value turns out to have no octets
+    const WalkPlace* here_;
+    unsigned depth_;
+    unsigned start_;
+    unsigned short flags_;
+    ASN1Buffer failing_; ///< where the decoder stands when a value turns out to have no octets
 
     friend class Walker;
 };
@@ -219,11 +239,12 @@ public:
     }
     int primitive(const TypeDescription& type, Value /*value*/, ASN1TagType tagging,
                   int length) const {
-        return walker_->primitive(&type, tagging, length);
+        return type.shape == Shape::OpenType ? walker_->openType(type)
+                                             : walker_->primitive(type, tagging, length);
     }
     int addition(const TypeDescription& type, Value /*record*/, unsigned place) const {
         const StepWalk step(*walker_, type, place, StepKind::Addition);
-        return walker_->primitive(nullptr, ASN1TagExplicit, 0);
+        return walker_->addition();
     }
     int withinConstraint(const TypeDescription& type, Value /*value*/, const Constraint& constraint,
                          const char* parameter) const {
@@ -271,6 +292,74 @@ public:
 private:
     Walker* walker_;
 };
+
+inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
+                          const ElementDescription& element, unsigned next)
+    : walker_(walker), place_{{&walker.here->step, element.name, 0, StepKind::Member},
+                              &element,
+                              &container,
+                              nullptr,
+                              walker.elementStart,
+                              next} {
+    begin(container, element);
+}
+
+inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
+                          const ElementDescription& element)
+    : walker_(walker), place_{{&walker.here->step, element.name, 0, StepKind::Member},
+                              &element,
+                              &container,
+                              nullptr,
+                              walker.elementStart,
+                              WalkPlace::NoElement} {
+    if (container.shape == Shape::Choice) { // it stands where the CHOICE stands
+        place_.step.kind = StepKind::Alternative;
+        place_.data = walker.here->data;
+    }
+    begin(container, element);
+}
+
+inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsigned index)
+    : StepWalk(walker, container, index, StepKind::Index) {}
+
+inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsigned place,
+                          StepKind kind)
+    : walker_(walker), place_{{&walker.here->step, nullptr, place, kind},
+                              nullptr,
+                              &container,
+                              nullptr,
+                              walker.octets(),
+                              WalkPlace::NoElement} {
+    walker.atElement();
+    walker.here = &place_;
+    walker.stepped = false;
+}
+
+inline StepWalk::StepWalk(Walker& walker, const ObjectDescription& object,
+                          const unsigned char* data)
+    : walker_(walker), place_{{&walker.here->step, object.name, 0, StepKind::Object},
+                              nullptr,
+                              nullptr,
+                              &object,
+                              data,
+                              WalkPlace::NoElement} {
+    walker.here = &place_;
+    walker.stepped = false;
+}
+
+inline void StepWalk::begin(const TypeDescription& container, const ElementDescription& element) {
+    if (container.table != nullptr && walker_.openValue->begins(element)) {
+        ++walker_.silence;
+        silent_ = true;
+    }
+    walker_.here = &place_;
+    walker_.stepped = false;
+}
+
+inline StepWalk::~StepWalk() {
+    walker_.here = place_.outer();
+    walker_.silence -= silent_ ? 1 : 0;
+}
 
 } // namespace asn1data::family
 
