@@ -75,9 +75,9 @@ struct DecodeFlow {
     /// Whoever reads a tag in indefinite form steps over its end-of-contents, where the element
     /// belongs to the structures that streaming producers write so (RFC 5652, section 5.1 and the
     /// like).
-    static int decodeTagged(Sink sink, const TypeDescription& container,
-                            const ElementDescription& element, Value value, ASN1TagType inner,
-                            int length) {
+    [[gnu::always_inline]] static int decodeTagged(Sink sink, const TypeDescription& container,
+                                                   const ElementDescription& element, Value value,
+                                                   ASN1TagType inner, int length) {
         const int status = decode(sink, *element.type, value, inner, length);
         if (status != ASN1S_SUCCESS || length != ASN1IndefiniteLength) {
             return status;
@@ -92,8 +92,9 @@ struct DecodeFlow {
         return stepOverEndOfContents(sink);
     }
 
-    static int decodeElement(Sink sink, const TypeDescription& container,
-                             const ElementDescription& element, Value value) {
+    [[gnu::always_inline]] static int decodeElement(Sink sink, const TypeDescription& container,
+                                                    const ElementDescription& element,
+                                                    Value value) {
         int status = ASN1S_SUCCESS;
         if (element.tagging == Tagging::Untagged) {
             status = decode(sink, *element.type, value, ASN1TagExplicit, 0);
@@ -124,8 +125,8 @@ struct DecodeFlow {
     }
 
     /// Elements behind the known ones, kept as they are.
-    static int decodeAdditions(Sink sink, const TypeDescription& type, Value record,
-                               const Scope& scope) {
+    [[gnu::noinline]] static int decodeAdditions(Sink sink, const TypeDescription& type,
+                                                 Value record, const Scope& scope) {
         ASN1CTXT* const ctxt = sink.ctxt();
         for (unsigned place = 0; !scope.ended(ctxt); ++place) {
             const unsigned start = ctxt->buffer.byteIndex;
@@ -155,7 +156,8 @@ struct DecodeFlow {
 
     /// Elements in the order of declaration (X.690, 8.9.2); the place in the declaration only moves
     /// on.
-    static int decodeSequence(Sink sink, const TypeDescription& type, Value record, int length) {
+    [[gnu::always_inline]] static int decodeSequence(Sink sink, const TypeDescription& type,
+                                                     Value record, int length) {
         ASN1CTXT* const ctxt = sink.ctxt();
         sink.prepare(type, record);
         const Scope scope(ctxt, length);
@@ -209,7 +211,8 @@ struct DecodeFlow {
     }
 
     /// Elements in any order (X.690, 8.11.2), each by its whole tag.
-    static int decodeSet(Sink sink, const TypeDescription& type, Value record, int length) {
+    [[gnu::noinline]] static int decodeSet(Sink sink, const TypeDescription& type, Value record,
+                                           int length) {
         ASN1CTXT* const ctxt = sink.ctxt();
         sink.prepare(type, record);
         const Scope scope(ctxt, length);
@@ -258,7 +261,8 @@ struct DecodeFlow {
                    : ASN1S_SUCCESS;
     }
 
-    static int decodeChoice(Sink sink, const TypeDescription& type, Value record) {
+    [[gnu::noinline]] static int decodeChoice(Sink sink, const TypeDescription& type,
+                                              Value record) {
         ASN1CTXT* const ctxt = sink.ctxt();
         sink.selects(type, record);
         const unsigned start = ctxt->buffer.byteIndex;
@@ -307,8 +311,9 @@ struct DecodeFlow {
 
     /// The elements of a repeated value, each in the place that `elements` has for it.
     template <class Elements>
-    static int decodeElements(Sink sink, const TypeDescription& type, Elements& elements,
-                              int length, unsigned capacity) {
+    [[gnu::always_inline]] static int decodeElements(Sink sink, const TypeDescription& type,
+                                                     Elements& elements, int length,
+                                                     unsigned capacity) {
         const Scope scope(sink.ctxt(), length);
         while (!scope.ended(sink.ctxt())) {
             if (elements.count() >= capacity) {
@@ -328,18 +333,20 @@ struct DecodeFlow {
         return ASN1S_SUCCESS;
     }
 
-    static int decodeList(Sink sink, const TypeDescription& type, Value value, int length) {
+    [[gnu::always_inline]] static int decodeList(Sink sink, const TypeDescription& type,
+                                                 Value value, int length) {
         typename Sink::List list(sink, type, value);
         return decodeElements(sink, type, list, length, MaximumListCount);
     }
 
-    static int decodePlaces(Sink sink, const TypeDescription& type, Value value, int length,
-                            unsigned capacity) {
+    [[gnu::noinline]] static int decodePlaces(Sink sink, const TypeDescription& type, Value value,
+                                              int length, unsigned capacity) {
         typename Sink::Places places(sink, type, value);
         return decodeElements(sink, type, places, length, capacity);
     }
 
-    static int decodeArray(Sink sink, const TypeDescription& type, Value value, int length) {
+    [[gnu::noinline]] static int decodeArray(Sink sink, const TypeDescription& type, Value value,
+                                             int length) {
         sink.clearArray(type, value);
         int count = 0;
         const int status = xd_count(sink.ctxt(), length, &count);
@@ -354,32 +361,39 @@ struct DecodeFlow {
         return decodePlaces(sink, type, value, length, static_cast<unsigned>(count));
     }
 
-    static int decodeConstructed(Sink sink, const TypeDescription& type, Value value, int length) {
-        return withShape(type.shape, [&](auto is) {
-            constexpr Shape shape = decltype(is)::value;
-            if constexpr (shape == Shape::Sequence) {
-                return decodeSequence(sink, type, value, length);
-            } else if constexpr (shape == Shape::Set) {
-                return decodeSet(sink, type, value, length);
-            } else if constexpr (shape == Shape::List) {
-                return decodeList(sink, type, value, length);
-            } else if constexpr (shape == Shape::Array) {
-                return decodeArray(sink, type, value, length);
-            } else if constexpr (shape == Shape::FixedArray) {
-                return decodePlaces(sink, type, value, length, type.capacity);
-            } else {
-                static_assert(isPrimitive(shape) || shape == Shape::Choice);
-                return sink.fail(ASN1S_NOT_SUPPORTED, {Expectation::Contents, &type});
-            }
-        });
+    [[gnu::always_inline]] static int decodeConstructed(Sink sink, const TypeDescription& type,
+                                                        Value value, int length) {
+        return withShape(
+            type.shape, [&](auto is) __attribute__((always_inline)) {
+                constexpr Shape shape = decltype(is)::value;
+                if constexpr (shape == Shape::Sequence) {
+                    return decodeSequence(sink, type, value, length);
+                } else if constexpr (shape == Shape::Set) {
+                    return decodeSet(sink, type, value, length);
+                } else if constexpr (shape == Shape::List) {
+                    return decodeList(sink, type, value, length);
+                } else if constexpr (shape == Shape::Array) {
+                    return decodeArray(sink, type, value, length);
+                } else if constexpr (shape == Shape::FixedArray) {
+                    return decodePlaces(sink, type, value, length, type.capacity);
+                } else {
+                    static_assert(isPrimitive(shape) || shape == Shape::Choice);
+                    return sink.fail(ASN1S_NOT_SUPPORTED, {Expectation::Contents, &type});
+                }
+            });
     }
 
-    static int readOwnTag(Sink sink, const TypeDescription& type, unsigned char identifier,
-                          int& length) {
+    [[gnu::always_inline]] static int readOwnTag(Sink sink, const TypeDescription& type,
+                                                 unsigned char identifier, int& length) {
         sink.atHeader();
         if (rtMatchShort(sink.ctxt(), identifier, &length)) {
             return ASN1S_SUCCESS;
         }
+        return readOwnLongTag(sink, type, identifier, length);
+    }
+
+    [[gnu::noinline]] static int readOwnLongTag(Sink sink, const TypeDescription& type,
+                                                unsigned char identifier, int& length) {
         const int status = xd_match1(sink.ctxt(), identifier, &length);
         return status == ASN1S_SUCCESS
                    ? status
@@ -388,62 +402,59 @@ struct DecodeFlow {
                                         &type});
     }
 
-    /// Reads the type's own tags as far as they are the callee's to read.
-    /// @param tagging comes back as the tagging that is left for the contents
-    static int readOwnTags(Sink sink, const TypeDescription& type, ASN1TagType& tagging,
-                           int& length, int& outerLength) {
-        if (type.outerTag != 0) {
-            if (tagging == ASN1TagExplicit) {
-                const int status =
-                    readOwnTag(sink, type, rtIdentifierOctet(type.outerTag), outerLength);
-                if (status != ASN1S_SUCCESS) {
-                    return status;
-                }
-            }
-            tagging = ASN1TagExplicit;
-        }
-        const bool constructed = (type.tag & ASN1TagConstructed) != 0;
-        if (tagging == ASN1TagExplicit && (constructed || (type.tag & ClassMask) != 0)) {
+    /// One tag, unless it has been read, and the contents behind it. Whoever reads the tag steps
+    /// over its end-of-contents.
+    ///
+    /// Records and lists lie inside each other: this is the one frame that each takes on the stack.
+    [[gnu::noinline]] static int decodeConstructedValue(Sink sink, const TypeDescription& type,
+                                                        Value value, ASN1TagType tagging,
+                                                        int length) {
+        if (tagging == ASN1TagExplicit) {
             const int status = readOwnTag(sink, type, type.identifier, length);
             if (status != ASN1S_SUCCESS) {
                 return status;
             }
-            tagging = ASN1TagImplicit;
         }
-        return ASN1S_SUCCESS;
-    }
-
-    /// Contents of a constructed value and the end-of-contents of the tag that the type has read.
-    static int decodeContents(Sink sink, const TypeDescription& type, Value value, int length,
-                              bool ownsEndOfContents) {
         typename Sink::Constructed constructed(sink, type, length);
         int status = constructed.isEntered() ? decodeConstructed(sink, type, value, length)
                                              : constructed.stepOver();
         if (status == ASN1S_SUCCESS && type.stepsOverEndOfContents &&
-            length == ASN1IndefiniteLength && ownsEndOfContents) {
+            length == ASN1IndefiniteLength && tagging == ASN1TagExplicit) {
             status = stepOverEndOfContents(sink);
         }
         return status == ASN1S_SUCCESS ? constructed.leave() : status;
     }
 
-    /// Everything of a value but its constraint and its open value.
-    static int decodeTagsAndContents(Sink sink, const TypeDescription& type, Value value,
-                                     ASN1TagType tagging, int length) {
+    /// A value with tags of its own around the one that its shape tells, or with a limit on
+    /// nesting.
+    [[gnu::noinline]] static int decodeTagsAndContents(Sink sink, const TypeDescription& type,
+                                                       Value value, ASN1TagType tagging,
+                                                       int length) {
         const Nesting nesting(sink.ctxt(), type.closesRecursion);
         if (nesting.tooDeep()) {
             return sink.fail(ASN1S_NO_MEMORY, {Expectation::LessNesting});
         }
-        const ASN1TagType callersTagging = tagging;
         int outerLength = 0;
-        int status = readOwnTags(sink, type, tagging, length, outerLength);
+        int status = ASN1S_SUCCESS;
+        if (type.outerTag != 0) {
+            if (tagging == ASN1TagExplicit) {
+                status = readOwnTag(sink, type, rtIdentifierOctet(type.outerTag), outerLength);
+            }
+            tagging = ASN1TagExplicit;
+        }
+        const bool constructed = (type.tag & ASN1TagConstructed) != 0;
+        if (status == ASN1S_SUCCESS && !constructed && tagging == ASN1TagExplicit &&
+            (type.tag & ClassMask) != 0) {
+            status = readOwnTag(sink, type, type.identifier, length);
+            tagging = ASN1TagImplicit;
+        }
         if (status != ASN1S_SUCCESS) {
             return status;
         }
         if (type.shape == Shape::Choice) {
             status = decodeChoice(sink, type, value);
-        } else if ((type.tag & ASN1TagConstructed) != 0) {
-            status = decodeContents(sink, type, value, length,
-                                    callersTagging == ASN1TagExplicit || type.outerTag != 0);
+        } else if (constructed) {
+            status = decodeConstructedValue(sink, type, value, tagging, length);
         } else {
             status = sink.primitive(type, value, tagging, length);
         }
@@ -454,30 +465,20 @@ struct DecodeFlow {
         return status;
     }
 
-    /// One tag and the contents behind it.
-    static int decodeConstructedValue(Sink sink, const TypeDescription& type, Value value,
-                                      ASN1TagType tagging, int length) {
-        if (tagging == ASN1TagExplicit) {
-            const int status = readOwnTag(sink, type, type.identifier, length);
-            if (status != ASN1S_SUCCESS) {
-                return status;
-            }
-        }
-        return decodeContents(sink, type, value, length, tagging == ASN1TagExplicit);
-    }
-
     /// Everything of a value but its open value.
-    static int decodeValue(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
-                           int length) {
+    [[gnu::always_inline]] static int decodeValue(Sink sink, const TypeDescription& type,
+                                                  Value value, ASN1TagType tagging, int length) {
         int status = ASN1S_SUCCESS;
         switch (type.road) {
+        case Road::Primitive:
+            status = sink.primitive(type, value, tagging, length);
+            break;
         case Road::Constructed:
             status = decodeConstructedValue(sink, type, value, tagging, length);
             break;
         case Road::Choice:
             status = decodeChoice(sink, type, value);
             break;
-        case Road::Primitive: // does not come here: `decode` reads it by itself
         case Road::Tagged:
             status = decodeTagsAndContents(sink, type, value, tagging, length);
             break;
@@ -488,38 +489,24 @@ struct DecodeFlow {
         return sink.withinConstraint(type, value, type.constraint, type.parameter);
     }
 
-    /// A record that the sink has to watch for its open value.
-    static int decodeWatched(Sink sink, const TypeDescription& type, Value value,
-                             ASN1TagType tagging, int length) {
-        typename Sink::OpenValue openValue(sink, type);
-        const int status = decodeValue(sink, type, value, tagging, length);
-        return status == ASN1S_SUCCESS ? openValue.resolve() : status;
-    }
-
-    /// A value; the open value of a record is resolved when all else has been read.
-    static int decodeWhole(Sink sink, const TypeDescription& type, Value value, ASN1TagType tagging,
-                           int length) {
+    /// A record with an open value, which is resolved when all else has been read.
+    [[gnu::noinline]] static int decodeWithOpenValue(Sink sink, const TypeDescription& type,
+                                                     Value value, ASN1TagType tagging, int length) {
         if constexpr (Sink::watchesOpenValues) {
-            return type.table == nullptr ? decodeValue(sink, type, value, tagging, length)
-                                         : decodeWatched(sink, type, value, tagging, length);
+            typename Sink::OpenValue openValue(sink, type);
+            const int status = decodeValue(sink, type, value, tagging, length);
+            return status == ASN1S_SUCCESS ? openValue.resolve() : status;
         } else {
             const int status = decodeValue(sink, type, value, tagging, length);
-            return status != ASN1S_SUCCESS || type.table == nullptr ? status
-                                                                    : sink.resolve(type, value);
+            return status == ASN1S_SUCCESS ? sink.resolve(type, value) : status;
         }
     }
 
-    /// A value. Most are primitives, which do without the steps that lead into records.
+    /// A value.
     [[gnu::always_inline]] static int decode(Sink sink, const TypeDescription& type, Value value,
                                              ASN1TagType tagging, int length) {
-        if (type.road != Road::Primitive) {
-            return decodeWhole(sink, type, value, tagging, length);
-        }
-        const int status = sink.primitive(type, value, tagging, length);
-        if (status != ASN1S_SUCCESS) {
-            return sink.fail(status, {});
-        }
-        return sink.withinConstraint(type, value, type.constraint, type.parameter);
+        return type.table == nullptr ? decodeValue(sink, type, value, tagging, length)
+                                     : decodeWithOpenValue(sink, type, value, tagging, length);
     }
 };
 

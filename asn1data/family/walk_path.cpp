@@ -134,11 +134,6 @@ void OpenValueWalk::took(const ElementDescription& element) {
     }
 }
 
-void OpenValueWalk::leaves(const WalkScope& record) {
-    record_ = record;
-    entered_ = true;
-}
-
 int OpenValueWalk::resolve() {
     int status = ASN1S_SUCCESS;
     if (complete_) {
@@ -154,7 +149,7 @@ int OpenValueWalk::resolve() {
     if (status == ASN1S_SUCCESS && entered_) {
         walker_.stepped = false;
         walker_.number = 0;
-        status = walker_.leave(type_, record_, nullptr);
+        status = walker_.leave();
     }
     return status;
 }
@@ -177,7 +172,7 @@ void OpenValueWalk::reportRaw() {
     if (element_ == nullptr || walker_.depth != depth_) {
         return;
     }
-    const WalkPlace* const here = walker_.here;
+    WalkPlace* const here = walker_.here;
     const ASN1Buffer buffer = walker_.ctxt.buffer;
     const unsigned silence = walker_.silence;
     walker_.here = here_;

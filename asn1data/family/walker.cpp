@@ -57,12 +57,7 @@ Walker::~Walker() {
 
 int Walker::run(const TypeDescription& type) {
     atElement();
-    const WalkPlace root{{nullptr, nullptr, 0, StepKind::Message},
-                         nullptr,
-                         nullptr,
-                         nullptr,
-                         elementStart,
-                         WalkPlace::NoElement};
+    WalkPlace root(nullptr, nullptr, 0, StepKind::Message, nullptr, nullptr, nullptr, elementStart);
     here = &root;
     const int status = DecodeFlow<Walking>::decode(Walking(*this), type, {}, ASN1TagExplicit, 0);
     here = nullptr;
@@ -87,26 +82,20 @@ WalkScope Walker::scopeBehind() const {
                                                   : static_cast<int>(octets() - contents)};
 }
 
-/// Everything of the report but its value.
+/// Everything of the report that the step has not told, but for its value.
 [[gnu::always_inline]] inline void Walker::describe(const TypeDescription* type,
                                                     const WalkScope& scope) {
-    const WalkPlace& place = *here;
-    WalkElement& element = report_;
-    element.step = &place.step;
+    WalkElement& element = here->element;
+    const unsigned char* const start = scope.valueStart;
     element.type = type;
-    element.element = place.element;
-    element.container = place.container;
-    element.object = place.object;
-    element.data = place.data;
-    element.offset = static_cast<unsigned>(place.data - base);
-    element.valueOffset = static_cast<unsigned>(scope.valueStart - base);
-    element.headerLength = static_cast<unsigned>(scope.contents - place.data);
+    element.offset = static_cast<unsigned>(element.data - base);
+    element.valueOffset = static_cast<unsigned>(start - base);
+    element.headerLength = static_cast<unsigned>(scope.contents - element.data);
     element.contentLength = scope.length;
-    element.tag = rtTagOfOctet(*scope.valueStart);
-    if ((element.tag & ASN1TagNumberMask) == ASN1LongTagNumber) {
+    element.tag = rtTagOfOctet(*start);
+    if ((*start & ASN1LongTagNumber) == ASN1LongTagNumber) {
         ASN1Header header{};
-        rtReadHeader(scope.valueStart, static_cast<unsigned>(scope.contents - scope.valueStart),
-                     &header);
+        rtReadHeader(start, static_cast<unsigned>(scope.contents - start), &header);
         element.tag = header.tag;
     }
     element.depth = depth;
@@ -115,22 +104,17 @@ WalkScope Walker::scopeBehind() const {
     element.assembled = assembled;
 }
 
-/// The report of an element with others in it.
-[[gnu::always_inline]] inline void
-Walker::describe(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets) {
-    describe(&type, scope);
-    report_.value = WalkValue{};
-    if (octets != nullptr) {
-        report_.encapsulates = true;
-        report_.value.octets = octets->data;
-        report_.value.octetCount = octets->count;
-    }
-}
-
 bool Walker::enter(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets) {
     if (interest_.containers) {
-        describe(type, scope, octets);
-        const WalkAction action = visitor_.enter(report_);
+        describe(&type, scope);
+        WalkElement& element = here->element;
+        element.value = WalkValue{};
+        if (octets != nullptr) {
+            element.encapsulates = true;
+            element.value.octets = octets->data;
+            element.value.octetCount = octets->count;
+        }
+        const WalkAction action = visitor_.enter(element);
         if (action != WalkAction::Continue) {
             stopped = stopped || action == WalkAction::Stop;
             return false;
@@ -140,13 +124,36 @@ bool Walker::enter(const TypeDescription& type, const WalkScope& scope, const Wa
     return true;
 }
 
-int Walker::leave(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets) {
+/// The report is the one that the visitor saw when the element was entered.
+int Walker::leave() {
     --depth;
     if (interest_.containers) {
-        describe(type, scope, octets);
-        stopped = visitor_.leave(report_) == WalkAction::Stop;
+        stopped = visitor_.leave(here->element) == WalkAction::Stop;
     }
     return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+}
+
+int Walker::stepOver(const TypeDescription& type, int length) {
+    if (stopped) {
+        return WalkStopped;
+    }
+    stepped = true;
+    if (length == ASN1IndefiniteLength) {
+        const int status = xd_MovePastEOC(&ctxt);
+        if (status != ASN1S_SUCCESS) {
+            return fail(status, {Expectation::EndOfContents});
+        }
+        // Whoever reads the element takes its end-of-contents, or leaves it.
+        ctxt.buffer.byteIndex -= 2;
+        return ASN1S_SUCCESS;
+    }
+    const unsigned left =
+        ctxt.buffer.byteIndex < ctxt.buffer.size ? ctxt.buffer.size - ctxt.buffer.byteIndex : 0;
+    if (static_cast<unsigned>(length) > left) {
+        return fail(ASN1S_END_OF_BUFFER, {Expectation::Contents, &type});
+    }
+    ctxt.buffer.byteIndex += static_cast<unsigned>(length);
+    return ASN1S_SUCCESS;
 }
 
 int Walker::checkConstraint(const TypeDescription& type, const Constraint& constraint,
@@ -161,7 +168,7 @@ int Walker::checkConstraint(const TypeDescription& type, const Constraint& const
 
 int Walker::readRaw() {
     atHeader();
-    return xd_OpenType(&ctxt, &report_.value.octets, &report_.value.octetCount);
+    return xd_OpenType(&ctxt, &here->element.value.octets, &here->element.value.octetCount);
 }
 
 /// Reads the value of a primitive without keeping it. What its constraint is about goes to
@@ -268,39 +275,6 @@ namespace {
 /// Most octets of an IMPLICIT value that are read as a whole: their bits can be counted.
 constexpr unsigned LongestWhole = 0xFFFFFF;
 
-/// Contents that stand in the message in one piece.
-struct WholeContents {
-    const unsigned char* octets;
-    unsigned count;
-    bool longForm = false; ///< the length has more than one octet
-
-    /// Moves from a header at `octets` to its contents.
-    /// @param left octets that are there
-    /// @return false where the header has more than four octets, or no definite length, or not all
-    ///         of its contents
-    bool behindHeader(unsigned left) {
-        if (left < 2) {
-            return false;
-        }
-        unsigned header = 2;
-        count = octets[1];
-        if (count >= 0x80) {
-            longForm = true;
-            if (count == 0x81 && left >= 3) {
-                header = 3;
-                count = octets[2];
-            } else if (count == 0x82 && left >= 4) {
-                header = 4;
-                count = static_cast<unsigned>(octets[2] << 8 | octets[3]);
-            } else {
-                return false;
-            }
-        }
-        octets += header;
-        return count <= left - header;
-    }
-};
-
 } // namespace
 
 /// Takes the usual form of a value, which stands whole in a primitive element: what most messages
@@ -362,7 +336,7 @@ struct Walker::WholeReader {
         return whole.count <= type.capacity / 8 + 1 && (*this)(Is<Shape::BitString>());
     }
     bool operator()(Is<Shape::Text>) const {
-        const ElementDescription* const element = walker.here->element;
+        const ElementDescription* const element = walker.here->element.element;
         if (type.constraint.count != 0 || (element != nullptr && element->constraint.count != 0)) {
             TextCount text{{}, type.tag == Utf8StringTag};
             TextCount::take(&text, whole.octets, whole.count);
@@ -411,7 +385,7 @@ int Walker::primitive(const TypeDescription& type, ASN1TagType tagging, int leng
     const unsigned left = buffer.byteIndex < buffer.size ? buffer.size - buffer.byteIndex : 0;
     const unsigned char* const start = octets();
     WholeContents whole{start, static_cast<unsigned>(length)};
-    report_.value = WalkValue{};
+    here->element.value = WalkValue{};
     number = 0;
     if (tagging == ASN1TagExplicit) {
         valueStart = start;
@@ -423,7 +397,7 @@ int Walker::primitive(const TypeDescription& type, ASN1TagType tagging, int leng
                whole.count > std::min(left, LongestWhole)) {
         return readAny(&type, header);
     }
-    if (!withShape(type.shape, WholeReader{*this, type, whole, report_.value})) {
+    if (!withShape(type.shape, WholeReader{*this, type, whole, here->element.value})) {
         ctxt.flags = header.flags;
         return readAny(&type, header);
     }
@@ -437,7 +411,7 @@ int Walker::openType(const TypeDescription& type) {
     const unsigned left = buffer.byteIndex < buffer.size ? buffer.size - buffer.byteIndex : 0;
     valueStart = octets();
     WholeContents whole{valueStart, 0};
-    report_.value = WalkValue{};
+    here->element.value = WalkValue{};
     number = 0;
     if (!whole.behindHeader(left) || (*valueStart & ASN1LongTagNumber) == ASN1LongTagNumber ||
         *valueStart == 0) {
@@ -445,27 +419,28 @@ int Walker::openType(const TypeDescription& type) {
     }
     const auto size = static_cast<unsigned>(whole.octets + whole.count - valueStart);
     buffer.byteIndex += size;
-    report_.value.octets = valueStart;
-    report_.value.octetCount = size;
+    here->element.value.octets = valueStart;
+    here->element.value.octetCount = size;
     return took(&type, {valueStart, whole.octets, static_cast<int>(whole.count)}, header);
 }
 
 int Walker::addition() {
     atHeader();
     const WalkHeader header{ctxt.buffer.byteIndex, ctxt.flags, ASN1TagExplicit, 0};
-    report_.value = WalkValue{};
+    here->element.value = WalkValue{};
     number = 0;
     return readAny(nullptr, header);
 }
 
 /// Reads a value in any form.
 [[gnu::noinline]] int Walker::readAny(const TypeDescription* type, const WalkHeader& header) {
-    report_.value = WalkValue{};
+    here->element.value = WalkValue{};
     number = 0;
-    const int status = type != nullptr
-                           ? withShape(type->shape, PrimitiveReader{*this, *type, header.tagging,
-                                                                    header.length, report_.value})
-                           : readRaw();
+    const int status =
+        type != nullptr
+            ? withShape(type->shape, PrimitiveReader{*this, *type, header.tagging, header.length,
+                                                     here->element.value})
+            : readRaw();
     if (status != ASN1S_SUCCESS) {
         return fail(
             status,
@@ -481,20 +456,20 @@ int Walker::took(const TypeDescription* type, const WalkScope& scope, const Walk
     }
     const bool raw = type == nullptr || type->shape == Shape::OpenType;
     if (object != nullptr && (raw || type->shape == Shape::OctetString)) {
-        const WalkOctets octets{report_.value.octets, report_.value.octetCount};
+        const WalkOctets octets{here->element.value.octets, here->element.value.octetCount};
         if (raw) {
-            return resolved(octets, here->data);
+            return resolved(octets, here->element.data);
         }
         if (octets.count != 0) {
             return resolveOctets(*type, scope, octets, header);
         }
     }
-    if (raw && report_.value.octetCount == 0) { // none is there
+    if (raw && here->element.value.octetCount == 0) { // none is there
         return ASN1S_SUCCESS;
     }
     if (interest_.values) {
         describe(type, scope);
-        stopped = visitor_.primitive(report_) == WalkAction::Stop;
+        stopped = visitor_.primitive(here->element) == WalkAction::Stop;
     }
     return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
 }
@@ -534,7 +509,7 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, W
     ctxt.buffer = behind;
     ctxt.flags = flags;
     number = value.count;
-    return leave(type, scope, &value);
+    return leave();
 }
 
 /// Goes through the octets of an open value. A failure leaves the context on them, success brings
@@ -578,7 +553,7 @@ int Walker::fail(int status, const Expected& expected) {
     failure.status = status;
     failure.offset = static_cast<unsigned>(octets() - base);
     failure.partOffset = ctxt.buffer.byteIndex;
-    failure.elementOffset = static_cast<unsigned>(here->data - base);
+    failure.elementOffset = static_cast<unsigned>(here->element.data - base);
     failure.assembled = assembled;
     failure.expectation = expected.expectation;
     failure.type = expected.type;
@@ -601,15 +576,16 @@ int Walker::fail(int status, const Expected& expected) {
 void Walker::expectCandidates() {
     const WalkPlace* place = here;
     while (place != nullptr && place->first == WalkPlace::NoElement) {
-        place = place->outer();
+        place = reinterpret_cast<const WalkPlace*>(place->step.outer);
     }
-    if (place == nullptr || place->data != octets()) {
+    if (place == nullptr || place->element.data != octets()) {
         return;
     }
-    const auto last = static_cast<unsigned>(place->element - place->container->elements);
+    const TypeDescription& container = *place->element.container;
+    const auto last = static_cast<unsigned>(place->element.element - container.elements);
     if (last != place->first) {
         failure_.expectation = Expectation::OneOf;
-        failure_.container = place->container;
+        failure_.container = &container;
         failure_.firstExpected = place->first;
         failure_.expectedCount = last + 1 - place->first;
     }
@@ -633,7 +609,7 @@ void Walker::findFound(int status, const Expected& expected) {
         identifierAt(elementStart);
         break;
     case ASN1S_DUPLICATE_SET_MEMBER:
-        identifierAt(here->data);
+        identifierAt(here->element.data);
         break;
     case ASN1S_MISSING_ELEMENT:
         failure_.finding = octets() < end ? Finding::EndOfElement : Finding::EndOfMessage;
@@ -671,53 +647,6 @@ void Walker::findFound(int status, const Expected& expected) {
     default:
         break;
     }
-}
-
-Walking::Constructed::Constructed(Walker& walker, const TypeDescription& type, int length)
-    : walker_(walker), type_(type), scope_{walker.valueStart, walker.octets(), length},
-      reported_(walker.reports()), entered_(!reported_ || walker.enter(type, scope_, nullptr)) {
-    if (type.table != nullptr) {
-        walker.openValue->enters(scope_);
-    }
-}
-
-int Walking::Constructed::stepOver() {
-    if (walker_.stopped) {
-        return WalkStopped;
-    }
-    walker_.stepped = true;
-    ASN1CTXT& ctxt = walker_.ctxt;
-    if (scope_.length == ASN1IndefiniteLength) {
-        const int status = xd_MovePastEOC(&ctxt);
-        if (status != ASN1S_SUCCESS) {
-            return walker_.fail(status, {Expectation::EndOfContents});
-        }
-        // Whoever reads the element takes its end-of-contents, or leaves it.
-        ctxt.buffer.byteIndex -= 2;
-        return ASN1S_SUCCESS;
-    }
-    const unsigned left =
-        ctxt.buffer.byteIndex < ctxt.buffer.size ? ctxt.buffer.size - ctxt.buffer.byteIndex : 0;
-    if (static_cast<unsigned>(scope_.length) > left) {
-        return walker_.fail(ASN1S_END_OF_BUFFER, {Expectation::Contents, &type_});
-    }
-    ctxt.buffer.byteIndex += static_cast<unsigned>(scope_.length);
-    return ASN1S_SUCCESS;
-}
-
-int Walking::Constructed::leave() {
-    if (!entered_) {
-        return ASN1S_SUCCESS;
-    }
-    walker_.stepped = false;
-    if (!reported_) {
-        return ASN1S_SUCCESS;
-    }
-    if (type_.table != nullptr) {
-        walker_.openValue->leaves(scope_);
-        return ASN1S_SUCCESS;
-    }
-    return walker_.leave(type_, scope_, nullptr);
 }
 
 } // namespace asn1data::family

@@ -1,6 +1,8 @@
 #ifndef BREVANTIS_ASN1DATA_FAMILY_WALKER_H
 #define BREVANTIS_ASN1DATA_FAMILY_WALKER_H
 
+#include <type_traits>
+
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
@@ -17,21 +19,32 @@ enum : int { WalkStopped = 1 };
 
 class OpenValueWalk;
 
-/// What a walk knows of an element before it is read; as in WalkElement. Places lie inside each
-/// other on the stack, as their steps tell.
+/// A place on the path, and what is known of the element there. Places lie inside each other on the
+/// stack, as their steps tell, so that each octet here counts.
 struct WalkPlace {
     WalkStep step;
-    const ElementDescription* element;
-    const TypeDescription* container;
-    const ObjectDescription* object;
-    const unsigned char* data;
-    /// Element of a SEQUENCE: the first one of `container` that could have stood here; else
+    WalkElement element; ///< what the visitor sees; first what the step tells, the rest when read
+    /// Element of a SEQUENCE: the first one of the record that could have stood here; else
     /// NoElement.
     unsigned first;
 
     enum : unsigned { NoElement = 0xFFFFFFFFu };
-    const WalkPlace* outer() const { return reinterpret_cast<const WalkPlace*>(step.outer); }
+
+    WalkPlace(const WalkStep* outer, const char* name, unsigned index, StepKind kind,
+              const TypeDescription* container, const ElementDescription* declaration,
+              const ObjectDescription* object, const unsigned char* data,
+              unsigned firstPossible = NoElement)
+        : step{outer, name, index, kind}, first(firstPossible) {
+        element.step = &step;
+        element.element = declaration;
+        element.container = container;
+        element.object = object;
+        element.data = data;
+    }
+    WalkPlace(const WalkPlace&) = delete;
+    WalkPlace& operator=(const WalkPlace&) = delete;
 };
+static_assert(std::is_standard_layout_v<WalkPlace>, "a place begins with its step");
 
 /// The octets of a string; `data` is null where they come in segments.
 struct WalkOctets {
@@ -47,12 +60,44 @@ struct WalkHeader {
     int length;
 };
 
-/// A constructed element that has been entered, as far as it has to be known to leave it: elements
-/// lie inside each other on the stack, so that each octet here counts.
+/// Where the contents of an element are.
 struct WalkScope {
     const unsigned char* valueStart; ///< its innermost header
     const unsigned char* contents;
     int length; ///< octets of contents, or ASN1IndefiniteLength
+};
+
+/// Contents that stand in the message in one piece.
+struct WholeContents {
+    const unsigned char* octets;
+    unsigned count;
+    bool longForm = false; ///< the length has more than one octet
+
+    /// Moves from a header at `octets` to its contents.
+    /// @param left octets that are there
+    /// @return false where the header has more than four octets, or no definite length, or not all
+    ///         of its contents
+    bool behindHeader(unsigned left) {
+        if (left < 2) {
+            return false;
+        }
+        unsigned header = 2;
+        count = octets[1];
+        if (count >= 0x80) {
+            longForm = true;
+            if (count == 0x81 && left >= 3) {
+                header = 3;
+                count = octets[2];
+            } else if (count == 0x82 && left >= 4) {
+                header = 4;
+                count = static_cast<unsigned>(octets[2] << 8 | octets[3]);
+            } else {
+                return false;
+            }
+        }
+        octets += header;
+        return count <= left - header;
+    }
 };
 
 /// State of one walk.
@@ -85,11 +130,14 @@ public:
     /// Calls the visitor's `enter` for the element at hand. It may not be entered, or the walk be
     /// stopped.
     /// @param octets of an OCTET STRING that encapsulates, else null
-    bool enter(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets);
-    int leave(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets);
+    bool enter(const TypeDescription& type, const WalkScope& scope,
+               const WalkOctets* octets = nullptr);
+    int leave();
+    /// Steps over the contents of an element that is not entered.
+    int stepOver(const TypeDescription& type, int length);
 
     ASN1CTXT ctxt;
-    const WalkPlace* here = nullptr;             ///< of the element at hand
+    WalkPlace* here = nullptr;                   ///< of the element at hand
     const unsigned char* elementStart = nullptr; ///< of the element that a step leads to next
     const unsigned char* valueStart = nullptr;   ///< of the innermost header
     const unsigned char* base;                   ///< offset 0
@@ -110,7 +158,6 @@ private:
     int readAny(const TypeDescription* type, const WalkHeader& header);
     int took(const TypeDescription* type, const WalkScope& scope, const WalkHeader& header);
     void describe(const TypeDescription* type, const WalkScope& scope);
-    void describe(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets);
     WalkScope scopeBehind() const;
     int resolveOctets(const TypeDescription& type, const WalkScope& scope, WalkOctets value,
                       const WalkHeader& header);
@@ -121,7 +168,6 @@ private:
     WalkVisitor& visitor_;
     const WalkInterest interest_;
     WalkFailure& failure_;
-    WalkElement report_; ///< what the visitor sees; `value` is the one read last
     ASN1TObjId identifier_;
 
     friend class OpenValueWalk;
@@ -149,10 +195,12 @@ public:
 
 private:
     void begin(const TypeDescription& container, const ElementDescription& element);
+    void begin();
 
     Walker& walker_;
-    WalkPlace place_;
+    WalkPlace* outer_;
     bool silent_ = false;
+    WalkPlace place_;
 };
 
 /// A record with an open value, which is resolved when the record is complete: only then is it
@@ -174,7 +222,7 @@ public:
     /// The record begins.
     void enters(const WalkScope& record);
     /// The record ends, and is left once the value has been reported.
-    void leaves(const WalkScope& record);
+    void leaves() { entered_ = true; }
 
     int resolve();
     /// Reports the raw value, as far as it is whole, when the record fails behind it; not when it
@@ -195,9 +243,8 @@ private:
     bool identified_ = false;
     const ObjectDescription* object_ = nullptr; ///< of the identifier, with `identified_`
     const unsigned char* end_ = nullptr;        ///< of the record; null for an indefinite length
-    WalkScope record_;                          ///< to be left, with `entered_`
     // How the walk stood when the value began.
-    const WalkPlace* here_;
+    WalkPlace* here_;
     unsigned depth_;
     unsigned start_;
     unsigned short flags_;
@@ -259,15 +306,35 @@ public:
 
     class Constructed {
     public:
-        Constructed(Walker& walker, const TypeDescription& type, int length);
+        Constructed(Walker& walker, const TypeDescription& type, int length)
+            : walker_(walker), type_(type), length_(length), reported_(walker.reports()) {
+            const WalkScope scope{walker.valueStart, walker.octets(), length};
+            if (type.table != nullptr) {
+                walker.openValue->enters(scope);
+            }
+            entered_ = !reported_ || walker.enter(type, scope);
+        }
         bool isEntered() const { return entered_; }
-        int stepOver();
-        int leave();
+        int stepOver() { return walker_.stepOver(type_, length_); }
+        int leave() {
+            if (!entered_) {
+                return ASN1S_SUCCESS;
+            }
+            walker_.stepped = false;
+            if (!reported_) {
+                return ASN1S_SUCCESS;
+            }
+            if (type_.table != nullptr) {
+                walker_.openValue->leaves();
+                return ASN1S_SUCCESS;
+            }
+            return walker_.leave();
+        }
 
     private:
         Walker& walker_;
         const TypeDescription& type_;
-        WalkScope scope_;
+        int length_;
         bool reported_;
         bool entered_;
     };
@@ -295,26 +362,20 @@ private:
 
 inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
                           const ElementDescription& element, unsigned next)
-    : walker_(walker), place_{{&walker.here->step, element.name, 0, StepKind::Member},
-                              &element,
-                              &container,
-                              nullptr,
-                              walker.elementStart,
-                              next} {
+    : walker_(walker), outer_(walker.here),
+      place_(&outer_->step, element.name, 0, StepKind::Member, &container, &element, nullptr,
+             walker.elementStart, next) {
     begin(container, element);
 }
 
 inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
                           const ElementDescription& element)
-    : walker_(walker), place_{{&walker.here->step, element.name, 0, StepKind::Member},
-                              &element,
-                              &container,
-                              nullptr,
-                              walker.elementStart,
-                              WalkPlace::NoElement} {
+    : walker_(walker), outer_(walker.here),
+      place_(&outer_->step, element.name, 0, StepKind::Member, &container, &element, nullptr,
+             walker.elementStart) {
     if (container.shape == Shape::Choice) { // it stands where the CHOICE stands
         place_.step.kind = StepKind::Alternative;
-        place_.data = walker.here->data;
+        place_.element.data = outer_->element.data;
     }
     begin(container, element);
 }
@@ -324,27 +385,17 @@ inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsi
 
 inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsigned place,
                           StepKind kind)
-    : walker_(walker), place_{{&walker.here->step, nullptr, place, kind},
-                              nullptr,
-                              &container,
-                              nullptr,
-                              walker.octets(),
-                              WalkPlace::NoElement} {
+    : walker_(walker), outer_(walker.here),
+      place_(&outer_->step, nullptr, place, kind, &container, nullptr, nullptr, walker.octets()) {
     walker.atElement();
-    walker.here = &place_;
-    walker.stepped = false;
+    begin();
 }
 
 inline StepWalk::StepWalk(Walker& walker, const ObjectDescription& object,
                           const unsigned char* data)
-    : walker_(walker), place_{{&walker.here->step, object.name, 0, StepKind::Object},
-                              nullptr,
-                              nullptr,
-                              &object,
-                              data,
-                              WalkPlace::NoElement} {
-    walker.here = &place_;
-    walker.stepped = false;
+    : walker_(walker), outer_(walker.here),
+      place_(&outer_->step, object.name, 0, StepKind::Object, nullptr, nullptr, &object, data) {
+    begin();
 }
 
 inline void StepWalk::begin(const TypeDescription& container, const ElementDescription& element) {
@@ -352,12 +403,16 @@ inline void StepWalk::begin(const TypeDescription& container, const ElementDescr
         ++walker_.silence;
         silent_ = true;
     }
+    begin();
+}
+
+inline void StepWalk::begin() {
     walker_.here = &place_;
     walker_.stepped = false;
 }
 
 inline StepWalk::~StepWalk() {
-    walker_.here = place_.outer();
+    walker_.here = outer_;
     walker_.silence -= silent_ ? 1 : 0;
 }
 
