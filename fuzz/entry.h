@@ -4,12 +4,8 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <limits>
 #include <string>
-
-#include <brevantis/asn1/runtime/context.h>
-#include <brevantis/asn1/runtime/message_buffer.h>
+#include <vector>
 
 /// Entry point of every target; libFuzzer calls it for each input.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
@@ -22,55 +18,42 @@ namespace fuzz {
     std::abort();
 }
 
-/// Encodes a value.
-/// @param octets receives the encoding
-/// @return whether the value can be encoded
-template <class Control, class Record>
-bool encode(Record& value, std::string& octets) {
-    ASN1BEREncodeBuffer output;
-    const int size = Control(output, value).Encode();
-    if (size < 0) {
-        return false;
-    }
-    const unsigned char* first = output.getMsgPtr();
-    octets.assign(first, first + size);
-    return true;
-}
+/// An input that is used up from its beginning: first what chooses, then what is chosen for.
+class Input {
+public:
+    Input(const unsigned char* data, std::size_t size) : at_(data), end_(data + size) {}
 
-/// Decodes an input; what decodes is encoded, decoded again and compared, copied and released.
-/// Values that decode need not be fit for encoding. Nor need the encoding decode: an open value
-/// that a message ends in front of is empty, and stays away. But what does decode must come out the
-/// same.
-template <class Record, class Control, void (*Release)(ASN1CTXT*, Record*)>
-int roundTrip(const unsigned char* data, std::size_t size) {
-    if (size > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-        return 0;
+    bool atEnd() const { return at_ == end_; }
+    std::size_t size() const { return static_cast<std::size_t>(end_ - at_); }
+    /// The next octet; 0 at the end.
+    unsigned char octet() { return atEnd() ? static_cast<unsigned char>(0) : *at_++; }
+    /// A number of two octets, the high one first.
+    unsigned number() {
+        const unsigned high = octet();
+        return high << 8 | octet();
     }
-    ASN1BERDecodeBuffer input(data, static_cast<int>(size));
-    Record value;
-    Control control(input, value);
-    const int status = control.Decode();
-    if (status > 0) {
-        report("decoding returns a positive status");
+    /// A number below @p bound, of one octet or two.
+    unsigned below(std::size_t bound) {
+        const auto count = static_cast<unsigned>(bound);
+        return (count > 0x100 ? number() : octet()) % count;
     }
-    std::string encoded;
-    if (status == 0 && encode<Control>(value, encoded)) {
-        std::string again;
-        Record copy(control);
-        if (!encode<Control>(copy, again) || again != encoded) {
-            report("the copy differs");
-        }
-        ASN1BERDecodeBuffer returned(reinterpret_cast<const unsigned char*>(encoded.data()),
-                                     static_cast<int>(encoded.size()));
-        Record second;
-        if (Control(returned, second).Decode() == 0 &&
-            (!encode<Control>(second, again) || again != encoded)) {
-            report("the second encoding differs");
-        }
+    /// What is left, in a block of exactly its size.
+    std::vector<unsigned char> rest() {
+        std::vector<unsigned char> octets(at_, end_);
+        at_ = end_;
+        return octets;
     }
-    Release(input.getCtxtPtr(), &value);
-    return 0;
-}
+    /// What is left, as text.
+    std::string text() {
+        std::string characters(at_, end_);
+        at_ = end_;
+        return characters;
+    }
+
+private:
+    const unsigned char* at_;
+    const unsigned char* end_;
+};
 
 } // namespace fuzz
 

@@ -16,6 +16,7 @@ fail() {
 is_provided() {
     case $1 in
         clang) command -v clang++ ;;
+        llvm) command -v llvm-cov ;;
         g++) command -v c++ || command -v g++ ;;
         cmake) command -v cmake ;;
         ninja-build) command -v ninja ;;

@@ -1,7 +1,9 @@
 #ifndef TESTS_SUPPORT_VALUE_BUILDER_H
 #define TESTS_SUPPORT_VALUE_BUILDER_H
 
+#include <functional>
 #include <random>
+#include <utility>
 
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/runtime/context.h>
@@ -13,7 +15,13 @@ namespace tests {
 /// sequence of values.
 class ValueBuilder {
 public:
-    ValueBuilder(ASN1CTXT* ctxt, unsigned long long seed) : ctxt_(ctxt), random_(seed) {}
+    /// Gives any number whenever it is called.
+    using Random = std::function<unsigned long long()>;
+
+    ValueBuilder(ASN1CTXT* ctxt, unsigned long long seed)
+        : ValueBuilder(ctxt, Random(std::mt19937_64(seed))) {}
+    /// A value of choices that are made elsewhere.
+    ValueBuilder(ASN1CTXT* ctxt, Random random) : ctxt_(ctxt), random_(std::move(random)) {}
 
     /// A new record of the type on the context's heap.
     void* build(const asn1data::TypeDescription& type);
@@ -44,7 +52,7 @@ private:
     T* allocate(std::size_t count);
 
     ASN1CTXT* ctxt_;
-    std::mt19937_64 random_;
+    Random random_;
     unsigned depth_ = 0;
 };
 

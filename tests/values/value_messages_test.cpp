@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <brevantis/asn1/asn1data/x509.h>
-#include <brevantis/asn1/values.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 
 #include "support/blob.h"
 #include "support/ca_bundle.h"
 #include "support/data_file.h"
 #include "support/failing_allocations.h"
+#include "support/message_classes.h"
 #include "support/thrown_code.h"
 
 using namespace Brevantis;
@@ -26,14 +26,7 @@ namespace {
 
 template <class Value>
 Value read(const CBlob& message) {
-    Value value;
-    value.decode(message);
-    return value;
-}
-
-template <>
-CPKIStatusInfo read(const CBlob& message) {
-    CPKIStatusInfo value(PKIStatusEnum_accepted);
+    auto value = tests::emptyValue<Value>();
     value.decode(message);
     return value;
 }
@@ -117,39 +110,14 @@ struct Checks {
     void (*refused)(const CBlob& message, const std::string& code, const CBlob& first);
 };
 
-template <class Value>
-constexpr Checks checks = {expectAccepted<Value>, expectRefused<Value>};
-
-const std::map<std::string, Checks> types = {
-    {"AccessDescription", checks<CAccessDescription>},
-    {"AlgorithmIdentifier", checks<CAlgorithmIdentifier>},
-    {"Attribute", checks<CAttribute>},
-    {"AttributeTypeAndValue", checks<CAttributeTypeAndValue>},
-    {"Attributes", checks<CAttributes>},
-    {"AuthorityInfoAccessSyntax", checks<CAuthorityInfoAccessSyntax>},
-    {"BigInteger", checks<CBigInteger>},
-    {"CRLDistPointsSyntax", checks<CCRLDistPointsSyntax>},
-    {"ContentInfo", checks<CContentInfo>},
-    {"DistributionPoint", checks<CDistributionPoint>},
-    {"DistributionPointName", checks<CDistributionPointName>},
-    {"ESSCertID", checks<CESSCertID>},
-    {"ESSCertIDv2", checks<CESSCertIDv2>},
-    {"Extension", checks<CExtension>},
-    {"Extensions", checks<CExtensions>},
-    {"GeneralName", checks<CGeneralName>},
-    {"GeneralNames", checks<CGeneralNames>},
-    {"IssuerSerial", checks<CIssuerSerial>},
-    {"Name", checks<CName>},
-    {"OtherCertID", checks<COtherCertID>},
-    {"OtherHash", checks<COtherHash>},
-    {"OtherHashAlgAndValue", checks<COtherHashAlgAndValue>},
-    {"PolicyInformation", checks<CPolicyInformation>},
-    {"ReasonFlags", checks<CReasonFlags>},
-    {"RelativeName", checks<CRelativeDistinguishedName>},
-    {"RevAnnContent", checks<CRevAnnContent>},
-    {"StatusInfo", checks<CPKIStatusInfo>},
-    {"Time", checks<CTimeChoice>},
-};
+const std::map<std::string, Checks> types = [] {
+    std::map<std::string, Checks> result;
+    tests::forEachMessageClass([&](const char* name, auto named) {
+        using Value = typename decltype(named)::type;
+        result[name] = {expectAccepted<Value>, expectRefused<Value>};
+    });
+    return result;
+}();
 
 /// Each message meets values that hold the one of the row before of its type.
 void expectRowsAccepted(const std::string& file, const std::string& table) {

@@ -1,8 +1,0 @@
-#include <brevantis/asn1/asn1data/x509.h>
-
-#include "entry.h"
-
-int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    using namespace asn1data;
-    return fuzz::roundTrip<ASN1T_Certificate, ASN1C_Certificate, asn1Free_Certificate>(data, size);
-}
