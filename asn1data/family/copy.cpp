@@ -54,7 +54,7 @@ struct PrimitiveCopier {
             static_cast<Asn1TObject&>(target).decoded = nullptr;
         }
     }
-    template <Shape S, class Value>
+    template <Shape S, class Value, class = std::enable_if_t<isPrimitive(S)>>
     void operator()(Is<S>, const Value& source, Value& target) const {
         if constexpr (std::is_same_v<Value, const char*>) {
             if (source == nullptr) {
@@ -74,12 +74,41 @@ struct PrimitiveCopier {
         target.count = source.count;
         std::memcpy(target.data, source.data, octetsOf(S, source.capacity));
     }
+    /// What is made of other values is none.
+    template <Shape S, class Source, class Target, class = std::enable_if_t<!isPrimitive(S)>>
+    void operator()(Is<S>, Source&& /*source*/, Target&& /*target*/) const {}
 
 private:
     static std::size_t octetsOf(Shape shape, unsigned capacity) {
         return shape == Shape::FixedBitString ? (capacity + 7) / 8 : capacity;
     }
 };
+
+void copyPrimitive(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target) {
+    withValues(type, source, target, PrimitiveCopier{ctxt, type});
+}
+
+void copyChoice(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target);
+void copyConstructed(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target);
+
+/// A value that is there, to a place of its own.
+[[gnu::always_inline]] inline void copyValue(ASN1CTXT* ctxt, const TypeDescription& type,
+                                             const void* source, void* target) {
+    switch (type.road) {
+    case Road::Primitive:
+        copyPrimitive(ctxt, type, source, target);
+        break;
+    case Road::Choice:
+        copyChoice(ctxt, type, source, target);
+        break;
+    case Road::Constructed:
+        copyConstructed(ctxt, type, source, target);
+        break;
+    case Road::Tagged:
+        copy(ctxt, type, source, target);
+        break;
+    }
+}
 
 /// An unknown identifier has no typed form.
 void copyTyped(ASN1CTXT* ctxt, const ObjectDescription* object, const Asn1TObject& source,
@@ -118,11 +147,10 @@ void copyRecord(ASN1CTXT* ctxt, const TypeDescription& type, const void* source,
     if (type.presenceOffset != NoOffset) {
         setPresenceBits(target, type.presenceOffset, presenceBits(source, type.presenceOffset));
     }
-    for (unsigned i = 0; i < type.elementCount; ++i) {
-        const ElementDescription& element = type.elements[i];
+    for (const ElementDescription& element : elementsOf(type)) {
         if (isPresent(type, element, source)) {
-            copy(ctxt, *element.type, address(source, element.offset),
-                 address(target, element.offset));
+            copyValue(ctxt, *element.type, address(source, element.offset),
+                      address(target, element.offset));
         }
     }
     if (type.extensionOffset != NoOffset) {
@@ -156,7 +184,7 @@ void copyChoice(ASN1CTXT* ctxt, const TypeDescription& type, const void* source,
         at<void*>(target, alternative->offset) = record;
         copied = record;
     }
-    copy(ctxt, *alternative->type, value, copied);
+    copyValue(ctxt, *alternative->type, value, copied);
     at<unsigned>(target, type.countOffset) = at<unsigned>(source, type.countOffset);
 }
 
@@ -171,7 +199,9 @@ void copyList(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1RTDList& so
             return;
         }
         void* element = block + sizeof(Asn1RTDListNode);
-        copy(ctxt, *type.element, node->data, element);
+        if (node->data != nullptr) {
+            copyValue(ctxt, *type.element, node->data, element);
+        }
         rtDListAppendNode(ctxt, &list, element);
     }
 }
@@ -202,7 +232,7 @@ void copyArray(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, 
     }
     auto* to = static_cast<unsigned char*>(arrayElements(type, target));
     for (; copied < count; ++copied) {
-        copy(ctxt, *type.element, from + copied * elementSize, to + copied * elementSize);
+        copyValue(ctxt, *type.element, from + copied * elementSize, to + copied * elementSize);
     }
 }
 
@@ -230,6 +260,11 @@ struct Copier : PrimitiveCopier {
     }
 };
 
+void copyConstructed(ASN1CTXT* ctxt, const TypeDescription& type, const void* source,
+                     void* target) {
+    withValues(type, source, target, Copier{{ctxt, type}});
+}
+
 } // namespace
 
 void copy(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target) {
@@ -241,7 +276,7 @@ void copy(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void*
         fail(ctxt, ASN1S_NO_MEMORY);
         return;
     }
-    withValues(type, source, target, Copier{{ctxt, type}});
+    copyConstructed(ctxt, type, source, target);
 }
 
 } // namespace asn1data::family

@@ -138,7 +138,8 @@ bool isAbsentBitString(const TypeDescription& type, const void* value) {
 
 /// Puts a tag and a length in front of contents that have been written.
 /// @param count octets of contents, or a negative status, which is handed on
-int putHeader(ASN1CTXT* ctxt, ASN1TAG tag, unsigned char identifier, int count) {
+[[gnu::always_inline]] inline int putHeader(ASN1CTXT* ctxt, ASN1TAG tag, unsigned char identifier,
+                                            int count) {
     return rtPutShortHeader(ctxt, identifier, count) ? count + 2 : xe_tag_len(ctxt, tag, count);
 }
 
@@ -159,27 +160,66 @@ int encodePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value, AS
     return count < 0 ? fail(ctxt, count) : count;
 }
 
-/// A value without a typed form of its own. Most are primitives, which do without further steps.
+int encodeConstructed(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
+                      const TypeDescription* openType);
+
+/// A value without a typed form of its own, by the road of its type.
+/// @param value not null
+/// @param openType of a list's members that are typed open values
 [[gnu::always_inline]] inline int encodeValue(ASN1CTXT* ctxt, const TypeDescription& type,
-                                              void* value, ASN1TagType tagging) {
-    return type.road == Road::Primitive && value != nullptr
-               ? encodePrimitive(ctxt, type, value, tagging)
-               : encodeResolved(ctxt, type, value, tagging, {});
+                                              void* value, ASN1TagType tagging,
+                                              const TypeDescription* openType = nullptr) {
+    switch (type.road) {
+    case Road::Primitive:
+        return encodePrimitive(ctxt, type, value, tagging);
+    case Road::Choice:
+        return encodeChoice(ctxt, type, value);
+    case Road::Constructed:
+        return encodeConstructed(ctxt, type, value, tagging, openType);
+    case Road::Tagged:
+        break;
+    }
+    return encodeResolved(ctxt, type, value, tagging, {openType, nullptr});
 }
 
-int encodeElement(ASN1CTXT* ctxt, const ElementDescription& element, void* value,
-                  const Resolved* resolved = nullptr) {
+/// Puts the tag of the element around its value.
+int tagElement(ASN1CTXT* ctxt, const ElementDescription& element, int count) {
+    return element.tagging == Tagging::Untagged
+               ? count
+               : putHeader(ctxt, element.tag, element.identifier, count);
+}
+
+ASN1TagType ownTagging(const ElementDescription& element) {
+    return element.tagging == Tagging::Untagged ? ASN1TagExplicit : innerTagging(element);
+}
+
+/// @param value not null
+[[gnu::always_inline]] inline int encodeElement(ASN1CTXT* ctxt, const ElementDescription& element,
+                                                void* value) {
     const int status =
         checkConstraint(ctxt, *element.type, value, element.constraint, element.parameter);
     if (status != ASN1S_SUCCESS) {
         return status;
     }
-    const bool tagged = element.tagging != Tagging::Untagged;
-    const ASN1TagType inner = tagged ? innerTagging(element) : ASN1TagExplicit;
-    const int count = resolved != nullptr
-                          ? encodeResolved(ctxt, *element.type, value, inner, *resolved)
-                          : encodeValue(ctxt, *element.type, value, inner);
-    return tagged ? putHeader(ctxt, element.tag, element.identifier, count) : count;
+    return tagElement(ctxt, element, encodeValue(ctxt, *element.type, value, ownTagging(element)));
+}
+
+/// An element whose open value an object set resolves.
+int encodeOpenElement(ASN1CTXT* ctxt, const ElementDescription& element, void* record,
+                      const TableConstraint& table, const ObjectDescription& object) {
+    void* const value = address(record, element.offset);
+    const int status =
+        checkConstraint(ctxt, *element.type, value, element.constraint, element.parameter);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    const ASN1TagType tagging = ownTagging(element);
+    const int count =
+        table.value == OpenValue::OpenTypes
+            ? encodeValue(ctxt, *element.type, value, tagging, object.type)
+            : encodeResolved(ctxt, *element.type, value, tagging,
+                             {object.type, &at<Asn1TObject>(record, table.slotOffset)});
+    return tagElement(ctxt, element, count);
 }
 
 /// X.690, 11.5: an element that has its DEFAULT value is not written.
@@ -223,32 +263,28 @@ int encodeRecord(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
         if (!isWritten(ctxt, type, element, record)) {
             continue;
         }
-        void* const value = address(record, element.offset);
-        int count = 0;
-        if (object != nullptr && element.offset == table->valueOffset) {
-            Resolved resolved{object->type, nullptr};
-            if (table->value != OpenValue::OpenTypes) {
-                resolved.slot = &at<Asn1TObject>(record, table->slotOffset);
-            }
-            count = encodeElement(ctxt, element, value, &resolved);
-        } else {
-            count = encodeElement(ctxt, element, value);
-        }
+        const int count = object != nullptr && element.offset == table->valueOffset
+                              ? encodeOpenElement(ctxt, element, record, *table, *object)
+                              : encodeElement(ctxt, element, address(record, element.offset));
         total = count < 0 ? count : total + count;
     }
     return total;
 }
 
+/// The alternative that is selected, whose tag is all that a CHOICE has.
 int encodeChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
+    const int status = checkConstraint(ctxt, type, record, type.constraint, type.parameter);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
     const ElementDescription* alternative = selectedAlternative(type, record);
     if (alternative == nullptr) {
-        return ASN1S_INVALID_CHOICE;
+        return fail(ctxt, ASN1S_INVALID_CHOICE);
     }
-    void* value = alternativeValue(*alternative, record);
-    if (value == nullptr) {
-        return ASN1S_BAD_VALUE;
-    }
-    return encodeElement(ctxt, *alternative, value);
+    void* const value = alternativeValue(*alternative, record);
+    const int count =
+        value != nullptr ? encodeElement(ctxt, *alternative, value) : int{ASN1S_BAD_VALUE};
+    return count < 0 ? fail(ctxt, count) : count;
 }
 
 /// Encodes the members of a SEQUENCE OF or SET OF from the last to the first and, for a SET OF,
@@ -263,28 +299,14 @@ public:
         }
     }
 
-    /// @return false when the member could not be encoded; total() then tells the status
-    bool add(void* member) {
-        const int count = openType_ == nullptr
-                              ? encodeValue(ctxt_, type_, member, ASN1TagExplicit)
-                              : encodeResolved(ctxt_, type_, member, ASN1TagExplicit,
-                                               {openType_, static_cast<Asn1TObject*>(member)});
-        if (count < 0) {
-            total_ = count;
-            return false;
+    /// @return false when the member could not be encoded; finish() then tells the status
+    [[gnu::always_inline]] bool add(void* member) {
+        int count = encodeMember(member);
+        if (count >= 0 && sorts_) {
+            count = noteLocation(count);
         }
-        total_ += count;
-        if (!sorts_) {
-            return true;
-        }
-        auto* location = static_cast<Asn1BufLocDescr*>(
-            rtMemHeapAlloc(&ctxt_->memHeap, static_cast<int>(sizeof(Asn1BufLocDescr))));
-        if (location == nullptr || rtSListAppend(&locations_, location) == nullptr) {
-            total_ = ASN1S_NO_MEMORY;
-            return false;
-        }
-        xe_getBufLocDescr(ctxt_, static_cast<unsigned>(count), location);
-        return true;
+        total_ = count < 0 ? count : total_ + count;
+        return count >= 0;
     }
 
     /// @return octets of all members, or the status of the first failure
@@ -293,6 +315,27 @@ public:
     }
 
 private:
+    [[gnu::always_inline]] int encodeMember(void* member) {
+        if (member == nullptr && type_.shape != Shape::Null) {
+            return fail(ctxt_, ASN1S_BAD_VALUE);
+        }
+        return openType_ == nullptr
+                   ? encodeValue(ctxt_, type_, member, ASN1TagExplicit)
+                   : encodeResolved(ctxt_, type_, member, ASN1TagExplicit,
+                                    {openType_, static_cast<Asn1TObject*>(member)});
+    }
+
+    /// @return @p count, or a failure
+    int noteLocation(int count) {
+        auto* location = static_cast<Asn1BufLocDescr*>(
+            rtMemHeapAlloc(&ctxt_->memHeap, static_cast<int>(sizeof(Asn1BufLocDescr))));
+        if (location == nullptr || rtSListAppend(&locations_, location) == nullptr) {
+            return ASN1S_NO_MEMORY;
+        }
+        xe_getBufLocDescr(ctxt_, static_cast<unsigned>(count), location);
+        return count;
+    }
+
     ASN1CTXT* ctxt_;
     const TypeDescription& type_;
     const TypeDescription* openType_; ///< type of the members' typed form, null without one
@@ -332,6 +375,21 @@ int encodeArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     return members.finish();
 }
 
+/// Elements behind one tag.
+int encodeConstructed(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
+                      const TypeDescription* openType) {
+    const int status = checkConstraint(ctxt, type, value, type.constraint, type.parameter);
+    if (status != ASN1S_SUCCESS) {
+        return status;
+    }
+    int count = withValue(type, value, ContentsEncoder{{ctxt, type}, openType});
+    if (count >= 0 && tagging == ASN1TagExplicit) {
+        count = putHeader(ctxt, type.tag, type.identifier, count);
+    }
+    return count < 0 ? fail(ctxt, count) : count;
+}
+
+/// A value with whatever tags and typed form it has.
 int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
                    const Resolved& resolved) {
     if (value == nullptr && type.shape != Shape::Null) {
@@ -364,7 +422,8 @@ int encodeResolved(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN
 } // namespace
 
 int encode(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging) {
-    return encodeResolved(ctxt, type, value, tagging, {});
+    return value == nullptr && type.shape != Shape::Null ? fail(ctxt, ASN1S_BAD_VALUE)
+                                                         : encodeValue(ctxt, type, value, tagging);
 }
 
 } // namespace asn1data::family

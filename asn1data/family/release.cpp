@@ -17,10 +17,10 @@ template <class Pointee>
 void freeBlock(ASN1CTXT* ctxt, Pointee*& block) {
     // The heap takes back what it gave out, also where the value only lets it be read.
     void* owned = const_cast<std::remove_const_t<Pointee>*>(block);
-    if (owned != nullptr && rtMemHeapCheckPtr(&ctxt->memHeap, owned) != 0) {
+    if (owned != nullptr) {
         rtMemHeapFreePtr(&ctxt->memHeap, owned);
+        block = nullptr;
     }
-    block = nullptr;
 }
 
 /// Frees the octets of a string or an open type. Under ASN1F_NO_COPY they may be the message's own,
@@ -31,6 +31,29 @@ void freeOctets(ASN1CTXT* ctxt, const unsigned char*& octets) {
         return;
     }
     freeBlock(ctxt, octets);
+}
+
+void releasePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value);
+void releaseChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record);
+void releaseConstructed(ASN1CTXT* ctxt, const TypeDescription& type, void* value);
+
+/// A value that is there, of a type that holds memory.
+[[gnu::always_inline]] inline void releaseValue(ASN1CTXT* ctxt, const TypeDescription& type,
+                                                void* value) {
+    switch (type.road) {
+    case Road::Primitive:
+        releasePrimitive(ctxt, type, value);
+        break;
+    case Road::Choice:
+        releaseChoice(ctxt, type, value);
+        break;
+    case Road::Constructed:
+        releaseConstructed(ctxt, type, value);
+        break;
+    case Road::Tagged:
+        release(ctxt, type, value);
+        break;
+    }
 }
 
 void releaseTyped(ASN1CTXT* ctxt, const ObjectDescription* object, Asn1TObject& slot) {
@@ -66,10 +89,9 @@ void releaseRecord(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
     if (type.table != nullptr) {
         releaseOpenValue(ctxt, *type.table, record);
     }
-    for (unsigned i = 0; i < type.elementCount; ++i) {
-        const ElementDescription& element = type.elements[i];
+    for (const ElementDescription& element : elementsOf(type)) {
         if (element.type->holdsMemory && isPresent(type, element, record)) {
-            release(ctxt, *element.type, address(record, element.offset));
+            releaseValue(ctxt, *element.type, address(record, element.offset));
         }
     }
     if (type.extensionOffset != NoOffset) {
@@ -82,21 +104,21 @@ void releaseChoice(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
     if (alternative == nullptr) {
         return;
     }
-    if (!alternative->indirect) {
-        release(ctxt, *alternative->type, address(record, alternative->offset));
-        return;
+    void* const value = alternativeValue(*alternative, record);
+    if (value != nullptr && alternative->type->holdsMemory) {
+        releaseValue(ctxt, *alternative->type, value);
     }
-    auto& value = at<void*>(record, alternative->offset);
-    if (value != nullptr) {
-        release(ctxt, *alternative->type, value);
-        freeBlock(ctxt, value);
+    if (alternative->indirect) {
+        freeBlock(ctxt, at<void*>(record, alternative->offset));
     }
 }
 
 void releaseList(ASN1CTXT* ctxt, const TypeDescription& type, Asn1RTDList& list) {
     if (type.element->holdsMemory) {
         for (Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
-            release(ctxt, *type.element, node->data);
+            if (node->data != nullptr) {
+                releaseValue(ctxt, *type.element, node->data);
+            }
         }
     }
     rtDListFreeAll(ctxt, &list);
@@ -107,7 +129,7 @@ void releaseArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     const unsigned count = at<unsigned>(value, type.countOffset);
     if (type.element->holdsMemory && places != nullptr) {
         for (unsigned i = 0; i < count; ++i) {
-            release(ctxt, *type.element, places + std::size_t{i} * type.element->valueSize);
+            releaseValue(ctxt, *type.element, places + std::size_t{i} * type.element->valueSize);
         }
     }
     if (type.shape == Shape::Array) {
@@ -115,10 +137,9 @@ void releaseArray(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
     }
 }
 
-/// Releases any value.
-struct Releaser {
+/// Releases what is not made of other values.
+struct PrimitiveReleaser {
     ASN1CTXT* ctxt;
-    const TypeDescription& type;
 
     void operator()(Is<Shape::OctetString>, ASN1TDynOctStr& value) const {
         freeOctets(ctxt, value.data);
@@ -136,18 +157,34 @@ struct Releaser {
     void operator()(Is<Shape::OpenType>, ASN1OpenType& value) const {
         freeOctets(ctxt, value.data);
     }
+    /// Numbers hold nothing, and the text of an INTEGER stays with the heap: it may be a DEFAULT
+    /// that never came from there.
+    template <Shape S, class Value,
+              class = std::enable_if_t<!isPrimitive(S) || !traitsOf(S).holdsMemory>>
+    void operator()(Is<S>, Value&& /*value*/) const {}
+};
+
+void releasePrimitive(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    withValue(type, value, PrimitiveReleaser{ctxt});
+}
+
+/// Releases any value.
+struct Releaser : PrimitiveReleaser {
+    using PrimitiveReleaser::operator();
+
     void operator()(Is<Shape::Sequence>, void* value) const { releaseRecord(ctxt, type, value); }
     void operator()(Is<Shape::Set>, void* value) const { releaseRecord(ctxt, type, value); }
     void operator()(Is<Shape::Choice>, void* value) const { releaseChoice(ctxt, type, value); }
     void operator()(Is<Shape::List>, Asn1RTDList& value) const { releaseList(ctxt, type, value); }
     void operator()(Is<Shape::Array>, void* value) const { releaseArray(ctxt, type, value); }
     void operator()(Is<Shape::FixedArray>, void* value) const { releaseArray(ctxt, type, value); }
-    /// Numbers hold nothing, and the text of an INTEGER stays with the heap: it may be a DEFAULT
-    /// that never came from there.
-    template <Shape S, class Value,
-              class = std::enable_if_t<isPrimitive(S) && !traitsOf(S).holdsMemory>>
-    void operator()(Is<S>, Value&& /*value*/) const {}
+
+    const TypeDescription& type;
 };
+
+void releaseConstructed(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    withValue(type, value, Releaser{{ctxt}, type});
+}
 
 } // namespace
 
@@ -156,10 +193,9 @@ void release(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
         return;
     }
     const Nesting nesting(ctxt, type.closesRecursion);
-    if (nesting.tooDeep()) {
-        return;
+    if (!nesting.tooDeep()) {
+        releaseConstructed(ctxt, type, value);
     }
-    withValue(type, value, Releaser{ctxt, type});
 }
 
 } // namespace asn1data::family

@@ -31,6 +31,19 @@ inline const void* address(const void* record, unsigned offset) {
     return static_cast<const unsigned char*>(record) + offset;
 }
 
+/// The elements of a record, or the alternatives of a CHOICE, for a loop that need not look at the
+/// type again after each of them.
+struct Elements {
+    const ElementDescription* first;
+    const ElementDescription* last;
+
+    const ElementDescription* begin() const { return first; }
+    const ElementDescription* end() const { return last; }
+};
+inline Elements elementsOf(const TypeDescription& type) {
+    return {type.elements, type.elements + type.elementCount};
+}
+
 /// The presence bits `m` of a record as one word. They are declared as bit-fields, so they are
 /// copied out and in rather than referred to.
 inline unsigned presenceBits(const void* record, unsigned offset) {

@@ -11,6 +11,7 @@
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "octet_reader.h"
+#include "octet_writer.h"
 #include "string_contents.h"
 
 using namespace runtime_detail;
@@ -136,8 +137,7 @@ int xe_charstr(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging, ASN1TAG ta
     const auto octets = static_cast<unsigned int>(
         std::min<unsigned long long>(std::strlen(text), static_cast<unsigned int>(UINT_MAX)));
     const int count =
-        xe_octstr(ctxt, static_cast<const unsigned char*>(static_cast<const void*>(text)), octets,
-                  ASN1TagImplicit);
+        putOctets(ctxt, static_cast<const unsigned char*>(static_cast<const void*>(text)), octets);
     return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, tag, count) : count;
 }
 

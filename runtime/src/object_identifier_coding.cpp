@@ -44,6 +44,20 @@ int writeFirstNumber(ASN1CTXT* ctxt, unsigned int first, unsigned int second) no
     return xe_memcpy(ctxt, octets, sizeof octets);
 }
 
+/// Writes one base-128 number in front of @p next.
+/// @return its first octet
+inline unsigned char* putNumber(unsigned char* next, unsigned int number) noexcept {
+    if (number < 0x80) { // most arcs
+        *--next = static_cast<unsigned char>(number);
+        return next;
+    }
+    *--next = static_cast<unsigned char>(number & 0x7FU);
+    while ((number >>= 7) != 0) {
+        *--next = static_cast<unsigned char>(number | 0x80U);
+    }
+    return next;
+}
+
 /// Writes all numbers straight into the buffer where it has room for the longest that they can be.
 /// @return the octets written, 0 where there may be too little room
 int writeInPlace(ASN1CTXT* ctxt, const ASN1OBJID& value) noexcept {
@@ -55,13 +69,10 @@ int writeInPlace(ASN1CTXT* ctxt, const ASN1OBJID& value) noexcept {
     }
     unsigned char* const end = buffer.data + buffer.byteIndex;
     unsigned char* next = end;
-    for (unsigned int i = value.numids; i-- > 1;) {
-        unsigned int number = i > 1 ? value.subid[i] : static_cast<unsigned int>(first);
-        *--next = static_cast<unsigned char>(number & 0x7FU);
-        while ((number >>= 7) != 0) {
-            *--next = static_cast<unsigned char>((number & 0x7FU) | 0x80U);
-        }
+    for (const unsigned int* arc = value.subid + value.numids; arc != value.subid + 2;) {
+        next = putNumber(next, *--arc);
     }
+    next = putNumber(next, static_cast<unsigned int>(first));
     const auto count = static_cast<unsigned int>(end - next);
     buffer.byteIndex -= count;
     return static_cast<int>(count);

@@ -7,6 +7,7 @@
 #include <brevantis/asn1/runtime/tag_length.h>
 
 #include "octet_reader.h"
+#include "octet_writer.h"
 #include "string_contents.h"
 
 namespace {
@@ -128,7 +129,7 @@ int readOctets(ASN1CTXT* ctxt, const OctetTarget& target, unsigned int room, int
 
 int xe_octstr(ASN1CTXT* ctxt, const unsigned char* data, unsigned int numocts,
               ASN1TagType tagging) noexcept {
-    const int count = data != nullptr ? xe_memcpy(ctxt, data, numocts) : 0;
+    const int count = data != nullptr ? putOctets(ctxt, data, numocts) : 0;
     return tagging == ASN1TagExplicit ? xe_tag_len(ctxt, octetStringTag, count) : count;
 }
 

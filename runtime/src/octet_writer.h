@@ -2,6 +2,7 @@
 #define BREVANTIS_ASN1_RUNTIME_SRC_OCTET_WRITER_H
 
 #include <cstdint>
+#include <cstring>
 
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/status.h>
@@ -29,6 +30,30 @@ inline int putOctet(ASN1CTXT* ctxt, std::uint32_t octet) noexcept {
     }
     buffer.data[--buffer.byteIndex] = static_cast<unsigned char>(octet);
     return 1;
+}
+
+/// Largest message.
+constexpr std::uint32_t longestMessage = 0x7FFFFFFF;
+
+/// Writes octets that stand outside the buffer.
+/// @param octets not null
+/// @return @p count, or the failure of growBuffer
+inline int putOctets(ASN1CTXT* ctxt, const unsigned char* octets, std::uint32_t count) noexcept {
+    ASN1Buffer& buffer = ctxt->buffer;
+    if (count > longestMessage) { // its count could not be returned
+        return buffer.dynamic == 0 ? ASN1S_BUFFER_OVERFLOW : ASN1S_NO_MEMORY;
+    }
+    if (buffer.byteIndex < count) {
+        const int status = growBuffer(ctxt, count);
+        if (status != ASN1S_SUCCESS) {
+            return status;
+        }
+    }
+    if (count != 0) {
+        buffer.byteIndex -= count;
+        std::memcpy(buffer.data + buffer.byteIndex, octets, count);
+    }
+    return static_cast<int>(count);
 }
 
 } // namespace runtime_detail

@@ -21,8 +21,9 @@ using runtime_detail::putOctet;
 using runtime_detail::record;
 using runtime_detail::remaining;
 
-/// Largest message, and the largest block that the heap hands out.
-constexpr std::uint32_t longestMessage = 0x7FFFFFFF;
+using runtime_detail::longestMessage;
+
+/// The largest block that the heap hands out.
 constexpr std::uint32_t largestBlock = 0x7FFFFFCF;
 
 constexpr std::uint32_t growthStep = 16384;
@@ -85,6 +86,25 @@ int added(std::uint32_t headerSize, int length) noexcept {
     }
     const bool countable = header <= std::numeric_limits<int>::max() - length;
     return countable ? header + length : ASN1S_BUFFER_OVERFLOW;
+}
+
+/// Puts one identifier octet and a length in front of what is written, with room for the longest.
+/// @return octets of header and contents; ASN1S_BUFFER_OVERFLOW when they are too many for that
+int putShortTag(ASN1Buffer& buffer, unsigned char identifierOctet, int length) noexcept {
+    unsigned char* next = buffer.data + buffer.byteIndex;
+    auto rest = static_cast<std::uint32_t>(length);
+    *--next = static_cast<unsigned char>(rest);
+    if (length >= 0x80) {
+        unsigned char count = 1;
+        for (; (rest >>= 8) != 0; ++count) {
+            *--next = static_cast<unsigned char>(rest);
+        }
+        *--next = static_cast<unsigned char>(0x80U | count);
+    }
+    *--next = identifierOctet;
+    const auto size = static_cast<std::uint32_t>(buffer.data + buffer.byteIndex - next);
+    buffer.byteIndex -= size;
+    return added(size, length);
 }
 
 } // namespace
@@ -248,25 +268,7 @@ int xe_memcpy(ASN1CTXT* ctxt, const void* source, unsigned int count) noexcept {
     if (source == nullptr) {
         return ASN1S_BAD_VALUE;
     }
-    const auto* octets = static_cast<const unsigned char*>(source);
-    if (count == 1) {
-        return putOctet(ctxt, *octets);
-    }
-    ASN1Buffer& buffer = ctxt->buffer;
-    if (count > longestMessage) { // its count could not be returned
-        return buffer.dynamic == 0 ? ASN1S_BUFFER_OVERFLOW : ASN1S_NO_MEMORY;
-    }
-    if (buffer.byteIndex < count) {
-        const int status = growBuffer(ctxt, count);
-        if (status != ASN1S_SUCCESS) {
-            return status;
-        }
-    }
-    if (count != 0) {
-        buffer.byteIndex -= count;
-        std::memcpy(buffer.data + buffer.byteIndex, octets, count);
-    }
-    return static_cast<int>(count);
+    return runtime_detail::putOctets(ctxt, static_cast<const unsigned char*>(source), count);
 }
 
 int xe_expandBuffer(ASN1CTXT* ctxt, int count) noexcept {
@@ -325,11 +327,8 @@ int xe_tag_len(ASN1CTXT* ctxt, ASN1TAG tag, int length) noexcept {
     }
     ASN1Buffer& buffer = ctxt->buffer;
     if (buffer.byteIndex >= ASN1LongestHeader) {
-        if (length >= 0 && length < 0x80 && (tag & ASN1TagNumberMask) < ASN1LongTagNumber) {
-            buffer.byteIndex -= 2;
-            buffer.data[buffer.byteIndex] = rtIdentifierOctet(tag);
-            buffer.data[buffer.byteIndex + 1] = static_cast<unsigned char>(length);
-            return length + 2;
+        if (length >= 0 && (tag & ASN1TagNumberMask) < ASN1LongTagNumber) {
+            return putShortTag(buffer, rtIdentifierOctet(tag), length);
         }
         const std::uint32_t size = rtTagSize(tag) + rtLengthSize(length);
         buffer.byteIndex -= size;

@@ -117,9 +117,9 @@ inline bool rtPutShortHeader(ASN1CTXT* ctxt, unsigned char identifierOctet, int 
         (identifierOctet & longTag) == longTag) {
         return false;
     }
-    buffer.byteIndex -= 2;
-    buffer.data[buffer.byteIndex] = identifierOctet;
-    buffer.data[buffer.byteIndex + 1] = static_cast<unsigned char>(length);
+    unsigned char* const header = buffer.data + (buffer.byteIndex -= 2);
+    header[0] = identifierOctet;
+    header[1] = static_cast<unsigned char>(length);
     return true;
 }
 
