@@ -9,6 +9,8 @@
 #include <brevantis/asn1/runtime/scalar.h>
 
 #include "decode_flow.h"
+#include "open_value.h"
+#include "strict_reading.h"
 
 // The sink that stores what is read in records.
 
@@ -140,10 +142,11 @@ void markPresent(const TypeDescription& type, const ElementDescription& element,
 
 /// Decodes a record's open value on a context turned to its octets, and turns the context back. A
 /// failure leaves it on the inner octets, where it happened.
-int decodeOpenValueInside(ASN1CTXT* ctxt, const TypeDescription& type, void* record) {
+int decodeOpenValueInside(ASN1CTXT* ctxt, const TypeDescription& type, void* record,
+                          const ContentDecoder& decoder) {
     ASN1CTXT saved;
     rtCopyContext(&saved, ctxt);
-    const int status = decodeOpenValue(ctxt, type, record);
+    const int status = decodeOpenValue(ctxt, type, record, decoder);
     if (status == ASN1S_SUCCESS) {
         rtCopyContext(ctxt, &saved);
     }
@@ -194,7 +197,7 @@ public:
         return checkConstraint(ctxt_, type, value, constraint, parameter);
     }
     int resolve(const TypeDescription& type, void* record) const {
-        return decodeOpenValueInside(ctxt_, type, record);
+        return decodeOpenValueInside(ctxt_, type, record, ContentDecoder());
     }
 
     /// Until an alternative has been read whole the selector names none, so that a value left over
@@ -292,12 +295,74 @@ private:
     ASN1CTXT* ctxt_;
 };
 
+/// Stores as many elements as a context has a limit for.
+class Counting : public Storing {
+public:
+    Counting(ASN1CTXT* ctxt, unsigned& left) : Storing(ctxt), left_(&left) {}
+
+    int addition(const TypeDescription& type, void* record, unsigned place) const {
+        return counted(Storing::addition(type, record, place));
+    }
+    int primitive(const TypeDescription& type, void* value, ASN1TagType tagging, int length) const {
+        return counted(Storing::primitive(type, value, tagging, length));
+    }
+    int resolve(const TypeDescription& type, void* record) const {
+        return decodeOpenValueInside(ctxt(), type, record, {&decodeInside, left_});
+    }
+
+    /// @param left elements that may still come
+    static int decodeInside(ASN1CTXT* ctxt, const TypeDescription& type, void* value, void* left) {
+        return DecodeFlow<Counting>::decode(Counting(ctxt, *static_cast<unsigned*>(left)), type,
+                                            value, ASN1TagExplicit, 0);
+    }
+
+    class Constructed {
+    public:
+        Constructed(Counting sink, const TypeDescription& /*type*/, int /*length*/)
+            : ctxt_(sink.ctxt()), entered_(sink.take()) {}
+        bool isEntered() const { return entered_; }
+        int stepOver() const { return family::fail(ctxt_, ASN1S_NO_MEMORY); }
+        static constexpr int leave() { return ASN1S_SUCCESS; }
+
+    private:
+        ASN1CTXT* ctxt_;
+        bool entered_;
+    };
+
+private:
+    bool take() const {
+        const bool fits = *left_ != 0;
+        *left_ -= fits ? 1 : 0;
+        return fits;
+    }
+
+    int counted(int status) const {
+        return status != ASN1S_SUCCESS || take() ? status : int{ASN1S_NO_MEMORY};
+    }
+
+    unsigned* left_;
+};
+
+/// Where a policy or a limit of the context looks at more than the flow does.
+[[gnu::noinline]] int decodeStrictly(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
+                                     ASN1TagType tagging, int length) {
+    const int status = isStrict(*ctxt) ? checkStrictly(ctxt, type, tagging, length) : ASN1S_SUCCESS;
+    if (status != ASN1S_SUCCESS) {
+        return fail(ctxt, status);
+    }
+    unsigned left = ctxt->elementLimit != 0 ? ctxt->elementLimit : 0xFFFFFFFFu;
+    return DecodeFlow<Counting>::decode(Counting(ctxt, left), type, value, tagging, length);
+}
+
 } // namespace
 
 int decode(ASN1CTXT* ctxt, const TypeDescription& type, void* value, ASN1TagType tagging,
            int length) {
     if (value == nullptr && type.shape != Shape::Null) {
         return fail(ctxt, ASN1S_INVALID_PARAMETER);
+    }
+    if (isStrict(*ctxt) || ctxt->elementLimit != 0) {
+        return decodeStrictly(ctxt, type, value, tagging, length);
     }
     return DecodeFlow<Storing>::decode(Storing(ctxt), type, value, tagging, length);
 }

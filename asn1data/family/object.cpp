@@ -3,6 +3,7 @@
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/status.h>
 
+#include "open_value.h"
 #include "value_access.h"
 
 namespace asn1data {
@@ -42,6 +43,11 @@ int encodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
 }
 
 int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+    return decodeSlot(ctxt, type, slot, ContentDecoder());
+}
+
+int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot,
+               const ContentDecoder& decoder) {
     slot.decoded = nullptr;
     const Nesting nesting(ctxt, true);
     if (!nesting.tooDeep()) {
@@ -50,7 +56,7 @@ int decodeSlot(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
     if (slot.decoded == nullptr) {
         return fail(ctxt, ASN1S_NO_MEMORY);
     }
-    return decode(ctxt, type, slot.decoded, ASN1TagExplicit, 0);
+    return decoder(ctxt, type, slot.decoded);
 }
 
 void copySlot(ASN1CTXT* ctxt, const TypeDescription& type, const Asn1TObject& source,

@@ -3,6 +3,7 @@
 #include <brevantis/asn1/runtime/der_order.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
+#include "open_value.h"
 #include "value_access.h"
 
 namespace asn1data::family {
@@ -39,14 +40,30 @@ int storeEncoded(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot)
 
 /// Turns the context to a slot's raw octets and decodes them. The mark goes with the binding: it is
 /// gone once the context is turned back, or to another message.
-int decodeRaw(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot) {
+int decodeBound(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot,
+                const ContentDecoder& decoder) {
     slot.decoded = nullptr;
     if (slot.numocts == 0) {
         return fail(ctxt, ASN1S_END_OF_BUFFER);
     }
     const int status = xd_setp(ctxt, slot.data, static_cast<int>(slot.numocts), nullptr, nullptr);
     ctxt->buffer.insideOpenValue = 1;
-    return status == ASN1S_SUCCESS ? decodeSlot(ctxt, type, slot) : fail(ctxt, status);
+    return status == ASN1S_SUCCESS ? decodeSlot(ctxt, type, slot, decoder) : fail(ctxt, status);
+}
+
+/// The same, but where the context tolerates it a slot whose octets do not decode stays raw.
+int decodeRaw(ASN1CTXT* ctxt, const TypeDescription& type, Asn1TObject& slot,
+              const ContentDecoder& decoder) {
+    const int recorded = ctxt->errInfo.status;
+    const int status = decodeBound(ctxt, type, slot, decoder);
+    if (status == ASN1S_SUCCESS || !staysRaw(*ctxt, status)) {
+        return status;
+    }
+    void* const record = slot.decoded;
+    releaseSlot(ctxt, type, slot);
+    rtMemHeapFreePtr(&ctxt->memHeap, record);
+    ctxt->errInfo.status = recorded;
+    return ASN1S_SUCCESS;
 }
 
 /// Runs an operation on every slot of a list, from head to tail, until it fails.
@@ -132,6 +149,11 @@ int encodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
 }
 
 int decodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
+    return decodeOpenValue(ctxt, type, value, ContentDecoder());
+}
+
+int decodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value,
+                    const ContentDecoder& decoder) {
     const TableConstraint& table = *type.table;
     if (table.value == OpenValue::OctetString) {
         const auto& octets = at<ASN1TDynOctStr>(value, table.valueOffset);
@@ -149,10 +171,11 @@ int decodeOpenValue(ASN1CTXT* ctxt, const TypeDescription& type, void* value) {
         return ASN1S_SUCCESS;
     }
     if (table.value == OpenValue::OpenTypes) {
-        return forEachSlot(at<Asn1RTDList>(value, table.valueOffset),
-                           [&](Asn1TObject& slot) { return decodeRaw(ctxt, *object->type, slot); });
+        return forEachSlot(at<Asn1RTDList>(value, table.valueOffset), [&](Asn1TObject& slot) {
+            return decodeRaw(ctxt, *object->type, slot, decoder);
+        });
     }
-    return decodeRaw(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset));
+    return decodeRaw(ctxt, *object->type, at<Asn1TObject>(value, table.slotOffset), decoder);
 }
 
 } // namespace asn1data::family

@@ -7,6 +7,7 @@
 #include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/runtime/measure.h>
 
+#include "strict_reading.h"
 #include "walker.h"
 
 namespace asn1data {
@@ -54,8 +55,18 @@ WalkInterest WalkVisitor::interest() const {
     return {};
 }
 
+WalkAction WalkVisitor::tolerated(const WalkFailure& /*failure*/) {
+    return WalkAction::Continue;
+}
+
 WalkResult walk(const TypeDescription& type, const unsigned char* message, std::size_t size,
                 WalkVisitor& visitor) {
+    return family::walkPlainly(type, message, size, visitor, {});
+}
+
+WalkResult family::walkPlainly(const TypeDescription& type, const unsigned char* message,
+                               std::size_t size, WalkVisitor& visitor,
+                               const ReadingPolicy& policy) {
     WalkResult result{};
     if (size > INT_MAX || (message == nullptr && size != 0)) {
         result.status = size > INT_MAX ? ASN1S_VALUE_TOO_BIG : ASN1S_INVALID_PARAMETER;
@@ -64,6 +75,7 @@ WalkResult walk(const TypeDescription& type, const unsigned char* message, std::
         return result;
     }
     family::Walker walker(message, static_cast<unsigned>(size), visitor, result.failure);
+    walker.setPolicy(policy);
     const int status = walker.run(type);
     result.stopped = status == family::WalkStopped;
     result.status = result.stopped ? ASN1S_SUCCESS : status;

@@ -28,7 +28,7 @@ bool OpenValueWalk::begins(const ElementDescription& element) {
         return false;
     }
     begun_ = true;
-    if (identified_ && endsRecord(element)) {
+    if (identified_ && !walker_.elementLimit && endsRecord(element)) {
         walker_.object = object_;
         return false;
     }
@@ -163,7 +163,9 @@ int OpenValueWalk::readAgain(const ObjectDescription* object) {
     walker_.object = object;
     walker_.atElement();
     const StepWalk step(walker_, type_, element);
+    walker_.rereads = true;
     const int status = DecodeFlow<Walking>::decodeElement(Walking(walker_), type_, element, {});
+    walker_.rereads = false;
     walker_.object = nullptr;
     return status;
 }

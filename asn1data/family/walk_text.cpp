@@ -222,6 +222,15 @@ void putExpected(BoundedText& out, const WalkFailure& failure) {
     case Expectation::Octets:
         out << "octets of " << name;
         break;
+    case Expectation::Der:
+        out << "DER (X.690, " << failure.clause << ")";
+        break;
+    case Expectation::Exact:
+        out << "what a record can hold";
+        break;
+    case Expectation::FewerElements:
+        out << "no more elements than the limit";
+        break;
     }
 }
 
@@ -280,6 +289,9 @@ void putFound(BoundedText& out, const WalkFailure& failure) {
         break;
     case Finding::BadText:
         out << "octets that are no UTF-8";
+        break;
+    case Finding::Deviation:
+        out << failure.deviation;
         break;
     }
 }

@@ -9,6 +9,8 @@
 #include <brevantis/asn1/runtime/scalar.h>
 #include <brevantis/asn1/runtime/utf8.h>
 
+#include "open_value.h"
+#include "strict_reading.h"
 #include "walker.h"
 
 namespace asn1data::family {
@@ -53,6 +55,13 @@ Walker::Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor
 
 Walker::~Walker() {
     rtMemHeapRelease(&ctxt.memHeap);
+}
+
+void Walker::setPolicy(const ReadingPolicy& policy) {
+    ctxt.flags = static_cast<unsigned short>(ctxt.flags | (policy.flags & PolicyFlags));
+    rtCtxtSetDepthLimit(&ctxt, policy.depthLimit);
+    elementLimit = policy.elementLimit != 0;
+    elementsLeft = policy.elementLimit;
 }
 
 int Walker::run(const TypeDescription& type) {
@@ -451,27 +460,96 @@ int Walker::addition() {
 
 /// A value has been read.
 int Walker::took(const TypeDescription* type, const WalkScope& scope, const WalkHeader& header) {
+    if (isBeyondLimit()) {
+        return fail(ASN1S_NO_MEMORY, {Expectation::FewerElements, type});
+    }
     if (silence != 0) {
         return ASN1S_SUCCESS;
     }
     const bool raw = type == nullptr || type->shape == Shape::OpenType;
     if (object != nullptr && (raw || type->shape == Shape::OctetString)) {
         const WalkOctets octets{here->element.value.octets, here->element.value.octetCount};
-        if (raw) {
-            return resolved(octets, here->element.data);
-        }
-        if (octets.count != 0) {
-            return resolveOctets(*type, scope, octets, header);
+        if (raw || octets.count != 0) {
+            return (ctxt.flags & ASN1F_TOLERATE_OPEN_VALUES) == 0 || trusts_
+                       ? resolve(type, scope, octets, header)
+                       : resolveOrKeep(type, scope, octets, header);
         }
     }
     if (raw && here->element.value.octetCount == 0) { // none is there
         return ASN1S_SUCCESS;
     }
+    return reportPrimitive(type, scope);
+}
+
+inline int Walker::reportPrimitive(const TypeDescription* type, const WalkScope& scope) {
     if (interest_.values) {
         describe(type, scope);
         stopped = visitor_.primitive(here->element) == WalkAction::Stop;
     }
     return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+}
+
+inline int Walker::resolve(const TypeDescription* type, const WalkScope& scope, WalkOctets value,
+                           const WalkHeader& header) {
+    return type != nullptr && type->shape == Shape::OctetString
+               ? resolveOctets(*type, scope, value, header)
+               : resolved(value, here->element.data);
+}
+
+/// Reads an open value for nobody first: if it fails nothing of it may have been reported. What is
+/// inside of one that did not fail is read likewise, so the octets of an open value are read once
+/// more for each of those around it, unless none of these is left raw.
+[[gnu::noinline]] int Walker::resolveOrKeep(const TypeDescription* type, const WalkScope& scope,
+                                            WalkOctets value, const WalkHeader& header) {
+    const WalkInterest wanted = interest_;
+    const bool watched = wanted.containers || wanted.values;
+    const unsigned faults = faults_;
+    const unsigned left = elementsLeft;
+    const ASN1Buffer buffer = ctxt.buffer;
+    const auto goBack = [this, buffer, scope, flags = ctxt.flags, recorded = ctxt.errInfo.status,
+                         outerBase = base, outerDepth = depth, wasAssembled = assembled,
+                         selected = object, measured = number, again = rereads] {
+        ctxt.buffer = buffer;
+        ctxt.flags = flags;
+        ctxt.errInfo.status = recorded;
+        base = outerBase;
+        valueStart = scope.valueStart;
+        depth = outerDepth;
+        assembled = wasAssembled;
+        object = selected;
+        number = measured;
+        rereads = again;
+        stepped = false;
+        failure_ = {};
+    };
+    interest_ = {false, false};
+    ++trials_;
+    int status = resolve(type, scope, value, header);
+    --trials_;
+    interest_ = wanted;
+    const bool keeps = status != ASN1S_SUCCESS && staysRaw(ctxt, status);
+    const bool tells = watched || (status == ASN1S_SUCCESS && faults != faults_);
+    if (!keeps && (trials_ != 0 || !tells)) {
+        return status;
+    }
+    if (!keeps) {
+        goBack();
+        elementsLeft = left;
+        trusts_ = status == ASN1S_SUCCESS && faults == faults_;
+        status = resolve(type, scope, value, header);
+        trusts_ = false;
+        return status;
+    }
+    ++faults_;
+    stopped = trials_ == 0 && visitor_.tolerated(failure_) == WalkAction::Stop;
+    goBack();
+    if (stopped || value.count == 0) {
+        return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+    }
+    here->element.value = WalkValue{};
+    here->element.value.octets = value.data;
+    here->element.value.octetCount = value.count;
+    return reportPrimitive(type, scope);
 }
 
 int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, WalkOctets value,
@@ -497,12 +575,14 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, W
         assembled = true;
     }
     const int status = resolved(whole, whole.data);
+    if (segmented) {
+        // The heap gave it out.
+        rtMemHeapFreePtr(&ctxt.memHeap, const_cast<unsigned char*>(whole.data));
+    }
     if (status != ASN1S_SUCCESS) {
         return status;
     }
     if (segmented) {
-        // The heap gave it out.
-        rtMemHeapFreePtr(&ctxt.memHeap, const_cast<unsigned char*>(whole.data));
         base = outerBase;
         assembled = outerAssembled;
     }
@@ -533,9 +613,12 @@ int Walker::resolved(WalkOctets value, const unsigned char* element) {
     if (nesting.tooDeep()) {
         return fail(ASN1S_NO_MEMORY, {Expectation::LessNesting, selected->type});
     }
+    const bool again = rereads;
     object = nullptr;
+    rereads = false;
     status = DecodeFlow<Walking>::decode(Walking(*this), *selected->type, {}, ASN1TagExplicit, 0);
     if (status == ASN1S_SUCCESS) {
+        rereads = again;
         object = selected;
         openValue->failing_ = ctxt.buffer;
         ctxt.buffer = behind;

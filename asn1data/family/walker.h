@@ -3,6 +3,7 @@
 
 #include <type_traits>
 
+#include <brevantis/asn1/asn1data/reading_policy.h>
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
@@ -108,6 +109,9 @@ public:
     Walker(const Walker&) = delete;
     Walker& operator=(const Walker&) = delete;
 
+    /// To be called before `run`, if at all.
+    void setPolicy(const ReadingPolicy& policy);
+
     /// @return 0, WalkStopped, or the decoder's status
     int run(const TypeDescription& type);
     unsigned position() const { return ctxt.buffer.byteIndex; }
@@ -124,6 +128,13 @@ public:
     int addition();
     int checkConstraint(const TypeDescription& type, const Constraint& constraint,
                         const char* parameter);
+
+    /// Counts an element, if there is a limit.
+    /// @return whether it is beyond the limit
+    bool isBeyondLimit() {
+        // What is read again was counted when it was read in silence.
+        return elementLimit && !rereads && elementsLeft-- == 0;
+    }
 
     /// Whether somebody looks at what is read now.
     bool reports() const { return silence == 0; }
@@ -147,7 +158,10 @@ public:
     unsigned depth = 0;                          ///< as in WalkElement
     bool assembled = false;                      ///< as in WalkElement
     bool stopped = false;
-    bool stepped = false; ///< the value read last was stepped over
+    bool stepped = false;      ///< the value read last was stepped over
+    bool elementLimit = false; ///< then the order of reading counts, which is the decoder's
+    bool rereads = false;      ///< what is read now has been read in silence
+    unsigned elementsLeft = 0;
     long long number = 0; ///< that the constraint of the value read last is about
 
 private:
@@ -159,6 +173,11 @@ private:
     int took(const TypeDescription* type, const WalkScope& scope, const WalkHeader& header);
     void describe(const TypeDescription* type, const WalkScope& scope);
     WalkScope scopeBehind() const;
+    int resolve(const TypeDescription* type, const WalkScope& scope, WalkOctets value,
+                const WalkHeader& header);
+    int resolveOrKeep(const TypeDescription* type, const WalkScope& scope, WalkOctets value,
+                      const WalkHeader& header);
+    int reportPrimitive(const TypeDescription* type, const WalkScope& scope);
     int resolveOctets(const TypeDescription& type, const WalkScope& scope, WalkOctets value,
                       const WalkHeader& header);
     int resolved(WalkOctets value, const unsigned char* element);
@@ -166,9 +185,12 @@ private:
     void findFound(int status, const Expected& expected);
 
     WalkVisitor& visitor_;
-    const WalkInterest interest_;
+    WalkInterest interest_;
     WalkFailure& failure_;
     ASN1TObjId identifier_;
+    unsigned trials_ = 0; ///< open values, inside each other, that are read to see whether they can
+    unsigned faults_ = 0; ///< open values that were found to stay raw
+    bool trusts_ = false; ///< open values are known to decode
 
     friend class OpenValueWalk;
 };
@@ -307,15 +329,19 @@ public:
     class Constructed {
     public:
         Constructed(Walker& walker, const TypeDescription& type, int length)
-            : walker_(walker), type_(type), length_(length), reported_(walker.reports()) {
+            : walker_(walker), type_(type), length_(length), reported_(walker.reports()),
+              fits_(!walker.isBeyondLimit()) {
             const WalkScope scope{walker.valueStart, walker.octets(), length};
             if (type.table != nullptr) {
                 walker.openValue->enters(scope);
             }
-            entered_ = !reported_ || walker.enter(type, scope);
+            entered_ = fits_ && (!reported_ || walker.enter(type, scope));
         }
         bool isEntered() const { return entered_; }
-        int stepOver() { return walker_.stepOver(type_, length_); }
+        int stepOver() {
+            return fits_ ? walker_.stepOver(type_, length_)
+                         : walker_.fail(ASN1S_NO_MEMORY, {Expectation::FewerElements, &type_});
+        }
         int leave() {
             if (!entered_) {
                 return ASN1S_SUCCESS;
@@ -336,6 +362,7 @@ public:
         const TypeDescription& type_;
         int length_;
         bool reported_;
+        bool fits_;
         bool entered_;
     };
 

@@ -132,6 +132,19 @@ void rtCtxtSetFlag(ASN1CTXT* ctxt, int mask) noexcept {
         static_cast<unsigned short>(ctxt->flags | (static_cast<unsigned>(mask) & 0xFFFFu));
 }
 
+void rtCtxtSetElementLimit(ASN1CTXT* ctxt, unsigned int elements) noexcept {
+    ctxt->elementLimit = elements;
+}
+
+int rtCtxtSetDepthLimit(ASN1CTXT* ctxt, unsigned int depth) noexcept {
+    if (depth > runtime_detail::deepestNesting) {
+        return ASN1S_INVALID_PARAMETER;
+    }
+    // Levels that are always in use: so the engine has one limit to look at.
+    ctxt->nestingDepth = static_cast<unsigned short>(runtime_detail::deepestNesting - depth);
+    return ASN1S_SUCCESS;
+}
+
 void rtCtxtSetMemHeap(ASN1CTXT* target, ASN1CTXT* source) noexcept {
     if (target != nullptr && source != nullptr) {
         joinHeap(target, target->memHeap, source->memHeap);

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <limits>
+#include <new>
 
 #include <brevantis/asn1/runtime/status.h>
 
@@ -9,6 +11,7 @@
 #include "heap_pool.h"
 
 using runtime_detail::blockOf;
+using runtime_detail::HeapLimit;
 using runtime_detail::HeapPool;
 
 unsigned int g_defBlkSize = 4096;
@@ -61,7 +64,8 @@ inline void* enter(ASN1MemHeap* heap, ASN1MemBlock* block, std::size_t octets) n
 /// Blocks are cut only in front of others that were, which lead to the pool. So when hooks change
 /// while the heap lives, the blocks that calls made are newer than all that were cut.
 /// @param octets header included
-ASN1MemBlock* takeBlock(ASN1MemHeap* heap, std::size_t octets) noexcept {
+/// @param limit that the block is counted by, or null
+ASN1MemBlock* takeUncounted(ASN1MemHeap* heap, std::size_t octets, HeapLimit* limit) noexcept {
     const ASN1MemBlock* const newest = heap->blockList;
     if (HeapPool::serves()) {
         if (newest == nullptr) {
@@ -73,7 +77,28 @@ ASN1MemBlock* takeBlock(ASN1MemHeap* heap, std::size_t octets) noexcept {
     }
     auto* const block = static_cast<ASN1MemBlock*>(g_malloc_func(heap->userData, octets));
     if (block != nullptr) {
-        HeapPool::setMadeByCall(block);
+        HeapPool::setMadeByCall(block, limit);
+    }
+    return block;
+}
+
+/// The limit of a heap; null without one.
+HeapLimit* limitOf(const ASN1MemHeap* heap) noexcept {
+    return heap->blockList != nullptr ? HeapPool::limitOf(heap->blockList) : nullptr;
+}
+
+/// The same within the limit of the heap.
+ASN1MemBlock* takeBlock(ASN1MemHeap* heap, std::size_t octets) noexcept {
+    HeapLimit* const limit = limitOf(heap);
+    if (limit == nullptr) {
+        return takeUncounted(heap, octets, nullptr);
+    }
+    if (!limit->take(octets)) {
+        return nullptr;
+    }
+    ASN1MemBlock* const block = takeUncounted(heap, octets, limit);
+    if (block == nullptr) {
+        limit->giveBack(octets);
     }
     return block;
 }
@@ -112,7 +137,8 @@ void releaseBlocks(ASN1MemHeap* heap) noexcept {
 inline void* allocate(void* heapRef, int size) noexcept {
     ASN1MemHeap* const heap = heapAt(heapRef);
     if (heap != nullptr && heap->blockList != nullptr && HeapPool::serves()) {
-        if (HeapPool* const pool = HeapPool::of(heap->blockList)) {
+        if (HeapPool::hasCut(heap->blockList)) {
+            HeapPool* const pool = HeapPool::of(heap->blockList);
             // A negative size is a large one here.
             const std::size_t octets = static_cast<unsigned int>(size);
             if (ASN1MemBlock* const block = pool->cut(sizeof(ASN1MemBlock) + octets)) {
@@ -160,6 +186,9 @@ void* rtMemHeapRealloc(void* heapRef, void* ptr, int size) noexcept {
     ASN1MemBlock* block = blockOf(ptr);
     // A negative size is a large one here, and rtMemHeapAlloc refuses it.
     if (block->size >= static_cast<unsigned int>(size)) {
+        if (HeapLimit* const limit = HeapPool::limitOf(block)) {
+            limit->giveBack(block->size - static_cast<unsigned int>(size));
+        }
         block->size = static_cast<unsigned int>(size);
         return ptr;
     }
@@ -187,11 +216,14 @@ void rtMemHeapFreePtr(void* heapRef, void* ptr) noexcept {
     } else {
         heap->blockList = block->next;
     }
-    if (HeapPool::of(block) != nullptr) {
+    if (HeapPool::hasCut(block)) {
         HeapPool::giveBack(block);
-    } else {
-        g_free_func(heap->userData, block);
+        return;
     }
+    if (HeapLimit* const limit = HeapPool::limitOf(block)) {
+        limit->giveBack(sizeof(ASN1MemBlock) + block->size);
+    }
+    g_free_func(heap->userData, block);
 }
 
 void rtMemHeapAddRef(void* heapRef) noexcept {
@@ -210,6 +242,52 @@ void rtMemHeapRelease(void* heapRef) noexcept {
         g_free_func(heap->userData, heap);
     }
     *static_cast<void**>(heapRef) = nullptr;
+}
+
+int rtMemHeapSetLimit(void* heapRef, std::size_t octets) noexcept {
+    if (heapRef == nullptr) {
+        return ASN1S_INVALID_PARAMETER;
+    }
+    ASN1MemHeap* heap = heapAt(heapRef);
+    HeapLimit* limit = heap != nullptr ? limitOf(heap) : nullptr;
+    if (limit == nullptr) {
+        if (octets == 0) {
+            return ASN1S_SUCCESS;
+        }
+        void* const room = rtMemHeapAlloc(heapRef, static_cast<int>(sizeof(HeapLimit)));
+        if (room == nullptr) {
+            return ASN1S_NO_MEMORY;
+        }
+        heap = heapAt(heapRef);
+        limit = ::new (room) HeapLimit{0, 0, false};
+        for (ASN1MemBlock* block = heap->blockList; block != nullptr; block = block->next) {
+            limit->taken += sizeof(ASN1MemBlock) + block->size;
+            if (HeapPool* const pool = HeapPool::of(block)) {
+                pool->setLimit(limit);
+            } else {
+                HeapPool::setMadeByCall(block, limit);
+            }
+        }
+    }
+    limit->limit = octets != 0 ? octets : std::numeric_limits<std::size_t>::max();
+    limit->reached = false;
+    return ASN1S_SUCCESS;
+}
+
+bool rtMemHeapLimitReached(void* heapRef) noexcept {
+    const ASN1MemHeap* const heap = heapAt(heapRef);
+    const HeapLimit* const limit = heap != nullptr ? limitOf(heap) : nullptr;
+    return limit != nullptr && limit->reached;
+}
+
+std::size_t rtMemHeapTaken(void* heapRef) noexcept {
+    const ASN1MemHeap* const heap = heapAt(heapRef);
+    std::size_t octets = 0;
+    for (const ASN1MemBlock* block = heap != nullptr ? heap->blockList : nullptr; block != nullptr;
+         block = block->next) {
+        octets += sizeof(ASN1MemBlock) + block->size;
+    }
+    return octets;
 }
 
 int rtMemHeapCheckPtr(void* /*heapRef*/, void* /*ptr*/) noexcept {

@@ -128,7 +128,7 @@ ASN1MemBlock* HeapPool::take(std::size_t octets) noexcept {
     if (octets > LargestCut) {
         return takeLarge(octets);
     }
-    if (ASN1MemBlock* const block = cut(octets)) {
+    if (ASN1MemBlock* const block = cutSmall(octets)) {
         return block;
     }
     if (const unsigned sizeClass = classOf(roomFor(octets)); isFree(sizeClass)) {
@@ -139,7 +139,7 @@ ASN1MemBlock* HeapPool::take(std::size_t octets) noexcept {
         return block;
     }
     // A block may still fit where a chunk does not.
-    return cutFromNew() ? cut(octets) : takeLarge(octets);
+    return cutFromNew() ? cutSmall(octets) : takeLarge(octets);
 }
 
 /// A block that is a chunk of its own.

@@ -34,6 +34,25 @@
 
 namespace runtime_detail {
 
+/// What the blocks of a heap take and may take. It lies in a block of that heap, which nobody gives
+/// back but the heap's end: as a heap's record says nothing of a limit either, the newest block
+/// tells of it, and with this one there is always a block.
+struct HeapLimit {
+    std::size_t limit;
+    std::size_t taken;
+    bool reached;
+
+    bool take(std::size_t octets) noexcept {
+        if (octets > limit || taken > limit - octets) {
+            reached = true;
+            return false;
+        }
+        taken += octets;
+        return true;
+    }
+    void giveBack(std::size_t octets) noexcept { taken -= octets; }
+};
+
 class HeapPool {
 public:
     enum : std::size_t {
@@ -64,15 +83,33 @@ public:
 #endif
     }
 
+    /// Whether a block was cut, and not made by a call of the hook.
+    static bool hasCut(const ASN1MemBlock* block) noexcept {
+        return chunkOf(block) != nullptr;
+    }
+
     /// The pool that a block comes from; null when a call of the hook made it.
     static HeapPool* of(const ASN1MemBlock* block) noexcept {
-        const Chunk* const chunk = chunkOf(block);
-        return chunk != nullptr ? chunk->pool : nullptr;
+        return hasCut(block) ? chunkOf(block)->pool : nullptr;
     }
 
     /// To be noted of a block that comes from a call of the hook.
-    static void setMadeByCall(ASN1MemBlock* block) noexcept {
+    /// @param limit of its heap, or null
+    static void setMadeByCall(ASN1MemBlock* block, HeapLimit* limit) noexcept {
         block->reserved[0] = nullptr;
+        block->reserved[1] = limit;
+    }
+
+    /// What counts a block; null without a limit.
+    static HeapLimit* limitOf(const ASN1MemBlock* block) noexcept {
+        const Chunk* const chunk = chunkOf(block);
+        return chunk != nullptr ? chunk->pool->limit_ : static_cast<HeapLimit*>(block->reserved[1]);
+    }
+
+    /// From now on no block is cut but by `take`, whose caller counts it.
+    void setLimit(HeapLimit* limit) noexcept {
+        limit_ = limit;
+        largestQuickCut_ = 0;
     }
 
     /// The first block of a new pool.
@@ -87,24 +124,16 @@ public:
     /// The same from the chunk that is being cut, when no free block would do.
     /// @param octets at most 2 to the power of 32
     ASN1MemBlock* cut(std::size_t octets) noexcept {
-        const std::size_t room = roomFor(octets);
-        if (octets > LargestCut || isFree(classOf(room)) || room > left()) {
-            return nullptr;
-        }
-        void* const start = at_;
-        at_ += room;
-        show(start, octets);
-        auto* const block = static_cast<ASN1MemBlock*>(start);
-        block->reserved[0] = current_;
-        block->reserved[1] = at_;
-        ++current_->live;
-        return block;
+        return octets <= largestQuickCut_ ? cutSmall(octets) : nullptr;
     }
 
     /// Takes back a block that is on the heap's list no more. The pool may end with it.
     static void giveBack(ASN1MemBlock* block) noexcept {
         Chunk* const chunk = chunkOf(block);
         HeapPool* const pool = chunk->pool;
+        if (pool->limit_ != nullptr) {
+            pool->limit_->giveBack(sizeof(ASN1MemBlock) + block->size);
+        }
         if (block->reserved[1] == pool->at_) {
             hide(block, 0, pool->at_);
             pool->at_ = octetsOf(block);
@@ -158,6 +187,22 @@ private:
     static constexpr unsigned classes = 24 + LargestCut / 64 + 1;
     static_assert(classes <= 64, "a bit each");
 
+    /// A block of at most LargestCut octets from the chunk that is being cut.
+    ASN1MemBlock* cutSmall(std::size_t octets) noexcept {
+        const std::size_t room = roomFor(octets);
+        if (isFree(classOf(room)) || room > left()) {
+            return nullptr;
+        }
+        void* const start = at_;
+        at_ += room;
+        show(start, octets);
+        auto* const block = static_cast<ASN1MemBlock*>(start);
+        block->reserved[0] = current_;
+        block->reserved[1] = at_;
+        ++current_->live;
+        return block;
+    }
+
     bool isFree(unsigned sizeClass) const noexcept {
         return (classesFree_ >> sizeClass & 1) != 0;
     }
@@ -205,7 +250,9 @@ private:
     unsigned char* at_ = nullptr; ///< where the next block is cut
     unsigned char* end_ = nullptr;
     Chunk* current_ = nullptr; ///< that is being cut
+    std::size_t largestQuickCut_ = LargestCut;
     std::uint64_t classesFree_ = 0;
+    HeapLimit* limit_ = nullptr;
     Chunk* newest_ = nullptr;
     Chunk* first_ = nullptr; ///< that the pool lies in
     std::size_t chunks_ = 0;

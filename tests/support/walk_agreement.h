@@ -2,7 +2,7 @@
 #define TESTS_SUPPORT_WALK_AGREEMENT_H
 
 #include <brevantis/asn1/asn1data/family.h>
-#include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/asn1data/reading_policy.h>
 #include <gtest/gtest.h>
 
 #include "support/coding.h"
@@ -40,11 +40,15 @@ private:
 };
 
 /// Decodes and walks a message, which stands in a block of exactly its size.
+/// @param policy in force in both
 /// @return the status that both give
-inline int expectWalkAgrees(const asn1data::TypeDescription& type, const Octets& message) {
+inline int expectWalkAgrees(const asn1data::TypeDescription& type, const Octets& message,
+                            const asn1data::ReadingPolicy& policy = {}) {
     using namespace asn1data;
     const auto decode = [&](Reader& reader, int flags) {
-        rtCtxtSetFlag(reader, flags);
+        rtCtxtSetFlag(reader, flags | policy.flags);
+        rtCtxtSetElementLimit(reader, policy.elementLimit);
+        rtCtxtSetDepthLimit(reader, policy.depthLimit);
         unsigned char* const octets = reader->buffer.data;
         if (!message.empty()) {
             xd_setp(reader, octets, static_cast<int>(message.size()), nullptr, nullptr);
@@ -56,7 +60,7 @@ inline int expectWalkAgrees(const asn1data::TypeDescription& type, const Octets&
     const Reader walked(message);
     const unsigned char* const octets = const_cast<Reader&>(walked)->buffer.data;
     CountingVisitor visitor;
-    const WalkResult result = walk(type, octets, message.size(), visitor);
+    const WalkResult result = walk(type, octets, message.size(), visitor, policy);
     EXPECT_EQ(result.status, status) << failureText(result.failure);
     EXPECT_EQ(result.failure.status, status);
     if (status == 0) {

@@ -19,6 +19,7 @@
 #include <brevantis/asn1/asn1data/ocsp.h>
 #include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/asn1data/pkcs.h>
+#include <brevantis/asn1/asn1data/reading_policy.h>
 #include <brevantis/asn1/asn1data/revocation_list.h>
 #include <brevantis/asn1/asn1data/tsp_dvcs.h>
 #include <brevantis/asn1/asn1data/walk.h>

@@ -110,6 +110,8 @@ struct WalkInterest {
     bool values = true;     ///< `primitive` is called
 };
 
+struct WalkFailure;
+
 /// Is told what a walk comes across, in the order of the message. One exception: the octets of an
 /// open value are reported when the record around them has been read whole, for only then does the
 /// decoder resolve them (a SafeBag's bagAttributes come before its bagValue).
@@ -133,6 +135,10 @@ public:
     /// Is asked once, before the walk. An element that nobody looks at is not reported, which saves
     /// the time for it; one that is not entered with a call is gone through, as after Continue.
     virtual WalkInterest interest() const;
+
+    /// An open value that ASN1F_TOLERATE_OPEN_VALUES leaves raw, which is reported next.
+    /// @param failure why; lives until the visitor returns
+    virtual WalkAction tolerated(const WalkFailure& failure);
 };
 
 /// Size of a whole element in octets, header, EXPLICIT tags and end-of-contents included.
@@ -164,7 +170,10 @@ enum class Expectation : unsigned char {
     InRange,       ///< a value or size within `constraint`
     LessNesting,   ///< fewer open types and recursive types inside each other (64)
     Memory,        ///< memory to put a segmented string together; a message below 2 GB
-    Octets         ///< the octets of the open value `type`
+    Octets,        ///< the octets of the open value `type`
+    Der,           ///< the one form of the Distinguished Encoding Rules: ASN1F_DER
+    Exact,         ///< what a record holds as it came: ASN1F_EXACT
+    FewerElements  ///< no more elements than the limit
 };
 
 /// What a failed walk found in its place.
@@ -175,7 +184,8 @@ enum class Finding : unsigned char {
     Identifier,   ///< the identifier octet WalkFailure::foundNumber
     Length,       ///< contents of `foundNumber` octets (ASN1IndefiniteLength: of indefinite length)
     Number,       ///< the value or size `foundNumber`
-    BadText       ///< text that is no UTF-8
+    BadText,      ///< text that is no UTF-8
+    Deviation     ///< what WalkFailure::deviation says
 };
 
 /// Why a walk failed. It holds everything itself and may be kept.
@@ -196,6 +206,8 @@ struct WalkFailure {
     unsigned firstExpected;           ///< OneOf: index in `container->elements`
     unsigned expectedCount;           ///< OneOf
     Constraint constraint;            ///< InRange
+    const char* deviation;            ///< Der and Exact: what was found, in English; else null
+    const char* clause;               ///< Der: of X.690, as "10.1"; else null
     char path[PathSize];              ///< terminated text, as writePath gives it
 };
 

@@ -13,12 +13,17 @@
 
 /// Flag bits of `ASN1CTXT::flags`.
 enum ASN1ContextFlag : unsigned short {
-    ASN1F_LENGTH_UNCHECKED = 0x0040, ///< lengths are not compared with the buffer
-    ASN1F_KEEP_BUFFER = 0x0100,      ///< a dynamic buffer outlives rtFreeContext on the heap
-    ASN1F_CONSTRUCTED = 0x0400,      ///< the tag read last was constructed
-    ASN1F_NO_COPY = 0x0800,          ///< decoded octets, bits and open types point into the message
-    ASN1F_LAST_EOC = 0x1000,         ///< with 0x4000: no header can be read any more
-    ASN1F_INDEF_MESSAGE = 0x4000     ///< the first element has an indefinite length
+    // How messages are read, off unless set; see <brevantis/asn1/asn1data/reading_policy.h>.
+    ASN1F_TOLERATE_OPEN_VALUES = 0x0001, ///< an open value that does not decode stays raw
+    ASN1F_TOLERATE_SIZES = 0x0002,       ///< SIZE and value ranges are not enforced
+    ASN1F_EXACT = 0x0004,                ///< what records cannot hold unchanged is refused
+    ASN1F_DER = 0x0008,                  ///< what is not DER is refused
+    ASN1F_LENGTH_UNCHECKED = 0x0040,     ///< lengths are not compared with the buffer
+    ASN1F_KEEP_BUFFER = 0x0100,          ///< a dynamic buffer outlives rtFreeContext on the heap
+    ASN1F_CONSTRUCTED = 0x0400,          ///< the tag read last was constructed
+    ASN1F_NO_COPY = 0x0800,      ///< decoded octets, bits and open types point into the message
+    ASN1F_LAST_EOC = 0x1000,     ///< with 0x4000: no header can be read any more
+    ASN1F_INDEF_MESSAGE = 0x4000 ///< the first element has an indefinite length
 };
 
 /// Descriptor of the message buffer.
@@ -52,11 +57,13 @@ struct ASN1CTXT {
     ASN1Stream* stream; ///< null unless a stream is attached
     ASN1SavedState savedInfo;
     ASN1ErrInfo errInfo;
+    unsigned int elementLimit; ///< rtCtxtSetElementLimit; 0 without a limit
     Asn1RTSList headList;
     Asn1RTSList tailList;
     unsigned int initCode; ///< 0x1AA2A34A while the context is set up
     unsigned short flags;  ///< ASN1ContextFlag bits
-    /// Open types and recursive types that are being worked on inside each other.
+    /// Open types and recursive types that are being worked on inside each other, on top of the
+    /// levels of 64 that rtCtxtSetDepthLimit has taken away.
     unsigned short nestingDepth;
     void* userData; ///< handed to the heap's allocator calls
 };
@@ -85,6 +92,19 @@ BREVANTIS_ASN1_API void rtCopyContext(ASN1CTXT* target, ASN1CTXT* source) noexce
 
 /// Sets the flags in the low 16 bits of @p mask.
 BREVANTIS_ASN1_API void rtCtxtSetFlag(ASN1CTXT* ctxt, int mask) noexcept;
+
+/// Limits how many elements a message may have that a decoder of the catalogue reads, open values
+/// included: each counts that has octets of its own, an open value once more when it is read typed.
+/// A message that goes on behind them is refused with ASN1S_NO_MEMORY. What was decoded of it can
+/// be released.
+/// @param elements 0 for no limit, as from the start
+BREVANTIS_ASN1_API void rtCtxtSetElementLimit(ASN1CTXT* ctxt, unsigned int elements) noexcept;
+
+/// Limits how deep open types and recursive types may lie inside each other, for everything that is
+/// done on the context. Deeper ones are refused with ASN1S_NO_MEMORY.
+/// @param depth at most 64, as from the start
+/// @return 0; ASN1S_INVALID_PARAMETER for more than 64
+BREVANTIS_ASN1_API int rtCtxtSetDepthLimit(ASN1CTXT* ctxt, unsigned int depth) noexcept;
 
 /// Makes @p target allocate from the heap of @p source. Nothing happens when either is null or they
 /// share the heap already. What @p target has on its old heap stays there, and stays valid while

@@ -24,7 +24,7 @@ struct ASN1MemBlock {
     ASN1MemBlock* next; ///< the next older block
     ASN1MemBlock* prev; ///< the next newer block, null for the newest
     ASN1MemHeap* heap;  ///< the heap that the block is on
-    void* reserved[2];  ///< where the block goes back to
+    void* reserved[2];  ///< where the block goes back to, and what counts it
     unsigned long size; ///< octets of the user area, as last requested
 };
 
@@ -86,6 +86,22 @@ BREVANTIS_ASN1_API void rtMemHeapAddRef(void* heapRef) noexcept;
 /// Drops a reference. With the last one every block and the heap itself go back to the allocator
 /// and the caller's pointer becomes null.
 BREVANTIS_ASN1_API void rtMemHeapRelease(void* heapRef) noexcept;
+
+/// Limits the octets that blocks of a heap may take at a time, their headers of 48 octets included.
+/// A block that would take more is refused as if memory were out, so that coders end with
+/// ASN1S_NO_MEMORY; what is there stays valid and can be given back. Blocks that are there already
+/// count. All contexts on the heap share the limit, which goes with the heap.
+/// @param heapRef a heap is created when the pointer behind it is null
+/// @param octets 0 for no limit, as from the start
+/// @return 0; ASN1S_INVALID_PARAMETER when @p heapRef is null; ASN1S_NO_MEMORY when there is no
+///         memory to note the limit
+BREVANTIS_ASN1_API int rtMemHeapSetLimit(void* heapRef, std::size_t octets) noexcept;
+
+/// Whether a block was refused for the limit since that was set.
+BREVANTIS_ASN1_API bool rtMemHeapLimitReached(void* heapRef) noexcept;
+
+/// Octets that the blocks of a heap take, their headers of 48 octets included. Goes through them.
+BREVANTIS_ASN1_API std::size_t rtMemHeapTaken(void* heapRef) noexcept;
 
 /// Stands where a check of a block would; nothing is looked at.
 /// @return 1
