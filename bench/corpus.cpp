@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "generated_messages.h"
-#include "text/message/pem.h"
+#include <brevantis/asn1/text/pem.h>
 
 namespace bench {
 
@@ -73,7 +73,7 @@ void addRoots(std::vector<Sample>& samples) {
         return;
     }
     Sample roots{{}, Kind::Certificate, {}};
-    for (pem::Block& block : pem::read(text)) {
+    for (asn1text::pem::Block& block : asn1text::pem::read(text)) {
         if (block.problem == nullptr) {
             roots.messages.push_back(std::move(block.octets));
         } else {

@@ -1,4 +1,4 @@
-# What `cmake --install` puts where: the library, its headers, the schema compiler with the CMake
+# What `cmake --install` puts where: the libraries, their headers, the schema compiler with the CMake
 # function that runs it, the library's own schema for modules that import from it, and what CMake
 # and pkg-config need to find it all.
 include(CMakePackageConfigHelpers)
@@ -7,11 +7,22 @@ set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/brevantis_asn1)
 
 set_target_properties(brevantis_asn1 PROPERTIES EXPORT_NAME asn1)
 set_target_properties(brevantis_asn1gen PROPERTIES EXPORT_NAME asn1gen)
-install(TARGETS brevantis_asn1 brevantis_asn1gen EXPORT brevantis_asn1_targets)
+set(libraries brevantis_asn1)
+if(TARGET brevantis_asn1_text)
+    list(APPEND libraries brevantis_asn1_text)
+    # It finds the library that it stands on beside itself.
+    set_target_properties(brevantis_asn1_text PROPERTIES
+        EXPORT_NAME asn1_text INSTALL_RPATH "$ORIGIN")
+endif()
+install(TARGETS ${libraries} brevantis_asn1gen EXPORT brevantis_asn1_targets)
 install(EXPORT brevantis_asn1_targets
     NAMESPACE Brevantis:: DESTINATION ${package_directory})
 
-get_target_property(include_directories brevantis_asn1 INCLUDE_DIRECTORIES)
+set(include_directories)
+foreach(library IN LISTS libraries)
+    get_target_property(directories ${library} INCLUDE_DIRECTORIES)
+    list(APPEND include_directories ${directories})
+endforeach()
 foreach(entry IN LISTS include_directories)
     # Directories that only the build uses hold no <brevantis/...>.
     string(REGEX REPLACE "^\\$<BUILD_INTERFACE:(.*)>$" "\\1" directory "${entry}")
@@ -40,7 +51,13 @@ install(FILES
 
 # Relative to the file itself, so that the tree can be moved.
 file(RELATIVE_PATH prefix_from_file "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
-configure_file(${PROJECT_SOURCE_DIR}/packaging/brevantis-asn1.pc.in
-    ${PROJECT_BINARY_DIR}/packaging/brevantis-asn1.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/packaging/brevantis-asn1.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(pc_files brevantis-asn1.pc)
+if(TARGET brevantis_asn1_text)
+    list(APPEND pc_files brevantis-asn1-text.pc)
+endif()
+foreach(pc_file IN LISTS pc_files)
+    configure_file(${PROJECT_SOURCE_DIR}/packaging/${pc_file}.in
+        ${PROJECT_BINARY_DIR}/packaging/${pc_file} @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/packaging/${pc_file}
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -13,7 +13,7 @@
 #include <brevantis/asn1/values.h>
 
 #include "name_text.h"
-#include "text/message/pem.h"
+#include <brevantis/asn1/text/pem.h>
 
 using namespace Brevantis;
 using namespace Brevantis::ASN1;
@@ -61,11 +61,11 @@ void printNames(const std::vector<unsigned char>& der) {
 void printFile(const char* path) {
     std::ifstream stream(path, std::ios::binary);
     const std::string file{std::istreambuf_iterator<char>(stream), {}};
-    if (!pem::isPem(file)) {
+    if (!asn1text::pem::isPem(file)) {
         printNames({file.begin(), file.end()});
         return;
     }
-    for (const pem::Block& block : pem::read(file)) {
+    for (const asn1text::pem::Block& block : asn1text::pem::read(file)) {
         if (block.problem != nullptr) {
             throw std::runtime_error("line " + std::to_string(block.line) + ": " + block.problem);
         }

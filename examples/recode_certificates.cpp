@@ -15,7 +15,7 @@
 #include <brevantis/asn1/runtime.h>
 
 #include "name_text.h"
-#include "text/message/pem.h"
+#include <brevantis/asn1/text/pem.h>
 
 namespace {
 
@@ -160,7 +160,7 @@ void recodeDer(const std::string& path, const Octets& file, Run& run) {
 }
 
 void recodePem(const std::string& path, std::string_view file, Run& run) {
-    for (const pem::Block& block : pem::read(file)) {
+    for (const asn1text::pem::Block& block : asn1text::pem::read(file)) {
         const std::string place = path + ", line " + std::to_string(block.line);
         const std::size_t count = block.octets.size();
         if (block.problem != nullptr) {
@@ -206,7 +206,7 @@ int recodeFiles(const std::vector<std::string>& paths) {
         std::string file;
         if (!readFile(path, file)) {
             run.unreadable = true;
-        } else if (pem::isPem(file)) {
+        } else if (asn1text::pem::isPem(file)) {
             recodePem(path, file, run);
         } else {
             recodeDer(path, Octets(file.begin(), file.end()), run);

@@ -3,11 +3,11 @@
 #include <memory>
 
 #include <brevantis/asn1/runtime.h>
+#include <brevantis/asn1/text/pem.h>
 #include <brevantis/asn1/values.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 #include <brevantis/support.h>
-#include <text/message/pem.h>
 
 #include "entry.h"
 #include "support/coding.h"
@@ -269,14 +269,14 @@ void readLanguage(const std::string& text) {
 }
 
 void readPem(const std::string& text) {
-    pem::isPem(text);
-    for (const pem::Block& block : pem::read(text)) {
+    asn1text::pem::isPem(text);
+    for (const asn1text::pem::Block& block : asn1text::pem::read(text)) {
         if (block.problem != nullptr && !block.octets.empty()) {
             fuzz::report("octets of a damaged block");
         }
     }
     std::vector<unsigned char> octets;
-    pem::decodeBase64(text, octets);
+    asn1text::pem::decodeBase64(text, octets);
 }
 
 constexpr void (*const readers[])(const std::string&) = {

@@ -26,6 +26,7 @@ quietly "$cmake" -S "$consumer" -B "$work/build" -G Ninja -DCMAKE_CXX_COMPILER="
     -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_PREFIX_PATH="$prefix"
 quietly "$cmake" --build "$work/build"
 [[ $("$work/build/consumer") == identical ]]
+[[ $("$work/build/json") == '{"rdnSequence":[]}' ]]
 [[ $("$work/build/value_classes") == C=RU,O=x ]]
 [[ $("$work/build/own_module") == 300702011980026D6D ]]
 echo "CMake package: works"
@@ -39,6 +40,10 @@ if command -v pkg-config >/dev/null; then
     "$compiler" -std=c++17 "${given[@]}" "$consumer/consumer.cpp" "${needed[@]}" -o "$work/consumer"
     library_directory=$(pkg-config --variable=libdir brevantis-asn1)
     [[ $(LD_LIBRARY_PATH=$library_directory "$work/consumer") == identical ]]
+    read -r -a needed <<<"$(pkg-config --cflags --libs brevantis-asn1-text)"
+    "$compiler" -std=c++17 "${given[@]}" "$consumer/json.cpp" "${needed[@]}" \
+        -Wl,-rpath-link,"$library_directory" -o "$work/json"
+    [[ $(LD_LIBRARY_PATH=$library_directory "$work/json") == '{"rdnSequence":[]}' ]]
     echo "pkg-config: works"
 else
     echo "pkg-config: not tried, the command is missing"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "support/hex.h"
-#include "text/message/pem.h"
+#include <brevantis/asn1/text/pem.h>
 
 namespace tests {
 
@@ -18,7 +18,7 @@ inline const std::vector<Octets>& caBundle() {
         std::ifstream file("/etc/ssl/certs/ca-certificates.crt", std::ios::binary);
         const std::string text{std::istreambuf_iterator<char>(file), {}};
         std::vector<Octets> octets;
-        for (pem::Block& block : pem::read(text)) {
+        for (asn1text::pem::Block& block : asn1text::pem::read(text)) {
             octets.push_back(std::move(block.octets));
         }
         return octets;

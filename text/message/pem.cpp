@@ -1,8 +1,8 @@
-#include "text/message/pem.h"
+#include <brevantis/asn1/text/pem.h>
 
 #include <utility>
 
-namespace pem {
+namespace asn1text::pem {
 namespace {
 
 constexpr std::string_view BeginMark = "-----BEGIN ";
@@ -205,4 +205,4 @@ std::vector<Block> read(std::string_view file) {
     return collector.finish();
 }
 
-} // namespace pem
+} // namespace asn1text::pem

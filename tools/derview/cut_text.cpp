@@ -1,6 +1,6 @@
 #include "cut_text.h"
 
-#include "value_octets.h"
+#include <brevantis/asn1/text/value.h>
 
 namespace derview {
 

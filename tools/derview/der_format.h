@@ -3,7 +3,8 @@
 
 #include <vector>
 
-#include "contents_end.h"
+#include <brevantis/asn1/text/contents_end.h>
+
 #include "format.h"
 #include "recode.h"
 

@@ -6,12 +6,12 @@
 #include <vector>
 
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/text/contents_end.h>
+#include <brevantis/asn1/text/labels.h>
+#include <brevantis/asn1/text/value.h>
 
-#include "contents_end.h"
 #include "failure_text.h"
-#include "labels.h"
 #include "path_filter.h"
-#include "value_octets.h"
 #include "value_text.h"
 
 namespace derview {

@@ -5,17 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include <brevantis/asn1/text/characters.h>
+
 #include "octets.h"
 
 namespace derview {
-
-/// How the octets of a character string stand for characters.
-enum class CharacterCoding : unsigned char {
-    Utf8,
-    Latin1, ///< one octet a character; what is written into TeletexStrings above 7F, too
-    Utf16,  ///< two octets, the high one first (BMPString; surrogate pairs are joined)
-    Utf32   ///< four octets, the high one first (UniversalString)
-};
 
 /// A text that a terminal may be shown: valid UTF-8 in which everything that is not plainly visible
 /// (controls, escape sequences, marks that turn the direction of writing, invisible characters,
@@ -45,9 +39,6 @@ ShownUnit firstUnit(std::string_view text);
 
 /// Columns that an escaped text takes on a terminal.
 std::size_t columnsOf(std::string_view text);
-
-/// The characters as UTF-8, nothing escaped; what is no character becomes U+FFFD.
-std::string toUtf8(Octets octets, CharacterCoding coding);
 
 } // namespace derview
 

@@ -5,10 +5,11 @@
 #include <span>
 #include <string>
 
+#include <brevantis/asn1/text/recognition.h>
+
 #include "arguments.h"
 #include "diagnostics.h"
 #include "message.h"
-#include "type_recognition.h"
 
 namespace derview {
 

@@ -5,10 +5,9 @@
 
 #include <brevantis/asn1/runtime/object_identifier.h>
 
-namespace derview {
+#include "octets.h"
 
-/// "1.2.840.113549"
-std::string dottedText(const ASN1OBJID& identifier);
+namespace derview {
 
 /// With its name if it has one: "id_at_commonName (2.5.4.3)".
 std::string identifierText(const ASN1OBJID& identifier);

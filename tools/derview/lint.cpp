@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include <brevantis/asn1/text/value.h>
+
 #include "header.h"
-#include "value_kind.h"
-#include "value_octets.h"
 
 namespace derview {
 

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/text/contents_end.h>
 
-#include "contents_end.h"
 #include "member_order.h"
 #include "octets.h"
 

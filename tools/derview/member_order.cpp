@@ -4,8 +4,9 @@
 #include <cstring>
 #include <limits>
 
+#include <brevantis/asn1/text/value.h>
+
 #include "header.h"
-#include "value_kind.h"
 #include "value_text.h"
 
 namespace derview {

@@ -1,15 +1,12 @@
 #ifndef DERVIEW_OCTETS_H
 #define DERVIEW_OCTETS_H
 
-#include <span>
-#include <vector>
+#include <brevantis/asn1/text/octets.h>
 
 namespace derview {
 
-/// Octets of a message, which outlive the view.
-using Octets = std::span<const unsigned char>;
-/// Octets that stand for themselves.
-using OctetStore = std::vector<unsigned char>;
+/// The viewer stands on the layer of messages as text, and speaks its words.
+using namespace asn1text;
 
 } // namespace derview
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include <brevantis/asn1/text/json_stream.h>
+
 #include "octets.h"
 
 namespace derview {
@@ -12,14 +14,14 @@ namespace derview {
 enum class Style : unsigned char { Plain, Heading, Name, Quiet, Number, Text, Hex, Good, Bad };
 
 /// Standard output, collected into large pieces.
-class Output {
+class Output : public Sink {
 public:
     explicit Output(bool colored) : colored_(colored) {}
-    ~Output() { flush(); }
+    ~Output() override { flush(); }
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    void write(std::string_view text);
+    void write(std::string_view text) override;
     void write(Style style, std::string_view text);
     /// Writes blanks.
     void fill(std::size_t columns);

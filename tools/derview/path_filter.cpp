@@ -70,23 +70,4 @@ WalkAction EndFilter::primitive(const WalkElement& element) {
     return isWhole(element, end_) ? visitor_.primitive(element) : WalkAction::Stop;
 }
 
-bool PathAtOffset::isOutside(const WalkElement& element) const {
-    return element.assembled || element.offset > offset_ || endsBefore(element, offset_);
-}
-
-WalkAction PathAtOffset::enter(const WalkElement& element) {
-    if (isOutside(element)) {
-        return WalkAction::Skip;
-    }
-    path = asn1data::pathText(*element.step);
-    return WalkAction::Continue;
-}
-
-WalkAction PathAtOffset::primitive(const WalkElement& element) {
-    if (!isOutside(element)) {
-        path = asn1data::pathText(*element.step);
-    }
-    return WalkAction::Continue;
-}
-
 } // namespace derview

@@ -1,9 +1,10 @@
 #ifndef DERVIEW_PATH_FILTER_H
 #define DERVIEW_PATH_FILTER_H
 
-#include <string>
-
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/text/path_at.h>
+
+#include "octets.h"
 
 namespace derview {
 
@@ -42,22 +43,6 @@ public:
 private:
     std::size_t end_;
     asn1data::WalkVisitor& visitor_;
-};
-
-/// Finds the path of the innermost element that the octet at an offset belongs to.
-class PathAtOffset : public asn1data::WalkVisitor {
-public:
-    explicit PathAtOffset(std::size_t offset) : offset_(offset) {}
-
-    asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
-    asn1data::WalkAction primitive(const asn1data::WalkElement& element) override;
-
-    std::string path;
-
-private:
-    bool isOutside(const asn1data::WalkElement& element) const;
-
-    std::size_t offset_;
 };
 
 } // namespace derview

@@ -4,8 +4,9 @@
 #include <optional>
 #include <string>
 
+#include <brevantis/asn1/text/value.h>
+
 #include "cut_text.h"
-#include "value_kind.h"
 
 namespace derview {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include <brevantis/asn1/runtime/header.h>
+#include <brevantis/asn1/text/value.h>
 
 #include "header.h"
-#include "value_kind.h"
 
 namespace derview {
 

@@ -72,7 +72,10 @@ void Session::tellProblem(const std::string& place, const std::string& problem) 
 Recognition Session::recogniseOrTell(const Message& message) {
     std::string problem = message.problem;
     if (problem.empty()) {
-        Recognition recognition = recognise(message, arguments_.type);
+        Recognition recognition =
+            arguments_.type != nullptr
+                ? Recognition{arguments_.type, "as told"}
+                : recognise(message.shown, message.label, message.missing() != 0);
         if (recognition.type != nullptr) {
             return recognition;
         }

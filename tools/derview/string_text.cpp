@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include <brevantis/asn1/text/value.h>
+
 #include "escape.h"
-#include "value_kind.h"
-#include "value_octets.h"
 
 namespace derview {
 
@@ -21,30 +21,17 @@ ValueText hexValue(const std::string& prefix, const WalkElement& element, std::s
 
 } // namespace
 
-std::vector<std::string> bitNames(const asn1data::TypeDescription& type, Octets octets,
-                                  std::size_t bitCount, std::size_t limit) {
-    std::vector<std::string> names;
-    const std::size_t count = std::min(bitCount, octets.size() * 8);
-    for (std::size_t bit = 0; bit < count && names.size() < limit; ++bit) {
-        if ((octets[bit / 8] & (0x80u >> bit % 8)) != 0) {
-            const char* const name = asn1data::numberName(type, static_cast<long long>(bit));
-            names.push_back(name != nullptr ? name : "bit " + std::to_string(bit));
-        }
-    }
-    return names;
-}
-
 ValueText characterText(const WalkElement& element, std::size_t room) {
     OctetStore store;
     const std::size_t total = element.value.octetCount;
     std::size_t columns = room > SmallestRoom + 2 ? room - 2 : SmallestRoom;
     // Four octets a character at most, none of them less than a column but for combining marks.
     const std::size_t limit = columns > total ? total : columns * 8;
-    EscapedText text = escape(valueOctets(element, limit, store), codingOf(element), columns);
+    EscapedText text = escape(valueOctets(element, limit, store), codingOf(*element.type), columns);
     if (text.rest != 0 || limit < total) {
         const std::size_t note = restText(total).size();
         columns = columns > note + SmallestRoom ? columns - note : SmallestRoom;
-        text = escape(valueOctets(element, limit, store), codingOf(element), columns);
+        text = escape(valueOctets(element, limit, store), codingOf(*element.type), columns);
         text.rest += total - std::min(limit, total);
     }
     return {"\"" + text.text + "\"", text.rest};

@@ -1,19 +1,11 @@
 #ifndef DERVIEW_STRING_TEXT_H
 #define DERVIEW_STRING_TEXT_H
 
-#include <string>
-#include <vector>
-
 #include <brevantis/asn1/asn1data/walk.h>
 
 #include "cut_text.h"
 
 namespace derview {
-
-/// Names of the bits that are set; a bit without a name is "bit N".
-/// @param limit bits at most
-std::vector<std::string> bitNames(const asn1data::TypeDescription& type, Octets octets,
-                                  std::size_t bitCount, std::size_t limit);
 
 /// A Text, escaped and in quotes.
 ValueText characterText(const asn1data::WalkElement& element, std::size_t room);

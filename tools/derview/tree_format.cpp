@@ -4,9 +4,11 @@
 #include <cstdio>
 #include <limits>
 
+#include <brevantis/asn1/text/value.h>
+
+#include "escape.h"
 #include "failure_text.h"
 #include "raw_value.h"
-#include "value_octets.h"
 #include "value_text.h"
 
 namespace derview {

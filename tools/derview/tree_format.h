@@ -3,11 +3,12 @@
 
 #include <string>
 
-#include "contents_end.h"
+#include <brevantis/asn1/text/contents_end.h>
+#include <brevantis/asn1/text/labels.h>
+#include <brevantis/asn1/text/value.h>
+
 #include "cut_text.h"
 #include "format.h"
-#include "labels.h"
-#include "value_kind.h"
 
 namespace derview {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "identifier_text.h"
+#include <brevantis/asn1/text/names.h>
 
 namespace derview {
 

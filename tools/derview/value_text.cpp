@@ -1,10 +1,11 @@
 #include "value_text.h"
 
+#include <brevantis/asn1/text/value.h>
+
 #include "identifier_text.h"
 #include "number_text.h"
 #include "string_text.h"
 #include "time_text.h"
-#include "value_kind.h"
 
 namespace derview {
 

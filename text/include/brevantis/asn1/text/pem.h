@@ -1,12 +1,14 @@
-#ifndef TEXT_MESSAGE_PEM_H
-#define TEXT_MESSAGE_PEM_H
+#ifndef BREVANTIS_ASN1_TEXT_PEM_H
+#define BREVANTIS_ASN1_TEXT_PEM_H
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace pem {
+#include <brevantis/asn1/text/export.h>
+
+namespace asn1text::pem {
 
 /// A block of a PEM file (RFC 7468): octets between a BEGIN and an END line.
 struct Block {
@@ -18,17 +20,18 @@ struct Block {
 
 /// Whether a file is text with PEM blocks rather than octets. A block that lost its beginning or
 /// its end counts too.
-bool isPem(std::string_view file);
+BREVANTIS_ASN1_TEXT_API bool isPem(std::string_view file);
 
 /// Reads the blocks of a file. Text around them is passed over, as RFC 7468, section 2 wants it. A
 /// damaged block comes with its problem, and reading goes on behind it.
-std::vector<Block> read(std::string_view file);
+BREVANTIS_ASN1_TEXT_API std::vector<Block> read(std::string_view file);
 
 /// Decodes base64 (RFC 4648, section 4); blanks and line ends may stand anywhere.
 /// @param octets receives what was decoded, also in front of a problem
 /// @return null, or what is wrong with the text
-const char* decodeBase64(std::string_view text, std::vector<unsigned char>& octets);
+BREVANTIS_ASN1_TEXT_API const char* decodeBase64(std::string_view text,
+                                                 std::vector<unsigned char>& octets);
 
-} // namespace pem
+} // namespace asn1text::pem
 
 #endif

@@ -1,11 +1,11 @@
-#include "type_recognition.h"
+#include <brevantis/asn1/text/recognition.h>
 
 #include <algorithm>
 #include <string_view>
 
 #include <brevantis/asn1/asn1data/walk.h>
 
-namespace derview {
+namespace asn1text {
 
 using asn1data::TypeDescription;
 using asn1data::WalkAction;
@@ -106,17 +106,16 @@ struct Agreement {
     }
 };
 
-Agreement compare(const Message& message, const TypeDescription& type) {
+Agreement compare(Octets message, const TypeDescription& type) {
     Trial trial;
-    const asn1data::WalkResult result =
-        asn1data::walk(type, message.shown.data(), message.shown.size(), trial);
-    return {result.status == 0 && (result.stopped || result.consumed == message.shown.size()),
+    const asn1data::WalkResult result = asn1data::walk(type, message.data(), message.size(), trial);
+    return {result.status == 0 && (result.stopped || result.consumed == message.size()),
             trial.elements, result.status == 0 ? result.consumed : result.failure.offset};
 }
 
 /// Whether a message begins as a ContentInfo does, with the identifier of a known content: the
 /// surest sign that it is one, however damaged the content may be.
-bool isKnownContent(const Message& message) {
+bool isKnownContent(Octets message) {
     class FirstIdentifier : public asn1data::WalkVisitor {
     public:
         explicit FirstIdentifier(const TypeDescription& type) : type_(type) {}
@@ -140,7 +139,7 @@ bool isKnownContent(const Message& message) {
     };
     const TypeDescription* const type = asn1data::findType("ContentInfo");
     FirstIdentifier visitor(*type);
-    asn1data::walk(*type, message.shown.data(), message.shown.size(), visitor);
+    asn1data::walk(*type, message.data(), message.size(), visitor);
     return visitor.known;
 }
 
@@ -155,11 +154,12 @@ const TypeDescription* typeOfLabel(std::string_view label) {
 
 /// The usual type that a message is; if it is none, the one that it agrees with for longest.
 /// @param whole only a type that it is will do
-const TypeDescription* bestMatch(const Message& message, bool whole) {
+/// @param cut octets at its end are missing
+const TypeDescription* bestMatch(Octets message, bool whole, bool cut) {
     const TypeDescription* best = nullptr;
     Agreement most;
     // A SEQUENCE alone says nothing, and little with a number in it, unless that is all there is.
-    most.elements = message.missing() != 0 ? 1 : 2;
+    most.elements = cut ? 1 : 2;
     for (const char* const name : UsualTypes) {
         const TypeDescription* const type = asn1data::findType(name);
         const Agreement agreement = compare(message, *type);
@@ -179,17 +179,14 @@ const TypeDescription* bestMatch(const Message& message, bool whole) {
 
 } // namespace
 
-Recognition recognise(const Message& message, const TypeDescription* given) {
-    if (given != nullptr) {
-        return {given, "as told"};
-    }
-    if (const TypeDescription* const type = typeOfLabel(message.label)) {
+Recognition recognise(Octets message, std::string_view label, bool cut) {
+    if (const TypeDescription* const type = typeOfLabel(label)) {
         // A label may lie; what it names is taken if the message agrees with it beyond its start.
         const Agreement agreement = compare(message, *type);
         if (agreement.whole || agreement.elements > 2) {
             return {type, "by its PEM label"};
         }
-        if (const TypeDescription* const other = bestMatch(message, false)) {
+        if (const TypeDescription* const other = bestMatch(message, false, cut)) {
             return {other, "best match, in spite of its PEM label"};
         }
         return {type, "by its PEM label"};
@@ -198,13 +195,13 @@ Recognition recognise(const Message& message, const TypeDescription* given) {
         return {asn1data::findType("ContentInfo"), "by its content type"};
     }
     // What the label names is a better guess than a type that the message does not even fit.
-    const bool labelled = !message.label.empty();
-    const TypeDescription* const type = bestMatch(message, labelled);
+    const bool labelled = !label.empty();
+    const TypeDescription* const type = bestMatch(message, labelled, cut);
     if (type == nullptr) {
-        return {nullptr, labelled ? "the label " + message.label + " names no known type"
+        return {nullptr, labelled ? "the label " + std::string(label) + " names no known type"
                                   : "none of the usual types"};
     }
     return {type, "best match"};
 }
 
-} // namespace derview
+} // namespace asn1text

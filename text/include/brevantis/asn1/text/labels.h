@@ -1,12 +1,13 @@
-#ifndef DERVIEW_LABELS_H
-#define DERVIEW_LABELS_H
+#ifndef BREVANTIS_ASN1_TEXT_LABELS_H
+#define BREVANTIS_ASN1_TEXT_LABELS_H
 
 #include <string>
 #include <vector>
 
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/text/export.h>
 
-namespace derview {
+namespace asn1text {
 
 /// What an element is called in the element around it.
 struct Label {
@@ -16,8 +17,9 @@ struct Label {
 };
 
 /// Keeps what a visitor has entered, so that it can tell what it comes across.
-class Labels {
+class BREVANTIS_ASN1_TEXT_API Labels {
 public:
+    /// @throws std::bad_alloc
     Label labelOf(const asn1data::WalkElement& element) const;
 
     void enter(const asn1data::WalkElement& element);
@@ -35,11 +37,11 @@ private:
 };
 
 /// A type as it is shown: its name, or the notation's for a type that has no name of its own.
-std::string typeText(const asn1data::TypeDescription& type);
+BREVANTIS_ASN1_TEXT_API std::string typeText(const asn1data::TypeDescription& type);
 
 /// Whether values of a type are lists.
-bool isList(const asn1data::TypeDescription& type);
+BREVANTIS_ASN1_TEXT_API bool isList(const asn1data::TypeDescription& type);
 
-} // namespace derview
+} // namespace asn1text
 
 #endif

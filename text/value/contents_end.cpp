@@ -1,11 +1,11 @@
-#include "contents_end.h"
+#include <brevantis/asn1/text/contents_end.h>
 
 #include <limits>
 
-#include "input_reader.h"
-#include "value_octets.h"
+#include <brevantis/asn1/text/message.h>
+#include <brevantis/asn1/text/value.h>
 
-namespace derview {
+namespace asn1text {
 
 using asn1data::WalkElement;
 
@@ -76,4 +76,4 @@ ContentsEnd::Gap ContentsEnd::leave(const WalkElement& element) {
             hides ? end - inside.offset : 0};
 }
 
-} // namespace derview
+} // namespace asn1text

@@ -1,16 +1,17 @@
-#ifndef DERVIEW_CONTENTS_END_H
-#define DERVIEW_CONTENTS_END_H
+#ifndef BREVANTIS_ASN1_TEXT_CONTENTS_END_H
+#define BREVANTIS_ASN1_TEXT_CONTENTS_END_H
 
 #include <cstddef>
 #include <vector>
 
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/text/export.h>
 
-namespace derview {
+namespace asn1text {
 
 /// Keeps where the contents of the elements around end: a header may promise more octets than the
 /// values take, or fewer, and the decoder does not mind.
-class ContentsEnd {
+class BREVANTIS_ASN1_TEXT_API ContentsEnd {
 public:
     /// Octets between the end of the last value in an element and the end of its contents.
     struct Gap {
@@ -35,6 +36,6 @@ private:
     std::vector<Reached> reached_; ///< in each of the elements that are entered
 };
 
-} // namespace derview
+} // namespace asn1text
 
 #endif

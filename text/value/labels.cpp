@@ -1,9 +1,9 @@
-#include "labels.h"
+#include <brevantis/asn1/text/labels.h>
 
 #include <algorithm>
 #include <string_view>
 
-namespace derview {
+namespace asn1text {
 
 using asn1data::Shape;
 using asn1data::StepKind;
@@ -67,4 +67,4 @@ bool isList(const TypeDescription& type) {
            type.shape == Shape::FixedArray;
 }
 
-} // namespace derview
+} // namespace asn1text

@@ -1,0 +1,9 @@
+#ifndef BREVANTIS_ASN1_TEXT_EXPORT_H
+#define BREVANTIS_ASN1_TEXT_EXPORT_H
+
+/// @file
+/// Marks what the shared library of messages as text offers; everything else stays hidden in it.
+
+#define BREVANTIS_ASN1_TEXT_API __attribute__((visibility("default")))
+
+#endif

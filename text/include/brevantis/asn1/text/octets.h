@@ -1,0 +1,60 @@
+#ifndef BREVANTIS_ASN1_TEXT_OCTETS_H
+#define BREVANTIS_ASN1_TEXT_OCTETS_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <brevantis/asn1/text/export.h>
+
+namespace asn1text {
+
+/// Octets that stand for themselves.
+using OctetStore = std::vector<unsigned char>;
+
+/// Octets that somebody else holds, and that outlive whoever looks at them.
+class Octets {
+public:
+    constexpr Octets() = default;
+    constexpr Octets(const unsigned char* data, std::size_t size) : data_(data), size_(size) {}
+    Octets(const OctetStore& store) : data_(store.data()), size_(store.size()) {}
+
+    constexpr const unsigned char* data() const { return data_; }
+    constexpr std::size_t size() const { return size_; }
+    constexpr bool empty() const { return size_ == 0; }
+    constexpr const unsigned char* begin() const { return data_; }
+    constexpr const unsigned char* end() const { return data_ + size_; }
+    constexpr unsigned char operator[](std::size_t place) const { return data_[place]; }
+    constexpr unsigned char back() const { return data_[size_ - 1]; }
+
+    /// The first octets. @param count at most as many as there are
+    constexpr Octets first(std::size_t count) const { return {data_, count}; }
+    /// The last octets. @param count at most as many as there are
+    constexpr Octets last(std::size_t count) const { return {data_ + size_ - count, count}; }
+    /// What is behind the first octets. @param offset at most as many as there are
+    constexpr Octets subspan(std::size_t offset) const { return {data_ + offset, size_ - offset}; }
+    constexpr Octets subspan(std::size_t offset, std::size_t count) const {
+        return {data_ + offset, count};
+    }
+
+private:
+    const unsigned char* data_ = nullptr;
+    std::size_t size_ = 0;
+};
+
+/// Two hexadecimal digits an octet, in lower case.
+/// @throws std::bad_alloc
+BREVANTIS_ASN1_TEXT_API std::string hexText(Octets octets);
+
+/// The value of a hexadecimal digit of either case; -1 for anything else.
+constexpr int hexDigit(unsigned char character) {
+    if (character >= '0' && character <= '9') {
+        return character - '0';
+    }
+    const int letter = character | 0x20;
+    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
+}
+
+} // namespace asn1text
+
+#endif
