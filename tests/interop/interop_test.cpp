@@ -19,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include "interop/expectations.h"
+#include "interop/messages.h"
 #include "support/hex.h"
 #include "support/mutation.h"
 #include "support/value_text.h"
@@ -38,11 +39,6 @@ namespace fs = std::filesystem;
 
 const fs::path Directory = TESTS_INTEROP_MESSAGES;
 
-Octets readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return Octets(std::istreambuf_iterator<char>(file), {});
-}
-
 void writeFile(const fs::path& path, const Octets& octets) {
     fs::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary);
@@ -51,37 +47,6 @@ void writeFile(const fs::path& path, const Octets& octets) {
 
 bool matches(const char* pattern, const std::string& text) {
     return fnmatch(pattern, text.c_str(), 0) == 0;
-}
-
-struct Message {
-    std::string type;
-    std::string name; ///< "TYPE/NAME"
-    bool isDer;
-    Octets octets;
-    std::string check; ///< the command that accepts a message, for one that is not in DER
-};
-
-std::vector<Message> messagesOf(const fs::path& directory) {
-    std::vector<Message> messages;
-    for (auto entry = fs::recursive_directory_iterator(directory); entry != fs::end(entry);
-         ++entry) {
-        const fs::path path = entry->path();
-        if (path.filename() == "work") {
-            entry.disable_recursion_pending();
-        }
-        const bool der = path.extension() == ".der";
-        if (!der && path.extension() != ".ber") {
-            continue;
-        }
-        const std::string type = path.parent_path().filename();
-        std::string check;
-        std::ifstream file(fs::path(path).replace_extension(".check"));
-        std::getline(file, check);
-        messages.push_back({type, type + "/" + path.stem().string(), der, readFile(path), check});
-    }
-    std::sort(messages.begin(), messages.end(),
-              [](const Message& a, const Message& b) { return a.name < b.name; });
-    return messages;
 }
 
 bool isIdentifier(const ASN1TObjId& identifier, const std::vector<unsigned>& arcs) {
@@ -197,11 +162,7 @@ bool commandAccepts(std::string command, const std::string& name, const Octets& 
 
 class Interop : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        if (fs::exists(Directory / "complete")) {
-            messages = messagesOf(Directory);
-        }
-    }
+    static void SetUpTestSuite() { messages = messagesOf(Directory); }
     void SetUp() override {
         if (messages.empty()) {
             GTEST_SKIP() << "no messages: the openssl command is missing, or make_messages.sh was "
