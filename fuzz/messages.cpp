@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <brevantis/asn1/asn1data/describe.h>
 
 #include "entry.h"
@@ -32,7 +34,8 @@ struct Decoded {
 
 /// What decodes is encoded, decoded again and compared, copied and released. Values that decode
 /// need not be fit for encoding. Nor need the encoding decode: an open value that a message ends in
-/// front of is empty, and stays away. But what does decode must come out the same.
+/// front of is empty, and stays away. But what does decode must come out the same; and so must what
+/// is exact and DER from the beginning.
 /// @return whether the message decodes
 bool roundTrip(const TypeDescription& type, const Octets& message, int flags) {
     Decoded first(type, message, flags);
@@ -41,23 +44,31 @@ bool roundTrip(const TypeDescription& type, const Octets& message, int flags) {
     }
     int status = -1;
     const Octets encoded =
-        first.status == 0 ? tests::encodedValue(type, first.value, status) : Octets();
+        first.status == 0 ? tests::encodedValue(type, first.value, status, flags) : Octets();
     if (first.status == 0 && type.copyable) {
         tests::Context copies;
         void* const copied = asn1data::family::newRecord(copies, type);
         asn1data::family::copy(copies, type, first.value, copied);
         int again = 0;
         if (copies->errInfo.status == 0 &&
-            (tests::encodedValue(type, copied, again) != encoded || (again < 0) != (status < 0))) {
+            (tests::encodedValue(type, copied, again, flags) != encoded ||
+             (again < 0) != (status < 0))) {
             fuzz::report("the copy differs");
         }
         asn1data::family::release(copies, type, copied);
     }
     if (status >= 0) {
         Decoded second(type, encoded, flags);
-        if (second.status == 0 && tests::encodedValue(type, second.value, status) != encoded) {
+        if (second.status == 0 &&
+            tests::encodedValue(type, second.value, status, flags) != encoded) {
             fuzz::report("the second encoding differs");
         }
+    }
+    constexpr int faithful = ASN1F_EXACT | ASN1F_DER;
+    if (first.status == 0 && (flags & faithful) == faithful &&
+        !std::equal(encoded.begin(), encoded.end(), message.begin(),
+                    message.begin() + first.reader.position())) {
+        fuzz::report("what is exact and DER is changed");
     }
     asn1data::family::release(first.reader, type, first.value);
     return first.status == 0;
@@ -74,7 +85,7 @@ int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     if (roundTrip(types[index], message, flags)) {
         fuzz::noteReached(index);
     }
-    tests::expectWalkAgrees(types[index], message);
+    tests::expectWalkAgrees(types[index], message, flags);
     if (testing::Test::HasFailure()) {
         fuzz::report("walking and decoding differ");
     }

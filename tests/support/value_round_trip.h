@@ -15,8 +15,11 @@ namespace tests {
 
 /// Encodes a value.
 /// @param status receives what the encoder returns
-inline Octets encodedValue(const asn1data::TypeDescription& type, void* value, int& status) {
+/// @param flags of the context
+inline Octets encodedValue(const asn1data::TypeDescription& type, void* value, int& status,
+                           int flags = 0) {
     Writer writer;
+    rtCtxtSetFlag(writer, flags);
     status = asn1data::family::encode(writer, type, value, ASN1TagExplicit);
     if (status < 0) {
         return {};
