@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <functional>
 
-#include "checker.h"
-#include "parser.h"
-#include "resolver.h"
+#include <notation/checker.h>
+#include <notation/parser.h>
+#include <notation/resolver.h>
 
 namespace asn1gen {
 namespace {

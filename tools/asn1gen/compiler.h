@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "diagnostics.h"
 #include "emitter.h"
+#include <notation/diagnostics.h>
 
 namespace asn1gen {
 

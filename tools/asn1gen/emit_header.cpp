@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "emitter.h"
-#include "names.h"
+#include <notation/names.h>
 
 // The public header of a module: records, control classes, functions.
 

@@ -1,5 +1,5 @@
 #include "emitter.h"
-#include "names.h"
+#include <notation/names.h>
 
 // Information objects: their classes, the objects and the sets, declared and defined.
 

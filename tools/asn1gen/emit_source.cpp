@@ -2,7 +2,7 @@
 #include <set>
 
 #include "emitter.h"
-#include "names.h"
+#include <notation/names.h>
 
 // The source of a module: constant tables and one-line members.
 

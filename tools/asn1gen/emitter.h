@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "model.h"
 #include "writer.h"
+#include <notation/model.h>
 
 namespace asn1gen {
+
+using namespace notation; // the model is what all emitters work from
 
 /// What the command line says about the output.
 struct Output {

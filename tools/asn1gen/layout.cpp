@@ -2,23 +2,12 @@
 #include <functional>
 #include <set>
 
-#include "builtin_types.h"
 #include "emitter.h"
+#include <notation/builtin_types.h>
 
 // How values lie in memory and what order that asks for.
 
 namespace asn1gen {
-
-bool Type::hasPresence() const {
-    const Type& self = target();
-    return std::any_of(self.elements.begin(), self.elements.end(),
-                       [](const Element& member) { return member.presence == Presence::Optional; });
-}
-
-bool ObjectClass::hasOptionalFields() const {
-    return std::any_of(node->fields.begin(), node->fields.end(),
-                       [](const ClassFieldNode& field) { return field.optional; });
-}
 
 std::string scalarName(Shape shape) {
     for (const BuiltinType& row : builtinTypes()) {

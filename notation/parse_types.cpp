@@ -5,7 +5,7 @@
 
 // The part of the parser that reads types, constraints and values.
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 const char* const characterStrings[] = {
@@ -303,4 +303,4 @@ ValueNode Parser::parseValue() {
     return value;
 }
 
-} // namespace asn1gen
+} // namespace notation

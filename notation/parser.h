@@ -1,9 +1,9 @@
-#ifndef BREVANTIS_ASN1GEN_PARSER_H
-#define BREVANTIS_ASN1GEN_PARSER_H
+#ifndef BREVANTIS_NOTATION_PARSER_H
+#define BREVANTIS_NOTATION_PARSER_H
 
 #include "ast.h"
 
-namespace asn1gen {
+namespace notation {
 
 /// Thrown by the parser to leave an assignment that it has already complained about.
 struct SyntaxError {};
@@ -57,6 +57,6 @@ private:
     std::size_t next_;
 };
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

@@ -1,6 +1,6 @@
-#include "notation.h"
+#include "printer.h"
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 std::string indented(const std::string& text) {
@@ -163,4 +163,4 @@ std::string printComponent(const ComponentNode& component) {
     return text;
 }
 
-} // namespace asn1gen
+} // namespace notation

@@ -4,7 +4,7 @@
 
 // Finds out what each remark and comment belongs to.
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 // What a remark or a comment can belong to.
@@ -87,4 +87,4 @@ void Parser::attachRemarksAndComments() {
     module_.comment = linesAbove(module_.at.line);
 }
 
-} // namespace asn1gen
+} // namespace notation

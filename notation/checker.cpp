@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 enum : long long { MaxCount = 0xFFFFFFFFll };
@@ -418,4 +418,4 @@ void Checker::complainAmbiguity(const Type& type, const Element& first, const El
                                       "' begin with the same identifier octet");
 }
 
-} // namespace asn1gen
+} // namespace notation

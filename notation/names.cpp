@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 // Those that a name of the notation can be: lower-case, `null`, which reads as one, and `m`, the
@@ -47,4 +47,4 @@ std::string objectTypeName(const std::string& object, const std::string& field) 
     return "_" + object + "_" + field;
 }
 
-} // namespace asn1gen
+} // namespace notation

@@ -1,11 +1,11 @@
 #include "names.h"
-#include "notation.h"
 #include "parser.h"
+#include "printer.h"
 #include "resolver.h"
 
 // The part of the resolver that reads object identifiers, information objects and object sets.
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 // The names that an identifier may begin with unexplained (X.660, annex A).
@@ -232,4 +232,4 @@ void Resolver::resolveSet(Module& module, Assignment& assignment, ObjectSet& set
     }
 }
 
-} // namespace asn1gen
+} // namespace notation

@@ -4,7 +4,7 @@
 #include <map>
 #include <tuple>
 
-namespace asn1gen {
+namespace notation {
 
 void Diagnostics::error(const Location& at, const std::string& sentence) {
     // What several names refer to is read for each of them.
@@ -34,4 +34,4 @@ void Diagnostics::print(std::ostream& out) const {
     }
 }
 
-} // namespace asn1gen
+} // namespace notation

@@ -1,6 +1,6 @@
 #include "lexer.h"
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 bool isDigit(char c) {
@@ -191,4 +191,4 @@ TokenStream tokenize(const std::string& file, std::string_view text, Diagnostics
     return Lexer(file, text, diagnostics).run();
 }
 
-} // namespace asn1gen
+} // namespace notation

@@ -1,5 +1,5 @@
-#ifndef BREVANTIS_ASN1GEN_BUILTIN_TYPES_H
-#define BREVANTIS_ASN1GEN_BUILTIN_TYPES_H
+#ifndef BREVANTIS_NOTATION_BUILTIN_TYPES_H
+#define BREVANTIS_NOTATION_BUILTIN_TYPES_H
 
 #include <string>
 #include <vector>
@@ -9,7 +9,7 @@
 /// @file
 /// The types that the notation brings along, from the list that the engine works from.
 
-namespace asn1gen {
+namespace notation {
 
 struct BuiltinType {
     std::string constant;               ///< in the namespace `builtin` of the descriptions
@@ -26,6 +26,6 @@ const std::vector<BuiltinType>& builtinTypes();
 /// Key of a built-in type in Model::builtins.
 std::string builtinKey(const std::string& notation, const std::string& variant = {});
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

@@ -1,6 +1,6 @@
 #include "parser.h"
 
-namespace asn1gen {
+namespace notation {
 
 const Token& Parser::peek(std::size_t ahead) const {
     const std::vector<Token>& tokens = module_.stream.tokens;
@@ -251,4 +251,4 @@ void Parser::skipValue() {
     } while (depth > 0);
 }
 
-} // namespace asn1gen
+} // namespace notation

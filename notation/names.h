@@ -1,12 +1,12 @@
-#ifndef BREVANTIS_ASN1GEN_NAMES_H
-#define BREVANTIS_ASN1GEN_NAMES_H
+#ifndef BREVANTIS_NOTATION_NAMES_H
+#define BREVANTIS_NOTATION_NAMES_H
 
 #include <string>
 
 /// @file
 /// From names of the notation to names in C++.
 
-namespace asn1gen {
+namespace notation {
 
 /// Hyphens become underscores.
 std::string cppName(const std::string& name);
@@ -23,6 +23,6 @@ std::string sharedListName(const std::string& element, bool set);
 /// Name of a value type that an object describes in place.
 std::string objectTypeName(const std::string& object, const std::string& field);
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

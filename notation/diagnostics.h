@@ -1,11 +1,11 @@
-#ifndef BREVANTIS_ASN1GEN_DIAGNOSTICS_H
-#define BREVANTIS_ASN1GEN_DIAGNOSTICS_H
+#ifndef BREVANTIS_NOTATION_DIAGNOSTICS_H
+#define BREVANTIS_NOTATION_DIAGNOSTICS_H
 
 #include <ostream>
 #include <string>
 #include <vector>
 
-namespace asn1gen {
+namespace notation {
 
 /// A place in a module's text.
 struct Location {
@@ -36,6 +36,6 @@ private:
     std::vector<Entry> entries_;
 };
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

@@ -1,5 +1,5 @@
-#ifndef BREVANTIS_ASN1GEN_AST_H
-#define BREVANTIS_ASN1GEN_AST_H
+#ifndef BREVANTIS_NOTATION_AST_H
+#define BREVANTIS_NOTATION_AST_H
 
 #include <map>
 #include <memory>
@@ -12,7 +12,7 @@
 /// @file
 /// What the parser makes of a module: the notation as it stands, names not looked up yet.
 
-namespace asn1gen {
+namespace notation {
 
 /// A value in a DEFAULT, a bound or an assignment.
 struct ValueNode {
@@ -183,6 +183,6 @@ struct ModuleNode {
     std::string comment;  ///< in front of the module's name
 };
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace asn1gen {
+namespace notation {
 
 const std::vector<BuiltinType>& builtinTypes() {
     static const std::vector<BuiltinType> types = [] {
@@ -25,4 +25,4 @@ std::string builtinKey(const std::string& notation, const std::string& variant) 
     return variant.empty() ? notation : notation + " " + variant;
 }
 
-} // namespace asn1gen
+} // namespace notation

@@ -1,5 +1,5 @@
-#ifndef BREVANTIS_ASN1GEN_MODEL_H
-#define BREVANTIS_ASN1GEN_MODEL_H
+#ifndef BREVANTIS_NOTATION_MODEL_H
+#define BREVANTIS_NOTATION_MODEL_H
 
 #include <bitset>
 #include <deque>
@@ -16,7 +16,7 @@
 /// @file
 /// What the emitters work from: every type with its storage, tags and rows settled.
 
-namespace asn1gen {
+namespace notation {
 
 // Values are held as the engine holds them.
 using asn1data::isFixed;
@@ -189,6 +189,6 @@ struct Model {
     std::map<std::string, Type*> builtins;
 };
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

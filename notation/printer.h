@@ -1,5 +1,5 @@
-#ifndef BREVANTIS_ASN1GEN_NOTATION_H
-#define BREVANTIS_ASN1GEN_NOTATION_H
+#ifndef BREVANTIS_NOTATION_PRINTER_H
+#define BREVANTIS_NOTATION_PRINTER_H
 
 #include <string>
 
@@ -8,7 +8,7 @@
 /// @file
 /// From the parsed notation back to text, evenly laid out.
 
-namespace asn1gen {
+namespace notation {
 
 /// @return the type as the right-hand side of an assignment, lines parted by '\n'
 std::string printType(const TypeNode& type);
@@ -19,6 +19,6 @@ std::string printComponent(const ComponentNode& component);
 
 std::string printValue(const ValueNode& value);
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

@@ -1,12 +1,12 @@
-#ifndef BREVANTIS_ASN1GEN_CHECKER_H
-#define BREVANTIS_ASN1GEN_CHECKER_H
+#ifndef BREVANTIS_NOTATION_CHECKER_H
+#define BREVANTIS_NOTATION_CHECKER_H
 
 #include <functional>
 #include <vector>
 
 #include "model.h"
 
-namespace asn1gen {
+namespace notation {
 
 /// Settles what needs all names to be known (tags, bounds, defaults, what a value can begin with)
 /// and refuses what could not be held in memory or told apart on the wire.
@@ -45,6 +45,6 @@ private:
     std::map<const Type*, int> visited_;
 };
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

@@ -1,5 +1,5 @@
-#ifndef BREVANTIS_ASN1GEN_LEXER_H
-#define BREVANTIS_ASN1GEN_LEXER_H
+#ifndef BREVANTIS_NOTATION_LEXER_H
+#define BREVANTIS_NOTATION_LEXER_H
 
 #include <string>
 #include <string_view>
@@ -7,7 +7,7 @@
 
 #include "diagnostics.h"
 
-namespace asn1gen {
+namespace notation {
 
 /// A lexical item of X.680, clause 12, as far as the notation is supported.
 struct Token {
@@ -54,6 +54,6 @@ struct TokenStream {
 /// Takes a text apart; reports what is no lexical item and goes on behind it.
 TokenStream tokenize(const std::string& file, std::string_view text, Diagnostics& diagnostics);
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif

@@ -1,11 +1,11 @@
 #include "builtin_types.h"
 #include "names.h"
-#include "notation.h"
+#include "printer.h"
 #include "resolver.h"
 
 // The part of the resolver that gives each type its storage and each inline type its name.
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 bool isList(const TypeNode& node) {
@@ -444,4 +444,4 @@ void Resolver::fillTable(Type& type, const Module& module) {
     }
 }
 
-} // namespace asn1gen
+} // namespace notation

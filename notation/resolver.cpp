@@ -4,9 +4,9 @@
 
 #include "builtin_types.h"
 #include "names.h"
-#include "notation.h"
+#include "printer.h"
 
-namespace asn1gen {
+namespace notation {
 namespace {
 
 const char* const remarkKeys[] = {"value",   "storage",   "capacity",        "end-of-contents",
@@ -413,4 +413,4 @@ std::optional<long long> Resolver::number(const Module& module, const ValueNode&
     return result;
 }
 
-} // namespace asn1gen
+} // namespace notation

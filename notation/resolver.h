@@ -1,5 +1,5 @@
-#ifndef BREVANTIS_ASN1GEN_RESOLVER_H
-#define BREVANTIS_ASN1GEN_RESOLVER_H
+#ifndef BREVANTIS_NOTATION_RESOLVER_H
+#define BREVANTIS_NOTATION_RESOLVER_H
 
 #include <map>
 #include <memory>
@@ -9,7 +9,7 @@
 
 #include "model.h"
 
-namespace asn1gen {
+namespace notation {
 
 /// Looks names up, hoists the types that are described in place, gathers shared lists. What it
 /// leaves open (tags, constraints, defaults, recursion) is the checker's.
@@ -85,6 +85,6 @@ private:
     std::set<const TypeNode*> resolvedLists_; ///< lists that stand beside their identifier
 };
 
-} // namespace asn1gen
+} // namespace notation
 
 #endif
