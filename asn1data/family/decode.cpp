@@ -123,7 +123,8 @@ void forgetOpenValue(const TableConstraint& table, void* record) {
     }
 }
 
-/// Puts the DEFAULTs in place.
+} // namespace
+
 void setDefaults(const TypeDescription& type, void* record) {
     for (unsigned i = 0; i < type.elementCount; ++i) {
         const ElementDescription& element = type.elements[i];
@@ -133,12 +134,7 @@ void setDefaults(const TypeDescription& type, void* record) {
     }
 }
 
-void markPresent(const TypeDescription& type, const ElementDescription& element, void* record) {
-    if (element.presence == Presence::Optional) {
-        setPresenceBits(record, type.presenceOffset,
-                        presenceBits(record, type.presenceOffset) | 1u << element.presenceBit);
-    }
-}
+namespace {
 
 /// Decodes a record's open value on a context turned to its octets, and turns the context back. A
 /// failure leaves it on the inner octets, where it happened.

@@ -69,6 +69,18 @@ inline bool isString(const TypeDescription& type) {
     return asn1data::isString(type.shape);
 }
 
+/// Makes an OPTIONAL element present; every other one is.
+inline void markPresent(const TypeDescription& type, const ElementDescription& element,
+                        void* record) {
+    if (element.presence == Presence::Optional) {
+        setPresenceBits(record, type.presenceOffset,
+                        presenceBits(record, type.presenceOffset) | 1u << element.presenceBit);
+    }
+}
+
+/// Puts the DEFAULTs of a record in place.
+void setDefaults(const TypeDescription& type, void* record);
+
 /// What is left of a type's own tag inside an element's: all of it under an EXPLICIT one.
 inline ASN1TagType innerTagging(const ElementDescription& element) {
     return element.tagging == Tagging::Explicit ? ASN1TagExplicit : ASN1TagImplicit;

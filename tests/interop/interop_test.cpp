@@ -21,6 +21,7 @@
 #include "interop/expectations.h"
 #include "interop/messages.h"
 #include "support/hex.h"
+#include "support/json_identity.h"
 #include "support/mutation.h"
 #include "support/value_text.h"
 #include "support/value_walk.h"
@@ -321,6 +322,9 @@ TEST_F(Interop, MessagesComeBack) {
             continue;
         }
         EXPECT_EQ(decoded.end(), message.octets.size());
+        if (message.isDer && exception == nullptr) {
+            tests::expectBackFromJson(*type, message.octets);
+        }
         OpenValues open(message);
         tests::walkValue(*type, decoded.value, open);
         typed += open.typed;

@@ -26,9 +26,6 @@ template <class T>
 T& at(void* record, unsigned offset) {
     return *reinterpret_cast<T*>(static_cast<unsigned char*>(record) + offset);
 }
-void* place(void* record, std::size_t offset) {
-    return static_cast<unsigned char*>(record) + offset;
-}
 
 /// How deep the shallowest value of a type is: a CHOICE far down takes the way out.
 unsigned shallowest(const TypeDescription& type, unsigned limit) {
@@ -86,19 +83,25 @@ bool isTakenForAnother(const TypeDescription& type, unsigned index, void* record
     return false;
 }
 
+/// What the library made, unless memory was out.
+template <class T>
+T* made(T* part) {
+    if (part == nullptr) {
+        throw std::bad_alloc();
+    }
+    return part;
+}
+
 } // namespace
 
 template <class T>
 T* ValueBuilder::allocate(std::size_t count) {
     void* block = rtMemHeapAllocZ(&ctxt_->memHeap, static_cast<int>(count * sizeof(T)));
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return static_cast<T*>(block);
+    return static_cast<T*>(made(block));
 }
 
 void* ValueBuilder::build(const TypeDescription& type) {
-    void* value = allocate<unsigned char>(std::max(type.valueSize, 1u));
+    void* value = made(builder_.create(type));
     fill(type, type.constraint, value);
     return value;
 }
@@ -209,7 +212,7 @@ struct ValueBuilder::Filling {
     const Constraint& constraint;
 
     void operator()(Is<Shape::Boolean>, unsigned char& value) const {
-        value = static_cast<unsigned char>(builder.below(2));
+        value = static_cast<unsigned char>(builder.below(2) != 0 ? 0xFF : 0);
     }
     void operator()(Is<Shape::Integer>, int& value) const {
         setNumber(value, INT32_MIN, INT32_MAX);
@@ -309,19 +312,14 @@ void ValueBuilder::fillRecord(const TypeDescription& type, void* record) {
             if (tooDeep || isTakenForAnother(type, i, record) || chance(40)) {
                 continue;
             }
-            at<unsigned>(record, type.presenceOffset) |= 1u << element.presenceBit;
         }
         const Constraint& constraint =
             element.constraint.count != 0 ? element.constraint : element.type->constraint;
-        fill(*element.type, constraint, place(record, element.offset));
+        fill(*element.type, constraint, Builder::element(type, record, i));
     }
     if (type.extensionOffset != NoOffset) {
-        auto& list = at<Asn1RTDList>(record, type.extensionOffset);
-        rtDListInit(&list);
         for (unsigned count = below(4); count-- > 0;) {
-            auto* element = allocate<ASN1OpenType>(1);
-            fillOpenType(*element);
-            rtDListAppend(ctxt_, &list, element);
+            fillOpenType(*made(builder_.appendAddition(type, record)));
         }
     }
     if (type.table != nullptr) {
@@ -347,27 +345,25 @@ void ValueBuilder::resolve(const TypeDescription& type, void* record) {
     if (object.type != nullptr && depth_ > DeepEnough && shallowest(*object.type, DeepEnough) > 3) {
         return;
     }
-    at<ASN1TObjId>(record, table.identifierOffset) = wanted;
+    Builder::identify(type, record, object);
     if (object.type == nullptr || !present) {
         return;
     }
     if (table.value == OpenValue::OpenTypes) {
         auto& list = at<Asn1RTDList>(record, table.valueOffset);
         for (Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
-            resolveSlot(*object.type, *static_cast<Asn1TObject*>(node->data));
+            resolveSlot(object, *static_cast<Asn1TObject*>(node->data));
         }
         return;
     }
     if (table.value == OpenValue::OctetString) {
         at<ASN1TDynOctStr>(record, table.valueOffset) = {0, nullptr};
     }
-    resolveSlot(*object.type, at<Asn1TObject>(record, table.slotOffset));
+    resolveSlot(object, *Builder::slot(type, record));
 }
 
-void ValueBuilder::resolveSlot(const TypeDescription& type, Asn1TObject& slot) {
-    slot.numocts = 0;
-    slot.data = nullptr;
-    slot.decoded = build(type);
+void ValueBuilder::resolveSlot(const ObjectDescription& object, Asn1TObject& slot) {
+    fill(*object.type, object.type->constraint, made(builder_.bind(object, slot)));
 }
 
 void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
@@ -390,13 +386,7 @@ void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
         }
     }
     const ElementDescription& alternative = type.elements[selector];
-    at<unsigned>(record, type.countOffset) = selector + 1;
-    void* value = place(record, alternative.offset);
-    if (alternative.indirect) {
-        void* block = allocate<unsigned char>(std::max(alternative.type->valueSize, 1u));
-        at<void*>(record, alternative.offset) = block;
-        value = block;
-    }
+    void* const value = made(builder_.select(type, record, selector));
     fill(*alternative.type,
          alternative.constraint.count != 0 ? alternative.constraint : alternative.type->constraint,
          value);
@@ -404,26 +394,18 @@ void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
 
 void ValueBuilder::fillList(const TypeDescription& type, const Constraint& constraint,
                             Asn1RTDList& list) {
-    rtDListInit(&list);
     for (unsigned count = size(constraint, depth_ > DeepEnough ? 0 : 3, 1000); count-- > 0;) {
-        rtDListAppend(ctxt_, &list, build(*type.element));
+        fill(*type.element, type.element->constraint, made(builder_.append(type, &list)));
     }
 }
 
 void ValueBuilder::fillArray(const TypeDescription& type, const Constraint& constraint,
                              void* value) {
     const bool fixed = type.shape == Shape::FixedArray;
-    const unsigned count =
-        size(constraint, depth_ > DeepEnough ? 0 : 4, fixed ? type.capacity : 1000);
-    at<unsigned>(value, type.countOffset) = count;
-    void* places = fixed ? place(value, type.dataOffset)
-                         : allocate<unsigned char>(std::size_t{count} * type.element->valueSize);
-    if (!fixed) {
-        at<void*>(value, type.dataOffset) = places;
-    }
-    for (unsigned i = 0; i < count; ++i) {
-        fill(*type.element, type.element->constraint,
-             place(places, std::size_t{i} * type.element->valueSize));
+    for (unsigned count =
+             size(constraint, depth_ > DeepEnough ? 0 : 4, fixed ? type.capacity : 1000);
+         count-- > 0;) {
+        fill(*type.element, type.element->constraint, made(builder_.append(type, value)));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <random>
 #include <utility>
 
+#include <brevantis/asn1/asn1data/builder.h>
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/runtime/list.h>
@@ -21,7 +22,8 @@ public:
     ValueBuilder(ASN1CTXT* ctxt, unsigned long long seed)
         : ValueBuilder(ctxt, Random(std::mt19937_64(seed))) {}
     /// A value of choices that are made elsewhere.
-    ValueBuilder(ASN1CTXT* ctxt, Random random) : ctxt_(ctxt), random_(std::move(random)) {}
+    ValueBuilder(ASN1CTXT* ctxt, Random random)
+        : ctxt_(ctxt), builder_(ctxt), random_(std::move(random)) {}
 
     /// A new record of the type on the context's heap.
     void* build(const asn1data::TypeDescription& type);
@@ -38,7 +40,7 @@ private:
     void fillArray(const asn1data::TypeDescription& type, const asn1data::Constraint& constraint,
                    void* value);
     void resolve(const asn1data::TypeDescription& type, void* record);
-    void resolveSlot(const asn1data::TypeDescription& type, Asn1TObject& slot);
+    void resolveSlot(const asn1data::ObjectDescription& object, Asn1TObject& slot);
     void fillOpenType(ASN1OpenType& value);
     const char* integerText();
     const char* text(const asn1data::TypeDescription& type, unsigned length);
@@ -52,6 +54,7 @@ private:
     T* allocate(std::size_t count);
 
     ASN1CTXT* ctxt_;
+    asn1data::Builder builder_;
     Random random_;
     unsigned depth_ = 0;
 };

@@ -2,10 +2,10 @@
 
 #include <limits>
 
-#include <brevantis/asn1/asn1data/family.h>
-#include <brevantis/asn1/runtime.h>
 #include <brevantis/asn1/text/names.h>
 #include <brevantis/asn1/text/value.h>
+
+#include "encode_buffer.h"
 
 namespace asn1text {
 
@@ -33,6 +33,13 @@ void writeHex(JsonStream& json, const WalkElement& element) {
     json.closeString();
 }
 
+/// Octets where the type has another form for what it holds.
+void writeHexObject(JsonStream& json, const WalkElement& element) {
+    json.beginObject();
+    writeHex(at(json, "hex"), element);
+    json.end();
+}
+
 void writeNumber(JsonStream& json, const WalkElement& element) {
     const long long number = element.value.number;
     if (element.type->nameCount == 0) {
@@ -46,8 +53,14 @@ void writeNumber(JsonStream& json, const WalkElement& element) {
 }
 
 void writeBigNumber(JsonStream& json, const WalkElement& element) {
-    const Magnitude magnitude({element.value.octets, element.value.octetCount},
-                              element.type->shape == asn1data::Shape::BigUnsigned);
+    const Octets contents(element.value.octets, element.value.octetCount);
+    const bool isUnsigned = element.type->shape == asn1data::Shape::BigUnsigned;
+    if (isUnsigned && !contents.empty() && (contents[0] & 0x80u) != 0) {
+        // A magnitude without the octet that makes it positive has another form with it.
+        writeHexObject(json, element);
+        return;
+    }
+    const Magnitude magnitude(contents, isUnsigned);
     if (const auto number = magnitude.within(LargestExact)) {
         json.number(*number);
         return;
@@ -89,13 +102,6 @@ void writeBits(JsonStream& json, const WalkElement& element) {
         }
         json.end();
     }
-    json.end();
-}
-
-/// Octets where the type has another form for what it holds.
-void writeHexObject(JsonStream& json, const WalkElement& element) {
-    json.beginObject();
-    writeHex(at(json, "hex"), element);
     json.end();
 }
 
@@ -231,14 +237,12 @@ asn1data::WalkResult writeJson(const TypeDescription& type, Octets message, Sink
 }
 
 int writeJson(const TypeDescription& type, const void* value, Sink& sink, JsonLayout layout) {
-    ASN1BEREncodeBuffer buffer;
+    EncodeBuffer buffer;
     // The encoder takes what it does not change as if it could.
-    const int length = asn1data::family::encode(buffer.getCtxtPtr(), type, const_cast<void*>(value),
-                                                ASN1TagExplicit);
-    if (length < 0) {
-        return length;
+    if (const int status = buffer.encode(type, const_cast<void*>(value)); status != 0) {
+        return status;
     }
-    writeJson(type, {buffer.getMsgPtr(), static_cast<std::size_t>(length)}, sink, layout);
+    writeJson(type, buffer.octets(), sink, layout);
     return 0;
 }
 

@@ -4,7 +4,8 @@
 #include <climits>
 #include <string_view>
 
-#include <brevantis/asn1/runtime.h>
+#include <brevantis/asn1/runtime/element_walk.h>
+#include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/text/pem.h>
 
 namespace asn1text {
@@ -137,19 +138,17 @@ bool beginsMessage(Octets rest, unsigned char first) {
 } // namespace
 
 std::size_t firstElementSize(Octets octets) noexcept {
-    if (octets.empty()) {
-        return 0;
-    }
     const int limit = static_cast<int>(std::min<std::size_t>(octets.size(), INT_MAX));
-    ASN1BERDecodeBuffer buffer;
-    int size = 0;
-    if (xd_setp(buffer.getCtxtPtr(), octets.data(), limit, nullptr, &size) != ASN1S_SUCCESS) {
+    ASN1Header header;
+    if (octets.empty() || rtReadHeader(octets.data(), static_cast<unsigned>(limit), &header) != 0) {
         return 0;
     }
-    if (size == ASN1IndefiniteLength) {
-        size = xd_indeflen_ex(octets.data(), limit);
+    if (header.length == ASN1IndefiniteLength) {
+        const int size = xd_indeflen_ex(octets.data(), limit);
+        return size > 0 && size <= limit ? static_cast<std::size_t>(size) : 0;
     }
-    return size > 0 && size <= limit ? static_cast<std::size_t>(size) : 0;
+    const std::size_t size = std::size_t{header.size} + static_cast<unsigned>(header.length);
+    return size <= octets.size() ? size : 0;
 }
 
 MessageReader::MessageReader(Octets input, InputForm form) : input_(input), form_(form) {

@@ -96,4 +96,36 @@ std::optional<std::string> isoTime(const WalkElement& element) {
     return isoTime(std::string(octets.begin(), octets.end()), isGeneralizedTime(*element.type));
 }
 
+std::optional<std::string> encodedTime(std::string_view iso, bool generalized) {
+    if (isoTime(iso, generalized)) {
+        return std::string(iso);
+    }
+    // The places of YYYY-MM-DDThh:mm:ss.
+    constexpr std::string_view marks = "    -  -  T  :  :  ";
+    if (iso.size() < marks.size()) {
+        return std::nullopt;
+    }
+    std::string text;
+    for (std::size_t place = 0; place < marks.size(); ++place) {
+        if (marks[place] == ' ') {
+            text += iso[place];
+        } else if (iso[place] != marks[place]) {
+            return std::nullopt;
+        }
+    }
+    const auto year = digitsAt(iso, 0, 4);
+    if (!generalized && (!year || *year < 1950 || *year > 2049)) {
+        return std::nullopt;
+    }
+    text.erase(0, generalized ? 0 : 2);
+    for (const char character : iso.substr(marks.size())) {
+        if (character != ':') {
+            text += character;
+        }
+    }
+    // What reads back as something else was no such time.
+    const auto again = isoTime(text, generalized);
+    return again && *again == iso ? std::optional(text) : std::nullopt;
+}
+
 } // namespace asn1text

@@ -152,6 +152,13 @@ BREVANTIS_ASN1_TEXT_API std::optional<std::string> isoTime(std::string_view text
 /// The same of a Time.
 BREVANTIS_ASN1_TEXT_API std::optional<std::string> isoTime(const asn1data::WalkElement& element);
 
+/// The other way: the text of a UTCTime or GeneralizedTime.
+/// @param iso as isoTime gives it, or a text that is encoded already
+/// @return nothing for a text that is no such time, or that a UTCTime cannot tell
+/// @throws std::bad_alloc
+BREVANTIS_ASN1_TEXT_API std::optional<std::string> encodedTime(std::string_view iso,
+                                                               bool generalized);
+
 } // namespace asn1text
 
 #endif
