@@ -62,6 +62,27 @@ struct DecodeFlow {
         unsigned end_; ///< of a definite length, held to the end of the buffer
     };
 
+    /// What xd_tag_len does for a header of two octets without a call, and xd_tag_len for any
+    /// other.
+    static int readHeader(ASN1CTXT* ctxt, ASN1TAG& tag, int& length) {
+        ASN1Buffer& buffer = ctxt->buffer;
+        constexpr unsigned closed = ASN1F_INDEF_MESSAGE | ASN1F_LAST_EOC;
+        const unsigned char* const header = buffer.data + buffer.byteIndex;
+        if (buffer.size < 2 || buffer.byteIndex > buffer.size - 2 ||
+            (header[0] & ASN1LongTagNumber) == ASN1LongTagNumber || header[1] >= 0x80 ||
+            (ctxt->flags & closed) == closed) {
+            return xd_tag_len(ctxt, &tag, &length, ASN1MatchAdvance);
+        }
+        ctxt->savedInfo.byteIndex = buffer.byteIndex;
+        ctxt->savedInfo.flags = ctxt->flags;
+        tag = rtTagOfOctet(header[0]);
+        length = header[1];
+        buffer.byteIndex += 2;
+        ctxt->flags = static_cast<unsigned short>((ctxt->flags & ~ASN1F_CONSTRUCTED) |
+                                                  ((header[0] & 0x20) << 5));
+        return ASN1S_SUCCESS;
+    }
+
     /// Steps over the end-of-contents octets that close an indefinite form (X.690, 8.1.5).
     static int stepOverEndOfContents(Sink sink) {
         if (!rtEndOfContentsAhead(sink.ctxt())) {
@@ -222,7 +243,7 @@ struct DecodeFlow {
             ASN1TAG tag = 0;
             int elementLength = 0;
             sink.atElement();
-            int status = xd_tag_len(ctxt, &tag, &elementLength, ASN1MatchAdvance);
+            int status = readHeader(ctxt, tag, elementLength);
             if (status != ASN1S_SUCCESS) {
                 return sink.fail(status, {Expectation::Header});
             }
@@ -269,7 +290,7 @@ struct DecodeFlow {
         ASN1TAG tag = 0;
         int length = 0;
         sink.atHeader();
-        int status = xd_tag_len(ctxt, &tag, &length, ASN1MatchAdvance);
+        int status = readHeader(ctxt, tag, length);
         if (status != ASN1S_SUCCESS) {
             return sink.fail(status, {Expectation::OneOf, nullptr, &type, 0, type.elementCount});
         }

@@ -7,26 +7,7 @@
 
 namespace asn1data::family {
 
-// What the flags do not tell of yet is not cleared: most records end up without it.
-OpenValueWalk::OpenValueWalk(Walker& walker, const TypeDescription& type)
-    : walker_(walker), type_(type), outer_(walker.openValue) {
-    walker.openValue = this; // NOLINT(clang-analyzer-optin.cplusplus.UninitializedObject)
-}
-
-OpenValueWalk::~OpenValueWalk() {
-    walker_.openValue = outer_;
-}
-
-void OpenValueWalk::enters(const WalkScope& record) {
-    const ASN1Buffer& buffer = walker_.ctxt.buffer;
-    const auto left = buffer.data + buffer.size - record.contents;
-    end_ = record.length >= 0 && record.length <= left ? record.contents + record.length : nullptr;
-}
-
-bool OpenValueWalk::begins(const ElementDescription& element) {
-    if (begun_ || element.offset != type_.table->valueOffset) {
-        return false;
-    }
+bool OpenValueWalk::valueBegins(const ElementDescription& element) {
     begun_ = true;
     if (identified_ && !walker_.elementLimit && endsRecord(element)) {
         walker_.object = object_;
@@ -44,22 +25,33 @@ namespace {
 
 /// The contents octets of a header of definite length; null octets for any other.
 struct Contents {
-    const unsigned char* octets;
-    const unsigned char* end;
-    ASN1TAG tag;
+    const unsigned char* octets = nullptr;
+    const unsigned char* end = nullptr;
+    unsigned char identifier = 0; ///< first identifier octet
 
-    Contents(const unsigned char* start, const unsigned char* bound)
-        : octets(nullptr), end(nullptr), tag(0) {
+    Contents(const unsigned char* start, const unsigned char* bound) {
+        const auto left = static_cast<unsigned>(bound - start);
+        WholeContents whole{start, 0};
+        if (left >= 2 && (*start & ASN1LongTagNumber) != ASN1LongTagNumber &&
+            whole.behindHeader(left)) {
+            set(start, whole.octets, whole.count);
+            return;
+        }
         ASN1Header header;
-        if (rtReadHeader(start, static_cast<unsigned>(bound - start), &header) == ASN1S_SUCCESS &&
-            header.length >= 0 && header.length <= bound - start - header.size) {
-            octets = start + header.size;
-            end = octets + header.length;
-            tag = header.tag;
+        if (rtReadHeader(start, left, &header) == ASN1S_SUCCESS && header.length >= 0 &&
+            static_cast<unsigned>(header.length) <= left - header.size) {
+            set(start, start + header.size, static_cast<unsigned>(header.length));
         }
     }
     /// An end-of-contents is no value (X.690, 8.1.5).
-    bool isElement() const { return octets != nullptr && (tag != 0 || octets != end); }
+    bool isElement() const { return octets != nullptr && (identifier != 0 || octets != end); }
+
+private:
+    void set(const unsigned char* start, const unsigned char* first, unsigned count) {
+        identifier = *start;
+        octets = first;
+        end = first + count;
+    }
 };
 
 /// Whether contents are whole elements, of a number that a constraint permits.
@@ -113,25 +105,18 @@ bool OpenValueWalk::endsRecord(const ElementDescription& element) const {
     const TypeDescription& type = *element.type;
     if (type_.table->value == OpenValue::OpenTypes) {
         return type.road == Road::Constructed && type.shape == Shape::List &&
-               type.element->shape == Shape::OpenType && value.tag == type.tag &&
+               type.element->shape == Shape::OpenType && value.identifier == type.identifier &&
                areElements(value, type.constraint);
     }
     return type.constraint.count == 0 && type.road == Road::Primitive &&
-           (type_.table->value == OpenValue::OctetString ? value.tag == type.tag
+           (type_.table->value == OpenValue::OctetString ? value.identifier == type.identifier
                                                          : value.isElement());
 }
 
-void OpenValueWalk::took(const ElementDescription& element) {
-    if (&element == element_) {
-        complete_ = true;
-    } else if (element.offset == type_.table->valueOffset) {
-        walker_.object = nullptr; // it has been resolved
-    } else if (element.offset == type_.table->identifierOffset &&
-               element.type->shape == Shape::ObjectIdentifier) {
-        object_ = findObject(*type_.table->objects, walker_.identifier_);
-        object_ = object_ != nullptr && object_->type != nullptr ? object_ : nullptr;
-        identified_ = true;
-    }
+void OpenValueWalk::identify() {
+    object_ = findObject(*type_.table->objects, walker_.identifier_);
+    object_ = object_ != nullptr && object_->type != nullptr ? object_ : nullptr;
+    identified_ = true;
 }
 
 int OpenValueWalk::resolve() {

@@ -387,6 +387,46 @@ private:
     }
 };
 
+[[gnu::always_inline]] inline int Walker::reportPrimitive(const TypeDescription* type,
+                                                          const WalkScope& scope) {
+    if (interest_.values) {
+        describe(type, scope);
+        stopped = visitor_.primitive(here->element) == WalkAction::Stop;
+    }
+    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
+}
+
+inline int Walker::resolve(const TypeDescription* type, const WalkScope& scope, WalkOctets value,
+                           const WalkHeader& header) {
+    return type != nullptr && type->shape == Shape::OctetString
+               ? resolveOctets(*type, scope, value, header)
+               : resolved(value, here->element.data);
+}
+
+/// A value has been read.
+[[gnu::always_inline]] inline int Walker::took(const TypeDescription* type, const WalkScope& scope,
+                                               const WalkHeader& header) {
+    if (isBeyondLimit()) {
+        return fail(ASN1S_NO_MEMORY, {Expectation::FewerElements, type});
+    }
+    if (silence != 0) {
+        return ASN1S_SUCCESS;
+    }
+    const bool raw = type == nullptr || type->shape == Shape::OpenType;
+    if (object != nullptr && (raw || type->shape == Shape::OctetString)) {
+        const WalkOctets octets{here->element.value.octets, here->element.value.octetCount};
+        if (raw || octets.count != 0) {
+            return (ctxt.flags & ASN1F_TOLERATE_OPEN_VALUES) == 0 || trusts_
+                       ? resolve(type, scope, octets, header)
+                       : resolveOrKeep(type, scope, octets, header);
+        }
+    }
+    if (raw && here->element.value.octetCount == 0) { // none is there
+        return ASN1S_SUCCESS;
+    }
+    return reportPrimitive(type, scope);
+}
+
 /// Reads a primitive.
 int Walker::primitive(const TypeDescription& type, ASN1TagType tagging, int length) {
     ASN1Buffer& buffer = ctxt.buffer;
@@ -456,44 +496,6 @@ int Walker::addition() {
             {status == ASN1S_TAG_NOT_FOUND ? Expectation::Element : Expectation::Contents, type});
     }
     return took(type, scopeBehind(), header);
-}
-
-/// A value has been read.
-int Walker::took(const TypeDescription* type, const WalkScope& scope, const WalkHeader& header) {
-    if (isBeyondLimit()) {
-        return fail(ASN1S_NO_MEMORY, {Expectation::FewerElements, type});
-    }
-    if (silence != 0) {
-        return ASN1S_SUCCESS;
-    }
-    const bool raw = type == nullptr || type->shape == Shape::OpenType;
-    if (object != nullptr && (raw || type->shape == Shape::OctetString)) {
-        const WalkOctets octets{here->element.value.octets, here->element.value.octetCount};
-        if (raw || octets.count != 0) {
-            return (ctxt.flags & ASN1F_TOLERATE_OPEN_VALUES) == 0 || trusts_
-                       ? resolve(type, scope, octets, header)
-                       : resolveOrKeep(type, scope, octets, header);
-        }
-    }
-    if (raw && here->element.value.octetCount == 0) { // none is there
-        return ASN1S_SUCCESS;
-    }
-    return reportPrimitive(type, scope);
-}
-
-inline int Walker::reportPrimitive(const TypeDescription* type, const WalkScope& scope) {
-    if (interest_.values) {
-        describe(type, scope);
-        stopped = visitor_.primitive(here->element) == WalkAction::Stop;
-    }
-    return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
-}
-
-inline int Walker::resolve(const TypeDescription* type, const WalkScope& scope, WalkOctets value,
-                           const WalkHeader& header) {
-    return type != nullptr && type->shape == Shape::OctetString
-               ? resolveOctets(*type, scope, value, header)
-               : resolved(value, here->element.data);
 }
 
 /// Reads an open value for nobody first: if it fails nothing of it may have been reported. What is

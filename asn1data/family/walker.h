@@ -231,18 +231,37 @@ private:
 /// and again, now reported and resolved, at the end of the record.
 class OpenValueWalk {
 public:
-    OpenValueWalk(Walker& walker, const TypeDescription& type);
-    ~OpenValueWalk();
+    // What the flags do not tell of yet is not cleared: most records end up without it.
+    OpenValueWalk(Walker& walker, const TypeDescription& type)
+        : walker_(walker), type_(type), outer_(walker.openValue) {
+        walker.openValue = this; // NOLINT(clang-analyzer-optin.cplusplus.UninitializedObject)
+    }
+    ~OpenValueWalk() { walker_.openValue = outer_; }
     OpenValueWalk(const OpenValueWalk&) = delete;
     OpenValueWalk& operator=(const OpenValueWalk&) = delete;
 
     /// An element of the record begins at Walker::elementStart.
     /// @return whether it holds the open value and is read for the first time
-    bool begins(const ElementDescription& element);
+    bool begins(const ElementDescription& element) {
+        return element.offset == type_.table->valueOffset && !begun_ && valueBegins(element);
+    }
     /// An element of the record has been read.
-    void took(const ElementDescription& element);
+    void took(const ElementDescription& element) {
+        if (element.offset == type_.table->valueOffset) {
+            complete_ = complete_ || &element == element_;
+            walker_.object = nullptr; // it has been resolved
+        } else if (element.offset == type_.table->identifierOffset &&
+                   element.type->shape == Shape::ObjectIdentifier) {
+            identify();
+        }
+    }
     /// The record begins.
-    void enters(const WalkScope& record);
+    void enters(const WalkScope& record) {
+        const ASN1Buffer& buffer = walker_.ctxt.buffer;
+        const auto left = buffer.data + buffer.size - record.contents;
+        end_ =
+            record.length >= 0 && record.length <= left ? record.contents + record.length : nullptr;
+    }
     /// The record ends, and is left once the value has been reported.
     void leaves() { entered_ = true; }
 
@@ -252,6 +271,8 @@ public:
     void reportRaw();
 
 private:
+    void identify();
+    bool valueBegins(const ElementDescription& element);
     int readAgain(const ObjectDescription* object);
     bool endsRecord(const ElementDescription& element) const;
 
