@@ -1,27 +1,29 @@
+#include <algorithm>
 #include <cstring>
 
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/runtime/header.h>
+#include <brevantis/asn1/runtime/object_identifier_coding.h>
 #include <brevantis/asn1/runtime/status.h>
 
 namespace asn1data {
 
 namespace {
 
-/// Reads a path text step by step, against the steps of an element.
+/// Reads a path text step by step, against the steps of the elements on the way to its end.
 class PathText {
 public:
-    explicit PathText(const char* text) : text_(text) {}
+    PathText(const char* text, const unsigned char* end) : text_(text), rest_(text), end_(end) {}
 
     /// Whether names and places follow each other as they do in a path.
     bool isWellFormed() const {
         const char* next = text_;
         while (*next != '\0') {
             if (*next == '[') {
-                const std::size_t digits = std::strspn(next + 1, "0123456789");
-                if (digits == 0 || next[digits + 1] != ']') {
+                next = behindPlace(next + 1);
+                if (next == nullptr) {
                     return false;
                 }
-                next += digits + 2;
                 continue;
             }
             next += next != text_ && *next == '.' ? 1 : 0;
@@ -34,67 +36,146 @@ public:
         return true;
     }
 
-    /// How far the steps to an element agree with the text.
+    /// How far the steps to an element, which lies in the one that was entered last, agree with the
+    /// text.
     /// @return what is left of the text behind them, null when they differ
-    const char* behind(const WalkStep* step) const {
-        if (step->kind == StepKind::Message) {
-            return text_;
+    const char* behind(const WalkElement& element) const { return behind(element, element.step); }
+
+    /// The elements to come lie in this one.
+    /// @param rest what is left of the text behind it
+    void enter(const WalkElement& element, const char* rest) {
+        entered_ = element.step;
+        rest_ = rest;
+    }
+
+private:
+    /// @return behind the bracket that closes an index or an identifier, null when it is neither
+    static const char* behindPlace(const char* text) {
+        for (;;) {
+            const std::size_t digits = std::strspn(text, "0123456789");
+            text += digits;
+            if (digits == 0 || (*text != ']' && *text != '.')) {
+                return nullptr;
+            }
+            if (*text++ == ']') {
+                return text;
+            }
         }
-        const char* rest = behind(step->outer);
+    }
+
+    const char* behind(const WalkElement& element, const WalkStep* step) const {
+        if (step == entered_ || step->kind == StepKind::Message) {
+            return rest_;
+        }
+        const char* rest = behind(element, step->outer);
         if (rest == nullptr || *rest == '\0') {
             // A path may end where an alternative or an object is still to be named.
             return rest != nullptr && sharesOctets(*step) ? rest : nullptr;
         }
-        const bool indexed = step->kind == StepKind::Index || step->kind == StepKind::Addition;
-        if (step->kind != StepKind::Index) {
-            rest += rest != text_ && *rest == '.' ? 1 : 0;
-            const char* const name = step->kind == StepKind::Addition ? "addition" : step->name;
-            const std::size_t length = std::strlen(name);
-            if (std::strncmp(rest, name, length) != 0) {
-                return nullptr;
-            }
-            rest += length;
+        if (step->kind == StepKind::Index) {
+            return behindIndex(element, *step, rest);
         }
-        rest = indexed ? behindIndex(rest, step->index) : rest;
-        return rest != nullptr && std::strchr(".[", *rest) != nullptr ? rest : nullptr;
+        rest += rest != text_ && *rest == '.' ? 1 : 0;
+        const bool addition = step->kind == StepKind::Addition;
+        const char* const name = addition ? "addition" : step->name;
+        const std::size_t length = std::strlen(name);
+        if (std::strncmp(rest, name, length) != 0) {
+            return nullptr;
+        }
+        rest += length;
+        if (addition) {
+            return behindIndex(element, *step, rest);
+        }
+        return *rest == '\0' || *rest == '.' || *rest == '[' ? rest : nullptr;
     }
 
-private:
     static bool sharesOctets(const WalkStep& step) {
         return step.kind == StepKind::Alternative || step.kind == StepKind::Object;
     }
-    static const char* behindIndex(const char* text, unsigned wanted) {
-        if (*text != '[') {
+
+    const char* behindIndex(const WalkElement& element, const WalkStep& step,
+                            const char* text) const {
+        if (*text++ != '[') {
             return nullptr;
         }
-        unsigned long long index = 0;
-        for (++text; *text != ']'; ++text) {
-            index = index > wanted ? index : index * 10 + static_cast<unsigned>(*text - '0');
+        const std::size_t digits = std::strspn(text, "0123456789");
+        if (text[digits] == '.') {
+            return &step == element.step && hasIdentifier(element, text) ? behindPlace(text)
+                                                                         : nullptr;
         }
-        return index == wanted ? text + 1 : nullptr;
+        return readArc(text) == step.index ? text + 1 : nullptr;
+    }
+
+    /// Whether an element is a record that begins with an identifier.
+    /// @param text the arcs, up to the bracket
+    bool hasIdentifier(const WalkElement& element, const char* text) const {
+        const TypeDescription* const type = element.type;
+        if (type == nullptr || type->shape != Shape::Sequence || type->elementCount == 0 ||
+            type->elements[0].tagging != Tagging::Untagged ||
+            type->elements[0].type->shape != Shape::ObjectIdentifier) {
+            return false;
+        }
+        if (element.assembled) { // nothing in it is handed out
+            return true;
+        }
+        const unsigned char* const contents = element.data + element.headerLength;
+        ASN1CTXT reader;
+        rtInitReader(&reader, contents, static_cast<unsigned>(end_ - contents));
+        ASN1OBJID identifier;
+        if (xd_objid(&reader, &identifier, ASN1TagExplicit, 0) != ASN1S_SUCCESS) {
+            return false;
+        }
+        for (unsigned count = 0; count != identifier.numids; ++text) {
+            if (readArc(text) != identifier.subid[count++]) {
+                return false;
+            }
+            if (*text == ']') {
+                return count == identifier.numids;
+            }
+        }
+        return false;
+    }
+
+    /// Reads digits, and moves behind them. What 32 bits do not hold becomes what no arc and no
+    /// index is.
+    static unsigned long long readArc(const char*& text) {
+        constexpr unsigned long long none = 1ULL << 32;
+        unsigned long long number = 0;
+        for (; *text >= '0' && *text <= '9'; ++text) {
+            number = std::min(none, number * 10 + static_cast<unsigned>(*text - '0'));
+        }
+        return number;
     }
 
     const char* text_;
+    const char* rest_;                  ///< behind the element that was entered last
+    const WalkStep* entered_ = nullptr; ///< to it
+    const unsigned char* end_;          ///< of the message
 };
 
+/// Goes straight to the element that a path names.
 class Finder : public WalkVisitor {
 public:
     Finder(const char* path, const unsigned char* end, ElementSpan& span)
-        : path_(path), end_(end), span_(span) {}
+        : path_(path, end), end_(end), span_(span) {}
 
     WalkAction enter(const WalkElement& element) override {
-        const char* const rest = path_.behind(element.step);
+        const char* const rest = path_.behind(element);
         if (rest == nullptr) {
             return WalkAction::Skip;
         }
-        return *rest == '\0' ? found(element) : WalkAction::Continue;
+        if (*rest == '\0') {
+            return found(element);
+        }
+        path_.enter(element, rest);
+        return WalkAction::Continue;
     }
     WalkAction leave(const WalkElement& /*element*/) override {
         // What was on the way to the element is over without it.
         return WalkAction::Stop;
     }
     WalkAction primitive(const WalkElement& element) override {
-        const char* const rest = path_.behind(element.step);
+        const char* const rest = path_.behind(element);
         return rest != nullptr && *rest == '\0' ? found(element) : WalkAction::Continue;
     }
 
@@ -129,7 +210,7 @@ private:
 ElementSpan findElement(const TypeDescription& type, const unsigned char* message, std::size_t size,
                         const char* path) {
     ElementSpan span{};
-    if (path == nullptr || !PathText(path).isWellFormed()) {
+    if (path == nullptr || !PathText(path, nullptr).isWellFormed()) {
         span.status = ASN1S_INVALID_PARAMETER;
         return span;
     }

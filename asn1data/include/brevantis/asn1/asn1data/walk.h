@@ -266,12 +266,15 @@ struct ElementSpan {
     WalkFailure failure; ///< why, when the message failed in front of the element
 };
 
-/// Finds an element by its path, and stops there. What is in front of it and not on the way to it
-/// is stepped over by its length; what is behind it is not looked at.
+/// Finds an element by its path, and stops there: the way to a few fields of a message, where they
+/// stand. What is in front of it and not on the way to it is stepped over by its length; what is
+/// behind it is not looked at.
 /// @param path as writePath writes it ("tbsCertificate",
-/// "tbsCertList.revokedCertificates[999999]").
-///        Names of alternatives and objects at its end may be left out; the empty path is the
-///        message
+///        "tbsCertList.revokedCertificates[999999]"). Names of alternatives and objects at its end
+///        may be left out; the empty path is the message. In a list of records that begin with an
+///        OBJECT IDENTIFIER, the arcs of one may stand in place of the index, and name the first
+///        such record: "tbsCertificate.extensions[2.5.29.17].extnValue.subjectAltName" are the
+///        alternative names of a certificate
 /// @return the span. Its status is ASN1S_MISSING_ELEMENT when the message has no such element,
 ///         ASN1S_END_OF_BUFFER when it has the element, but not whole, ASN1S_INVALID_PARAMETER for
 ///         a text that is no path, ASN1S_NOT_SUPPORTED for an element inside a segmented OCTET
