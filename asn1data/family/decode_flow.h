@@ -163,16 +163,16 @@ struct DecodeFlow {
         return ASN1S_SUCCESS;
     }
 
-    /// The elements of a record that can stand at the position, from one on to the next mandatory
-    /// one.
-    static Expected candidates(const TypeDescription& type, unsigned first) {
+    /// Fails where elements of a record can stand, from one on to the next mandatory one.
+    [[gnu::cold, gnu::noinline]] static int failAt(Sink sink, int status,
+                                                   const TypeDescription& type, unsigned first) {
         unsigned last = first;
         while (last < type.elementCount && type.elements[last].presence != Presence::Mandatory) {
             ++last;
         }
         last += last < type.elementCount ? 1 : 0;
-        return {first == last ? Expectation::NoElement : Expectation::OneOf, nullptr, &type, first,
-                last - first};
+        return sink.fail(status, {first == last ? Expectation::NoElement : Expectation::OneOf,
+                                  nullptr, &type, first, last - first});
     }
 
     /// Elements in the order of declaration (X.690, 8.9.2); the place in the declaration only moves
@@ -188,7 +188,7 @@ struct DecodeFlow {
         while (!scope.ended(ctxt)) {
             if (place >= type.elementCount) {
                 if (type.extensionOffset == NoOffset) {
-                    return sink.fail(ASN1S_EXTRA_ELEMENT, candidates(type, next));
+                    return failAt(sink, ASN1S_EXTRA_ELEMENT, type, next);
                 }
                 const int status = decodeAdditions(sink, type, record, scope);
                 if (status != ASN1S_SUCCESS) {
@@ -201,7 +201,7 @@ struct DecodeFlow {
             if (!mandatory || element.tagging != Tagging::Untagged) {
                 if (!beginsHere(ctxt, element)) {
                     if (mandatory) {
-                        return sink.fail(ASN1S_TAG_NOT_FOUND, candidates(type, next));
+                        return failAt(sink, ASN1S_TAG_NOT_FOUND, type, next);
                     }
                     continue;
                 }
@@ -216,24 +216,23 @@ struct DecodeFlow {
             found += mandatory ? 1 : 0;
             next = place;
         }
-        return found < type.mandatoryCount
-                   ? sink.fail(ASN1S_MISSING_ELEMENT, candidates(type, next))
-                   : ASN1S_SUCCESS;
+        return found < type.mandatoryCount ? failAt(sink, ASN1S_MISSING_ELEMENT, type, next)
+                                           : ASN1S_SUCCESS;
     }
 
     /// The first mandatory member of a SET that was not seen.
-    static Expected missingMember(const TypeDescription& type, unsigned long long seen) {
+    static unsigned missingMember(const TypeDescription& type, unsigned long long seen) {
         unsigned i = 0;
         while (i + 1 < type.elementCount &&
                ((seen >> i & 1u) != 0 || type.elements[i].presence != Presence::Mandatory)) {
             ++i;
         }
-        return {Expectation::OneOf, nullptr, &type, i, 1};
+        return i;
     }
 
     /// Elements in any order (X.690, 8.11.2), each by its whole tag.
-    [[gnu::noinline]] static int decodeSet(Sink sink, const TypeDescription& type, Value record,
-                                           int length) {
+    [[gnu::always_inline]] static int decodeSet(Sink sink, const TypeDescription& type,
+                                                Value record, int length) {
         ASN1CTXT* const ctxt = sink.ctxt();
         sink.prepare(type, record);
         const Scope scope(ctxt, length);
@@ -278,7 +277,8 @@ struct DecodeFlow {
             found += element.presence == Presence::Mandatory ? 1 : 0;
         }
         return found < type.mandatoryCount
-                   ? sink.fail(ASN1S_MISSING_ELEMENT, missingMember(type, seen))
+                   ? sink.fail(ASN1S_MISSING_ELEMENT,
+                               {Expectation::OneOf, nullptr, &type, missingMember(type, seen), 1})
                    : ASN1S_SUCCESS;
     }
 
@@ -360,14 +360,14 @@ struct DecodeFlow {
         return decodeElements(sink, type, list, length, MaximumListCount);
     }
 
-    [[gnu::noinline]] static int decodePlaces(Sink sink, const TypeDescription& type, Value value,
-                                              int length, unsigned capacity) {
+    [[gnu::always_inline]] static int decodePlaces(Sink sink, const TypeDescription& type,
+                                                   Value value, int length, unsigned capacity) {
         typename Sink::Places places(sink, type, value);
         return decodeElements(sink, type, places, length, capacity);
     }
 
-    [[gnu::noinline]] static int decodeArray(Sink sink, const TypeDescription& type, Value value,
-                                             int length) {
+    [[gnu::always_inline]] static int decodeArray(Sink sink, const TypeDescription& type,
+                                                  Value value, int length) {
         sink.clearArray(type, value);
         int count = 0;
         const int status = xd_count(sink.ctxt(), length, &count);
@@ -382,26 +382,23 @@ struct DecodeFlow {
         return decodePlaces(sink, type, value, length, static_cast<unsigned>(count));
     }
 
-    [[gnu::always_inline]] static int decodeConstructed(Sink sink, const TypeDescription& type,
-                                                        Value value, int length) {
-        return withShape(
-            type.shape, [&](auto is) __attribute__((always_inline)) {
-                constexpr Shape shape = decltype(is)::value;
-                if constexpr (shape == Shape::Sequence) {
-                    return decodeSequence(sink, type, value, length);
-                } else if constexpr (shape == Shape::Set) {
-                    return decodeSet(sink, type, value, length);
-                } else if constexpr (shape == Shape::List) {
-                    return decodeList(sink, type, value, length);
-                } else if constexpr (shape == Shape::Array) {
-                    return decodeArray(sink, type, value, length);
-                } else if constexpr (shape == Shape::FixedArray) {
-                    return decodePlaces(sink, type, value, length, type.capacity);
-                } else {
-                    static_assert(isPrimitive(shape) || shape == Shape::Choice);
-                    return sink.fail(ASN1S_NOT_SUPPORTED, {Expectation::Contents, &type});
-                }
-            });
+    template <Shape shape>
+    [[gnu::always_inline]] static int decodeContents(Sink sink, const TypeDescription& type,
+                                                     Value value, int length) {
+        if constexpr (shape == Shape::Sequence) {
+            return decodeSequence(sink, type, value, length);
+        } else if constexpr (shape == Shape::Set) {
+            return decodeSet(sink, type, value, length);
+        } else if constexpr (shape == Shape::List) {
+            return decodeList(sink, type, value, length);
+        } else if constexpr (shape == Shape::Array) {
+            return decodeArray(sink, type, value, length);
+        } else if constexpr (shape == Shape::FixedArray) {
+            return decodePlaces(sink, type, value, length, type.capacity);
+        } else {
+            static_assert(shape == Shape::Choice);
+            return sink.fail(ASN1S_NOT_SUPPORTED, {Expectation::Contents, &type});
+        }
     }
 
     [[gnu::always_inline]] static int readOwnTag(Sink sink, const TypeDescription& type,
@@ -427,9 +424,9 @@ struct DecodeFlow {
     /// over its end-of-contents.
     ///
     /// Records and lists lie inside each other: this is the one frame that each takes on the stack.
-    [[gnu::noinline]] static int decodeConstructedValue(Sink sink, const TypeDescription& type,
-                                                        Value value, ASN1TagType tagging,
-                                                        int length) {
+    template <Shape shape>
+    [[gnu::noinline]] static int decodeContainer(Sink sink, const TypeDescription& type,
+                                                 Value value, ASN1TagType tagging, int length) {
         if (tagging == ASN1TagExplicit) {
             const int status = readOwnTag(sink, type, type.identifier, length);
             if (status != ASN1S_SUCCESS) {
@@ -437,13 +434,24 @@ struct DecodeFlow {
             }
         }
         typename Sink::Constructed constructed(sink, type, length);
-        int status = constructed.isEntered() ? decodeConstructed(sink, type, value, length)
+        int status = constructed.isEntered() ? decodeContents<shape>(sink, type, value, length)
                                              : constructed.stepOver();
         if (status == ASN1S_SUCCESS && type.stepsOverEndOfContents &&
             length == ASN1IndefiniteLength && tagging == ASN1TagExplicit) {
             status = stepOverEndOfContents(sink);
         }
         return status == ASN1S_SUCCESS ? constructed.leave() : status;
+    }
+
+    [[gnu::noinline]] static int decodeConstructedValue(Sink sink, const TypeDescription& type,
+                                                        Value value, ASN1TagType tagging,
+                                                        int length) {
+        return withShape(
+            type.shape, [&](auto is) __attribute__((always_inline)) {
+                constexpr Shape shape = decltype(is)::value;
+                constexpr Shape road = isPrimitive(shape) ? Shape::Choice : shape; // refused alike
+                return decodeContainer<road>(sink, type, value, tagging, length);
+            });
     }
 
     /// A value with tags of its own around the one that its shape tells, or with a limit on

@@ -149,7 +149,7 @@ int OpenValueWalk::readAgain(const ObjectDescription* object) {
     walker_.atElement();
     const StepWalk step(walker_, type_, element);
     walker_.rereads = true;
-    const int status = DecodeFlow<Walking>::decodeElement(Walking(walker_), type_, element, {});
+    const int status = walker_.readElement(type_, element);
     walker_.rereads = false;
     walker_.object = nullptr;
     return status;

@@ -73,6 +73,10 @@ int Walker::run(const TypeDescription& type) {
     return status;
 }
 
+int Walker::readElement(const TypeDescription& container, const ElementDescription& element) {
+    return DecodeFlow<Walking>::decodeElement(Walking(*this), container, element, {});
+}
+
 /// The header and the contents of the value that ends at the position.
 WalkScope Walker::scopeBehind() const {
     const bool whole = octets() - valueStart >= 2; // not so where a length is missing
@@ -133,6 +137,11 @@ bool Walker::enter(const TypeDescription& type, const WalkScope& scope, const Wa
     return true;
 }
 
+// Not inline, as what takes room on the stack here would take it under all that is inside.
+[[gnu::noinline]] bool Walker::enterHere(const TypeDescription& type, int length) {
+    return enter(type, {valueStart, octets(), length}, nullptr);
+}
+
 /// The report is the one that the visitor saw when the element was entered.
 int Walker::leave() {
     --depth;
@@ -165,8 +174,8 @@ int Walker::stepOver(const TypeDescription& type, int length) {
     return ASN1S_SUCCESS;
 }
 
-int Walker::checkConstraint(const TypeDescription& type, const Constraint& constraint,
-                            const char* parameter) {
+[[gnu::noinline]] int Walker::checkConstraint(const TypeDescription& type,
+                                              const Constraint& constraint, const char* parameter) {
     const int status = checkNumber(&ctxt, type, number, constraint, parameter);
     if (status != ASN1S_SUCCESS) {
         failure_.constraint = constraint;
@@ -454,7 +463,7 @@ int Walker::primitive(const TypeDescription& type, ASN1TagType tagging, int leng
     return took(&type, {valueStart, whole.octets, static_cast<int>(whole.count)}, header);
 }
 
-int Walker::openType(const TypeDescription& type) {
+[[gnu::noinline]] int Walker::openType(const TypeDescription& type) {
     ASN1Buffer& buffer = ctxt.buffer;
     const WalkHeader header{buffer.byteIndex, ctxt.flags, ASN1TagExplicit, 0};
     const unsigned left = buffer.byteIndex < buffer.size ? buffer.size - buffer.byteIndex : 0;
@@ -630,7 +639,8 @@ int Walker::resolved(WalkOctets value, const unsigned char* element) {
     return status;
 }
 
-int Walker::fail(int status, const Expected& expected) {
+[[gnu::cold]] int Walker::fail(int status, Expectation expectation, const TypeDescription* type,
+                               const TypeDescription* container, unsigned first, unsigned count) {
     if (status == WalkStopped || failure_.expectation != Expectation::Nothing) {
         return status;
     }
@@ -640,17 +650,17 @@ int Walker::fail(int status, const Expected& expected) {
     failure.partOffset = ctxt.buffer.byteIndex;
     failure.elementOffset = static_cast<unsigned>(here->element.data - base);
     failure.assembled = assembled;
-    failure.expectation = expected.expectation;
-    failure.type = expected.type;
-    failure.container = expected.container;
-    failure.firstExpected = expected.first;
-    failure.expectedCount = expected.count;
+    failure.expectation = expectation;
+    failure.type = type;
+    failure.container = container;
+    failure.firstExpected = first;
+    failure.expectedCount = count;
     if (status == ASN1S_TAG_NOT_FOUND) {
         expectCandidates();
     }
     failure.pathCut =
         writePath(here->step, failure.path, sizeof failure.path) >= sizeof failure.path;
-    findFound(status, expected);
+    findFound(status, expectation, type);
     if (openValue != nullptr) {
         openValue->reportRaw();
     }
@@ -661,7 +671,7 @@ int Walker::fail(int status, const Expected& expected) {
 void Walker::expectCandidates() {
     const WalkPlace* place = here;
     while (place != nullptr && place->first == WalkPlace::NoElement) {
-        place = reinterpret_cast<const WalkPlace*>(place->step.outer);
+        place = place->outer();
     }
     if (place == nullptr || place->element.data != octets()) {
         return;
@@ -676,7 +686,7 @@ void Walker::expectCandidates() {
     }
 }
 
-void Walker::findFound(int status, const Expected& expected) {
+void Walker::findFound(int status, Expectation expectation, const TypeDescription* type) {
     const unsigned char* const end = ctxt.buffer.data + ctxt.buffer.size;
     const auto identifierAt = [&](const unsigned char* place) {
         failure_.finding = place < end ? Finding::Identifier : Finding::EndOfMessage;
@@ -704,7 +714,7 @@ void Walker::findFound(int status, const Expected& expected) {
         break;
     case ASN1S_CONSTRAINT_VIOLATION:
     case ASN1S_INVALID_ENUM: {
-        const bool text = expected.type != nullptr && expected.type->shape == Shape::Text;
+        const bool text = type != nullptr && type->shape == Shape::Text;
         const bool bad = text && static_cast<int>(static_cast<unsigned>(number)) < 0;
         failure_.finding = bad ? Finding::BadText : Finding::Number;
         failure_.foundNumber = number;
@@ -713,7 +723,7 @@ void Walker::findFound(int status, const Expected& expected) {
     case ASN1S_INVALID_LENGTH:
     case ASN1S_VALUE_TOO_BIG:
     case ASN1S_STRING_OVERFLOW:
-        if (expected.expectation == Expectation::EndOfContents) {
+        if (expectation == Expectation::EndOfContents) {
             identifierAt(octets());
         } else if (valueStart < end) {
             ASN1CTXT reader;

@@ -28,6 +28,7 @@ struct WalkPlace {
     /// Element of a SEQUENCE: the first one of the record that could have stood here; else
     /// NoElement.
     unsigned first;
+    bool silent = false; ///< nothing is reported here
 
     enum : unsigned { NoElement = 0xFFFFFFFFu };
 
@@ -41,6 +42,9 @@ struct WalkPlace {
         element.container = container;
         element.object = object;
         element.data = data;
+    }
+    WalkPlace* outer() const {
+        return const_cast<WalkPlace*>(reinterpret_cast<const WalkPlace*>(step.outer));
     }
     WalkPlace(const WalkPlace&) = delete;
     WalkPlace& operator=(const WalkPlace&) = delete;
@@ -122,7 +126,12 @@ public:
     void atHeader() { valueStart = octets(); }
     void atElement() { elementStart = valueStart = octets(); }
 
-    int fail(int status, const Expected& expected);
+    [[gnu::always_inline]] int fail(int status, const Expected& expected) {
+        // Part by part: it is to take no room in frames that lie inside each other.
+        return fail(status, expected.expectation, expected.type, expected.container, expected.first,
+                    expected.count);
+    }
+    int readElement(const TypeDescription& container, const ElementDescription& element);
     int primitive(const TypeDescription& type, ASN1TagType tagging, int length);
     int openType(const TypeDescription& type);
     int addition();
@@ -141,8 +150,11 @@ public:
     /// Calls the visitor's `enter` for the element at hand. It may not be entered, or the walk be
     /// stopped.
     /// @param octets of an OCTET STRING that encapsulates, else null
-    bool enter(const TypeDescription& type, const WalkScope& scope,
-               const WalkOctets* octets = nullptr);
+    bool enter(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets);
+    /// The same at its first octet of contents.
+    bool enter(const TypeDescription& type, int length) {
+        return interest_.containers ? enterHere(type, length) : (++depth, true);
+    }
     int leave();
     /// Steps over the contents of an element that is not entered.
     int stepOver(const TypeDescription& type, int length);
@@ -168,6 +180,9 @@ private:
     struct PrimitiveReader;
     struct WholeReader;
 
+    int fail(int status, Expectation expectation, const TypeDescription* type,
+             const TypeDescription* container, unsigned first, unsigned count);
+    bool enterHere(const TypeDescription& type, int length);
     int readRaw();
     int readAny(const TypeDescription* type, const WalkHeader& header);
     int took(const TypeDescription* type, const WalkScope& scope, const WalkHeader& header);
@@ -182,7 +197,7 @@ private:
                       const WalkHeader& header);
     int resolved(WalkOctets value, const unsigned char* element);
     void expectCandidates();
-    void findFound(int status, const Expected& expected);
+    void findFound(int status, Expectation expectation, const TypeDescription* type);
 
     WalkVisitor& visitor_;
     WalkInterest interest_;
@@ -220,8 +235,6 @@ private:
     void begin();
 
     Walker& walker_;
-    WalkPlace* outer_;
-    bool silent_ = false;
     WalkPlace place_;
 };
 
@@ -256,11 +269,11 @@ public:
         }
     }
     /// The record begins.
-    void enters(const WalkScope& record) {
+    void enters(int length) {
         const ASN1Buffer& buffer = walker_.ctxt.buffer;
-        const auto left = buffer.data + buffer.size - record.contents;
-        end_ =
-            record.length >= 0 && record.length <= left ? record.contents + record.length : nullptr;
+        const unsigned char* const contents = walker_.octets();
+        end_ = length >= 0 && length <= buffer.data + buffer.size - contents ? contents + length
+                                                                             : nullptr;
     }
     /// The record ends, and is left once the value has been reported.
     void leaves() { entered_ = true; }
@@ -305,7 +318,9 @@ public:
     explicit Walking(Walker& walker) : walker_(&walker) {}
 
     ASN1CTXT* ctxt() const { return &walker_->ctxt; }
-    int fail(int status, const Expected& expected) const { return walker_->fail(status, expected); }
+    [[gnu::always_inline]] int fail(int status, const Expected& expected) const {
+        return walker_->fail(status, expected);
+    }
     void atElement() const { walker_->atElement(); }
     void atHeader() const { walker_->atHeader(); }
 
@@ -352,11 +367,10 @@ public:
         Constructed(Walker& walker, const TypeDescription& type, int length)
             : walker_(walker), type_(type), length_(length), reported_(walker.reports()),
               fits_(!walker.isBeyondLimit()) {
-            const WalkScope scope{walker.valueStart, walker.octets(), length};
             if (type.table != nullptr) {
-                walker.openValue->enters(scope);
+                walker.openValue->enters(length);
             }
-            entered_ = fits_ && (!reported_ || walker.enter(type, scope));
+            entered_ = fits_ && (!reported_ || walker.enter(type, length));
         }
         bool isEntered() const { return entered_; }
         int stepOver() {
@@ -410,20 +424,18 @@ private:
 
 inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
                           const ElementDescription& element, unsigned next)
-    : walker_(walker), outer_(walker.here),
-      place_(&outer_->step, element.name, 0, StepKind::Member, &container, &element, nullptr,
-             walker.elementStart, next) {
+    : walker_(walker), place_(&walker.here->step, element.name, 0, StepKind::Member, &container,
+                              &element, nullptr, walker.elementStart, next) {
     begin(container, element);
 }
 
 inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container,
                           const ElementDescription& element)
-    : walker_(walker), outer_(walker.here),
-      place_(&outer_->step, element.name, 0, StepKind::Member, &container, &element, nullptr,
-             walker.elementStart) {
+    : walker_(walker), place_(&walker.here->step, element.name, 0, StepKind::Member, &container,
+                              &element, nullptr, walker.elementStart) {
     if (container.shape == Shape::Choice) { // it stands where the CHOICE stands
         place_.step.kind = StepKind::Alternative;
-        place_.element.data = outer_->element.data;
+        place_.element.data = walker.here->element.data;
     }
     begin(container, element);
 }
@@ -433,23 +445,23 @@ inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsi
 
 inline StepWalk::StepWalk(Walker& walker, const TypeDescription& container, unsigned place,
                           StepKind kind)
-    : walker_(walker), outer_(walker.here),
-      place_(&outer_->step, nullptr, place, kind, &container, nullptr, nullptr, walker.octets()) {
+    : walker_(walker), place_(&walker.here->step, nullptr, place, kind, &container, nullptr,
+                              nullptr, walker.octets()) {
     walker.atElement();
     begin();
 }
 
 inline StepWalk::StepWalk(Walker& walker, const ObjectDescription& object,
                           const unsigned char* data)
-    : walker_(walker), outer_(walker.here),
-      place_(&outer_->step, object.name, 0, StepKind::Object, nullptr, nullptr, &object, data) {
+    : walker_(walker), place_(&walker.here->step, object.name, 0, StepKind::Object, nullptr,
+                              nullptr, &object, data) {
     begin();
 }
 
 inline void StepWalk::begin(const TypeDescription& container, const ElementDescription& element) {
     if (container.table != nullptr && walker_.openValue->begins(element)) {
         ++walker_.silence;
-        silent_ = true;
+        place_.silent = true;
     }
     begin();
 }
@@ -460,8 +472,8 @@ inline void StepWalk::begin() {
 }
 
 inline StepWalk::~StepWalk() {
-    walker_.here = outer_;
-    walker_.silence -= silent_ ? 1 : 0;
+    walker_.here = place_.outer();
+    walker_.silence -= place_.silent ? 1 : 0;
 }
 
 } // namespace asn1data::family
