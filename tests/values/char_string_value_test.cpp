@@ -77,7 +77,7 @@ TEST(CharString, GivesEverythingBackWhenMemoryIsOut) {
         EXPECT_GT(
             tests::failEveryAllocation([&] { encodeCharString(L"a text of some length", type); }),
             2);
-        EXPECT_GT(tests::failEveryAllocation([&] { decodeCharString(encoded); }), 1);
+        EXPECT_GT(tests::failEveryAllocation([&] { decodeCharString(encoded); }), 0);
     }
 }
 

@@ -216,7 +216,7 @@ TEST(Name, GivesEverythingBackWhenMemoryIsOut) {
     const wchar_t* const text = L"C=RU,O=a company+OU=a unit of some length,CN=somebody";
     const CName name(text);
     const CBlob encoded = name.encode();
-    EXPECT_GT(tests::failEveryAllocation([&] { name.toString(); }), 10);
+    EXPECT_GT(tests::failEveryAllocation([&] { name.toString(); }), 3);
     EXPECT_GT(tests::failEveryAllocation([&] { CName read(text); }), 10);
     EXPECT_GT(tests::failEveryAllocation([&] {
                   ScopedContext context;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include <brevantis/asn1/values/extension/extension_traits.h>
 
@@ -12,6 +13,9 @@ namespace Brevantis::ASN1 {
 CExtValue::CExtValue(const char* oid) : oid_(oid) {}
 
 CExtValue::CExtValue(const char* oid, const CBlob& value) : oid_(oid), value_(value) {}
+
+CExtValue::CExtValue(CStringProxy oid, CBlob value) noexcept
+    : oid_(std::move(oid)), value_(std::move(value)) {}
 
 const char* CExtValue::get_oid() const {
     return oid_.c_str();
@@ -27,6 +31,9 @@ CBlob& CExtValue::value() {
 
 CExtension::CExtension(const CExtValue& value, bool critical)
     : CExtValue(value), critical_(critical) {}
+
+CExtension::CExtension(CExtValue&& value, bool critical) noexcept
+    : CExtValue(std::move(value)), critical_(critical) {}
 
 CExtension::CExtension(const char* oid, const CBlob& value, bool critical)
     : CExtValue(oid, value), critical_(critical) {}

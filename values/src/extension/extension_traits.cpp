@@ -4,6 +4,7 @@
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 
 #include "util/checked_copy.h"
+#include "util/read_value.h"
 
 namespace Brevantis::ASN1 {
 
@@ -17,9 +18,9 @@ void ASN1T_Extension_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extension& reco
 }
 
 void ASN1T_Extension_traits::get(const asn1data::ASN1T_Extension& record, CExtension& value) {
-    CBlob octets;
-    ASN1TDynOctStr_traits::get(record.extnValue, octets);
-    value = CExtension(CExtValue(toOID(record.extnID).c_str(), octets), record.critical != 0);
+    value = CExtension(
+        CExtValue(toOID(record.extnID), readValue<ASN1TDynOctStr_traits, CBlob>(record.extnValue)),
+        record.critical != 0);
 }
 
 void ASN1T_Extensions_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_Extensions& record,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <string_view>
 
 #include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/values/types/attribute_type_and_value.h>
@@ -9,6 +10,9 @@
 #include <brevantis/asn1/values/util/text_conversion.h>
 #include <brevantis/support/error.h>
 #include <brevantis/support/text.h>
+
+#include "types/name_text.h"
+#include "util/wide_text.h"
 
 namespace Brevantis::ASN1 {
 
@@ -63,17 +67,44 @@ namespace {
 /// The first row with a text in one of its fields.
 template <class Char>
 std::list<CATAVRegister>::const_iterator findRow(std::basic_string<Char> CATAVRegister::*field,
-                                                 const BasicStringProxy<Char>& text) {
+                                                 const Char* text) {
     const std::list<CATAVRegister>& rows = CATAVRegister::registered_;
+    const auto wanted =
+        text != nullptr ? std::basic_string_view<Char>(text) : std::basic_string_view<Char>();
     return std::find_if(rows.begin(), rows.end(),
-                        [&](const CATAVRegister& row) { return row.*field == text; });
+                        [&](const CATAVRegister& row) { return row.*field == wanted; });
 }
 
 bool isRow(std::list<CATAVRegister>::const_iterator row) {
     return row != CATAVRegister::registered_.end();
 }
 
+void appendType(std::wstring& text, std::list<CATAVRegister>::const_iterator row, const char* oid) {
+    if (isRow(row)) {
+        text += row->name;
+    } else {
+        appendWide(text, oid != nullptr ? oid : "");
+    }
+}
+
+void appendValue(std::wstring& text, std::list<CATAVRegister>::const_iterator row,
+                 const CBlob& value) {
+    if (isRow(row)) {
+        appendCharString(text, value);
+    } else {
+        text += L'#';
+        appendWide(text, value.writeToHexString(0).c_str());
+    }
+}
+
 } // namespace
+
+void appendPair(std::wstring& text, const char* oid, const CBlob& value) {
+    const auto row = CATAVRegister::find(oid);
+    appendType(text, row, oid);
+    text += L'=';
+    appendValue(text, row, value);
+}
 
 CATAVRegister::CATAVRegister(const char* identifier, const wchar_t* shortName,
                              StringType stringType, unsigned long longestValue)
@@ -83,16 +114,17 @@ CATAVRegister::CATAVRegister(const char* identifier, const wchar_t* shortName,
 }
 
 std::list<CATAVRegister>::const_iterator CATAVRegister::find(const char* oid) {
-    return findRow<char>(&CATAVRegister::oid, oid);
+    return findRow(&CATAVRegister::oid, oid);
 }
 
 std::list<CATAVRegister>::const_iterator CATAVRegister::find(const wchar_t* name) {
-    return findRow<wchar_t>(&CATAVRegister::name, name);
+    return findRow(&CATAVRegister::name, name);
 }
 
 std::wstring CATAVRegister::typeToStr(const char* oid) {
-    const auto row = find(oid);
-    return isRow(row) ? row->name : towstring(CStringProxy(oid).c_str());
+    std::wstring text;
+    appendType(text, find(oid), oid);
+    return text;
 }
 
 std::string CATAVRegister::typeFromStr(const wchar_t* name) {
@@ -101,11 +133,9 @@ std::string CATAVRegister::typeFromStr(const wchar_t* name) {
 }
 
 std::wstring CATAVRegister::valueToStr(const char* oid, const CBlob& value) {
-    if (isRow(find(oid))) {
-        const CWStringProxy text = decodeCharString(value);
-        return std::wstring(text.c_str(), text.length());
-    }
-    return L"#" + towstring(value.writeToHexString(0).c_str());
+    std::wstring text;
+    appendValue(text, find(oid), value);
+    return text;
 }
 
 CBlob CATAVRegister::valueFromStr(const char* oid, const wchar_t* text, StringType type) {

@@ -1,15 +1,21 @@
 #include <brevantis/asn1/values/types/attribute_type_and_value.h>
 
 #include <string>
+#include <utility>
 
 #include <brevantis/asn1/values/types/attr_value.h>
 #include <brevantis/asn1/values/types/attribute_register.h>
 #include <brevantis/asn1/values/types/attribute_type_and_value_traits.h>
 
+#include "types/name_text.h"
+
 namespace Brevantis::ASN1 {
 
 CAttributeTypeAndValue::CAttributeTypeAndValue(const char* oid, const CBlob& value)
     : type_(oid), value_(value) {}
+
+CAttributeTypeAndValue::CAttributeTypeAndValue(CStringProxy oid, CBlob value) noexcept
+    : type_(std::move(oid)), value_(std::move(value)) {}
 
 CAttributeTypeAndValue::CAttributeTypeAndValue(const wchar_t* typeText, const wchar_t* valueText,
                                                StringType type)
@@ -54,8 +60,13 @@ void CAttributeTypeAndValue::put_value_str(const wchar_t* text, StringType type)
 }
 
 CWStringProxy CAttributeTypeAndValue::toString() const {
-    return CATAVRegister::typeToStr(get_type()) + L"=" +
-           CATAVRegister::valueToStr(get_type(), value_);
+    std::wstring text;
+    appendTo(text);
+    return text;
+}
+
+void CAttributeTypeAndValue::appendTo(std::wstring& text) const {
+    appendPair(text, get_type(), value_);
 }
 
 void CAttributeTypeAndValue::fromString(const wchar_t* pair, StringType /*type*/) {

@@ -3,6 +3,8 @@
 #include <brevantis/asn1/values/types/primitive_traits.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
 
+#include "util/read_value.h"
+
 namespace Brevantis::ASN1 {
 
 void ASN1T_AttributeTypeAndValue_traits::set(ASN1CTXT* ctxt,
@@ -19,9 +21,8 @@ void ASN1T_AttributeTypeAndValue_traits::set(ASN1CTXT* ctxt,
 
 void ASN1T_AttributeTypeAndValue_traits::get(const asn1data::ASN1T_AttributeTypeAndValue& record,
                                              CAttributeTypeAndValue& value) {
-    CBlob encoding;
-    Asn1TObject_traits::get(record.value, encoding);
-    value = CAttributeTypeAndValue(toOID(record.type).c_str(), encoding);
+    value = CAttributeTypeAndValue(toOID(record.type),
+                                   readValue<Asn1TObject_traits, CBlob>(record.value));
 }
 
 } // namespace Brevantis::ASN1

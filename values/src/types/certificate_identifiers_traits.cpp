@@ -7,6 +7,8 @@
 #include <brevantis/asn1/values/types/other_hash_traits.h>
 #include <brevantis/asn1/values/types/primitive_traits.h>
 
+#include "util/read_value.h"
+
 namespace Brevantis::ASN1 {
 
 namespace {
@@ -32,12 +34,6 @@ Value withIssuerSerial(const Record& record, Value value) {
     return value;
 }
 
-CBlob hashOf(const ASN1TDynOctStr& record) {
-    CBlob hash;
-    ASN1TDynOctStr_traits::get(record, hash);
-    return hash;
-}
-
 } // namespace
 
 void ASN1T_ESSCertID_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_ESSCertID& record,
@@ -47,7 +43,8 @@ void ASN1T_ESSCertID_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_ESSCertID& reco
 }
 
 void ASN1T_ESSCertID_traits::get(const asn1data::ASN1T_ESSCertID& record, CESSCertID& value) {
-    value = withIssuerSerial(record, CESSCertID(hashOf(record.certHash)));
+    value = withIssuerSerial(record,
+                             CESSCertID(readValue<ASN1TDynOctStr_traits, CBlob>(record.certHash)));
 }
 
 void ASN1T_ESSCertIDv2_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_ESSCertIDv2& record,
@@ -64,7 +61,7 @@ void ASN1T_ESSCertIDv2_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_ESSCertIDv2& 
 }
 
 void ASN1T_ESSCertIDv2_traits::get(const asn1data::ASN1T_ESSCertIDv2& record, CESSCertIDv2& value) {
-    CESSCertIDv2 read(hashOf(record.certHash));
+    CESSCertIDv2 read(readValue<ASN1TDynOctStr_traits, CBlob>(record.certHash));
     if (record.m.hashAlgorithmPresent != 0) {
         CAlgorithmIdentifier algorithm;
         ASN1T_AlgorithmIdentifier_traits::get(record.hashAlgorithm, algorithm);

@@ -4,15 +4,20 @@
 #include <cwchar>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include <brevantis/asn1/runtime/character_string.h>
+#include <brevantis/asn1/runtime/header.h>
+#include <brevantis/asn1/runtime/measure.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 #include <brevantis/asn1/runtime/wide_text.h>
 #include <brevantis/asn1/values/util/context_handle.h>
 #include <brevantis/asn1/values/util/private_buffer.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 
+#include "types/name_text.h"
 #include "util/utf8_text.h"
+#include "util/wide_text.h"
 
 namespace Brevantis::ASN1 {
 
@@ -71,37 +76,57 @@ int encodeText(ASN1CTXT* ctxt, const wchar_t* text, StringType type) {
     }
 }
 
-/// The content of a string with 8-bit characters, up to its first zero octet.
-const char* decodeNarrow(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
-    char* text = nullptr;
-    requireSuccess(xd_charstr(ctxt, &text, ASN1TagImplicit, tag, length));
-    return text;
+/// A context that reads, and has a heap once a decoder takes a block.
+class Reader {
+public:
+    Reader() noexcept { rtInitReader(&ctxt_, nullptr, 0); }
+    ~Reader() { rtFreeContext(&ctxt_); }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    ASN1CTXT* get() noexcept { return &ctxt_; }
+
+private:
+    ASN1CTXT ctxt_;
+};
+
+/// The content of a string with 8-bit characters where it stands, up to its first zero octet. Its
+/// tag is one of a primitive form, so there are no segments.
+std::string_view decodeNarrow(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
+    ASN1Extent extent{};
+    requireSuccess(xd_measureText(ctxt, &extent, nullptr, ASN1TagImplicit, tag, length));
+    const void* const octets = extent.data;
+    const std::string_view text(static_cast<const char*>(octets), extent.count);
+    return text.substr(0, text.find('\0'));
+}
+
+void appendUTF8(std::wstring& text, std::string_view encoded) {
+    if (!appendASCII(text, encoded)) {
+        text += decodeUTF8(std::string(encoded).c_str(), CRYPT_E_ASN1_INTERNAL);
+    }
 }
 
 /// The content of a string with characters of another width, up to its first zero character, which
 /// would hide what follows it in the text of a name.
 template <class String, int (*Decode)(ASN1CTXT*, String*, ASN1TagType, ASN1TAG, int) noexcept>
-std::wstring decodeWide(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
+void appendWideString(std::wstring& text, ASN1CTXT* ctxt, ASN1TAG tag, int length) {
     String string{};
     requireSuccess(Decode(ctxt, &string, ASN1TagImplicit, tag, length));
     const auto end = std::find(string.data, string.data + string.nchars, 0u);
-    std::wstring text;
-    text.reserve(static_cast<std::size_t>(end - string.data));
     // What is above U+FFFF has no place in names and is left out, as rtUCSToWCSString does.
     std::copy_if(string.data, end, std::back_inserter(text),
                  [](unsigned character) { return character < 0x10000; });
-    return text;
 }
 
 } // namespace
 
-CWStringProxy decodeCharString(const CBlob& encoded) {
+void appendCharString(std::wstring& text, const CBlob& encoded) {
     // The decoder counts in 32 bits, and takes a size below 1 for an unknown one.
     if (encoded.cbData() == 0 || encoded.cbData() > 0x7FFFFFFFul) {
         ATL::AtlThrowImpl(CRYPT_E_ASN1_INTERNAL);
     }
-    ScopedContext context;
-    ASN1CTXT* ctxt = context.get();
+    Reader reader;
+    ASN1CTXT* ctxt = reader.get();
     requireSuccess(
         xd_setp(ctxt, encoded.pbData(), static_cast<int>(encoded.cbData()), nullptr, nullptr));
     ASN1TAG tag = 0;
@@ -109,19 +134,29 @@ CWStringProxy decodeCharString(const CBlob& encoded) {
     requireSuccess(xd_tag_len(ctxt, &tag, &length, ASN1MatchAdvance));
     switch (tag) {
     case UTF8String:
-        return decodeUTF8(decodeNarrow(ctxt, tag, length), CRYPT_E_ASN1_INTERNAL);
+        appendUTF8(text, decodeNarrow(ctxt, tag, length));
+        break;
     case NumericString:
     case PrintableString:
     case TeletexString:
     case IA5String:
-        return towstring(decodeNarrow(ctxt, tag, length));
+        appendWide(text, decodeNarrow(ctxt, tag, length));
+        break;
     case UniversalString:
-        return decodeWide<Asn132BitCharString, xd_32BitCharStr>(ctxt, tag, length);
+        appendWideString<Asn132BitCharString, xd_32BitCharStr>(text, ctxt, tag, length);
+        break;
     case BMPString:
-        return decodeWide<Asn116BitCharString, xd_16BitCharStr>(ctxt, tag, length);
+        appendWideString<Asn116BitCharString, xd_16BitCharStr>(text, ctxt, tag, length);
+        break;
     default:
         ATL::AtlThrowImpl(CRYPT_E_ASN1_INTERNAL);
     }
+}
+
+CWStringProxy decodeCharString(const CBlob& encoded) {
+    std::wstring text;
+    appendCharString(text, encoded);
+    return text;
 }
 
 CBlob encodeCharString(const wchar_t* text, StringType type) {

@@ -23,6 +23,11 @@ void Choice::put(unsigned int number, const void* newContent) {
     type = number;
 }
 
+void Choice::adopt(unsigned int number, void* newContent) noexcept {
+    findTraits(type)->deleteValue(std::exchange(value, newContent));
+    type = number;
+}
+
 void Choice::copyTo(Choice& empty) const {
     empty.value = findTraits(type)->newValue(value);
     empty.type = type;

@@ -34,7 +34,7 @@ void CGeneralName::putText(const wchar_t* text) {
     if (text == nullptr) {
         ATL::AtlThrowImpl(E_INVALIDARG);
     }
-    choice_.put<Traits>(text);
+    choice_.put<Traits>(std::wstring(text));
 }
 
 template <class Argument>

@@ -2,12 +2,14 @@
 
 #include <cwchar>
 #include <optional>
-#include <utility>
 
 #include <brevantis/asn1/values/types/name_traits.h>
 #include <brevantis/asn1/values/types/primitive_traits.h>
+#include <brevantis/asn1/values/util/object_identifier_text.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 #include <brevantis/support/code_page.h>
+
+#include "util/read_value.h"
 
 namespace Brevantis::ASN1 {
 
@@ -44,22 +46,6 @@ void setNew(ASN1CTXT* ctxt, Record*& record, const CBlob& value) {
     record = &made;
 }
 
-/// The wide text of a record.
-template <class Traits, class Record>
-std::wstring getText(const Record& record) {
-    CStringProxy text;
-    Traits::get(record, text);
-    return towstring(text.c_str());
-}
-
-/// The octets of a record.
-template <class Traits, class Record>
-CBlob getBlob(const Record& record) {
-    CBlob blob;
-    Traits::get(record, blob);
-    return blob;
-}
-
 } // namespace
 
 void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralName& record,
@@ -94,32 +80,33 @@ void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralName& 
 }
 
 void ASN1T_GeneralName_traits::get(const asn1data::ASN1T_GeneralName& record, CGeneralName& value) {
-    CGeneralName read;
+    auto& choice = value.choice_;
     switch (record.t) {
     case asn1data::T_GeneralName_rfc822Name:
-        read.put_rfc822Name(getText<ASN1IA5String_traits>(record.u.rfc822Name).c_str());
+        choice.put<CGeneralName::Rfc822Name>(towstring(record.u.rfc822Name));
         break;
     case asn1data::T_GeneralName_dNSName:
-        read.put_dNSName(getText<ASN1IA5String_traits>(record.u.dNSName).c_str());
+        choice.put<CGeneralName::DNSName>(towstring(record.u.dNSName));
         break;
     case asn1data::T_GeneralName_directoryName:
-        read.put_directoryName(getBlob<ASN1T_Name_traits>(requireValue(record.u.directoryName)));
+        choice.put<CGeneralName::DirectoryName>(
+            readValue<ASN1T_Name_traits, CBlob>(requireValue(record.u.directoryName)));
         break;
     case asn1data::T_GeneralName_uniformResourceIdentifier:
-        read.put_uniformResourceIdentifier(
-            getText<ASN1IA5String_traits>(record.u.uniformResourceIdentifier).c_str());
+        choice.put<CGeneralName::UniformResourceIdentifier>(
+            towstring(record.u.uniformResourceIdentifier));
         break;
     case asn1data::T_GeneralName_iPAddress:
-        read.put_iPAddress(getBlob<ASN1TDynOctStr_traits>(requireValue(record.u.iPAddress)));
+        choice.put<CGeneralName::IPAddress>(
+            readValue<ASN1TDynOctStr_traits, CBlob>(requireValue(record.u.iPAddress)));
         break;
     case asn1data::T_GeneralName_registeredID:
-        read.put_registeredID(
-            getText<ASN1TObjId_traits>(requireValue(record.u.registeredID)).c_str());
+        choice.put<CGeneralName::RegisteredID>(
+            towstring(toOID(requireValue(record.u.registeredID)).c_str()));
         break;
     default:
         ATL::AtlThrowImpl(E_INVALIDARG);
     }
-    value = std::move(read);
 }
 
 void ASN1T_GeneralNames_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralNames& record,

@@ -13,7 +13,7 @@ namespace {
 /// Appends an element for each piece of a text.
 /// @param make makes one of a terminated piece
 template <class List, class Make>
-// Kept: nothing quotes a separator, and joined quotes none. Programs depend on it.
+// Kept: nothing quotes a separator, and appendJoined quotes none. Programs depend on it.
 void appendPieces(List& list, const wchar_t* text, wchar_t separator, Make make) {
     const std::wstring pieces(CWStringProxy(text).c_str());
     std::size_t position = 0;
@@ -27,18 +27,16 @@ void appendPieces(List& list, const wchar_t* text, wchar_t separator, Make make)
     }
 }
 
-/// The texts of the elements with a separator between them.
-template <class List>
-std::wstring joined(const List& list, wchar_t separator) {
-    std::wstring text;
+/// Appends the texts of the elements with a separator between them.
+/// @param append appends that of one
+template <class List, class Append>
+void appendJoined(std::wstring& text, const List& list, wchar_t separator, Append append) {
     for (const auto& element : list) {
         if (&element != &list.front()) {
             text += separator;
         }
-        const CWStringProxy piece = element.toString();
-        text.append(piece.c_str(), piece.length());
+        append(element);
     }
-    return text;
 }
 
 /// Text whose declared type does not tell its units.
@@ -53,7 +51,14 @@ CRelativeDistinguishedName::CRelativeDistinguishedName(const wchar_t* text) {
 }
 
 CWStringProxy CRelativeDistinguishedName::toString() const {
-    return joined(*this, L'+');
+    std::wstring text;
+    appendTo(text);
+    return text;
+}
+
+void CRelativeDistinguishedName::appendTo(std::wstring& text) const {
+    appendJoined(text, *this, L'+',
+                 [&](const CAttributeTypeAndValue& pair) { pair.appendTo(text); });
 }
 
 void CRelativeDistinguishedName::fromString(const wchar_t* text) {
@@ -75,7 +80,10 @@ CName::CName(const wchar_t* text) {
 }
 
 CWStringProxy CName::toString() const {
-    return joined(*this, L',');
+    std::wstring text;
+    appendJoined(text, *this, L',',
+                 [&](const CRelativeDistinguishedName& rdn) { rdn.appendTo(text); });
+    return text;
 }
 
 void CName::fromString(const wchar_t* text) {

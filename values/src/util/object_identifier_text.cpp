@@ -61,9 +61,7 @@ unsigned str2oid(const char* text, ASN1OBJID* oid) {
 bool oid2str(CBlob& text, const ASN1OBJID* oid) {
     text.resize_to(rtOidToStrLen(oid) + 1);
     // Digits are characters of one octet, so the octets of the blob are the text.
-    std::string digits(text.cbData(), '\0');
-    rtOidToStr(oid, digits.data(), digits.size());
-    std::memcpy(text.pbData(), digits.data(), digits.size());
+    rtOidToStr(oid, static_cast<char*>(static_cast<void*>(text.pbData())), text.cbData());
     return true;
 }
 
@@ -76,9 +74,10 @@ ASN1OBJID toASN1OBJID(const char* text) {
 }
 
 CStringProxy toOID(const ASN1OBJID& oid) {
-    CBlob text;
-    oid2str(text, &oid);
-    return CStringProxy(static_cast<const char*>(static_cast<const void*>(text.pbData())));
+    constexpr std::size_t longestArc = 11; // 4294967295 and a dot, or the terminator
+    char text[ASN1MaxSubIds * longestArc];
+    rtOidToStr(&oid, text, sizeof text);
+    return CStringProxy(text);
 }
 
 } // namespace Brevantis::ASN1

@@ -22,6 +22,8 @@ public:
     explicit CExtValue(const char* oid);
     /// @param value the DER of the extension's value, without the OCTET STRING around it
     CExtValue(const char* oid, const CBlob& value);
+    /// The same from parts that are given away.
+    explicit CExtValue(CStringProxy oid, CBlob value) noexcept;
     CExtValue(const CExtValue&) = default;
     CExtValue(CExtValue&&) noexcept = default;
     CExtValue& operator=(const CExtValue& other) { return assignWhole(*this, other); }
@@ -47,6 +49,7 @@ public:
     CExtension() = default;
     /// @param critical whether a reader that does not know the extension has to refuse the whole
     CExtension(const CExtValue& value, bool critical);
+    CExtension(CExtValue&& value, bool critical) noexcept;
     /// @param oid dotted text, copied; null stands for the empty text
     /// @param value the DER of the extension's value, without the OCTET STRING around it
     explicit CExtension(const char* oid, const CBlob& value, bool critical = false);

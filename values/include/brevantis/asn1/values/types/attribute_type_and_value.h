@@ -1,6 +1,8 @@
 #ifndef BREVANTIS_ASN1_VALUES_TYPES_ATTRIBUTE_TYPE_AND_VALUE_H
 #define BREVANTIS_ASN1_VALUES_TYPES_ATTRIBUTE_TYPE_AND_VALUE_H
 
+#include <string>
+
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/character_string.h>
 #include <brevantis/asn1/values/util/whole_assignment.h>
@@ -23,6 +25,8 @@ public:
     /// @param oid dotted text, first looked at when the pair is encoded
     /// @param value the complete encoding of the value, copied
     CAttributeTypeAndValue(const char* oid, const CBlob& value);
+    /// The same from parts that are given away.
+    explicit CAttributeTypeAndValue(CStringProxy oid, CBlob value) noexcept;
     /// From the texts of the two parts.
     /// @param type how the value is written; StringTypeDefault: as the register tells
     /// @throws what CATAVRegister::makeATAV throws
@@ -84,6 +88,10 @@ public:
     void decode(const CBlob& blob);
 
 private:
+    friend class CRelativeDistinguishedName;
+
+    void appendTo(std::wstring& text) const;
+
     CStringProxy type_;
     CBlob value_;
 };

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/util/instances.h>
@@ -134,6 +135,11 @@ public:
     ///         old value is not kept.
     void put(unsigned int number, const void* newContent);
 
+    /// Stores a value as another alternative, or as the same, without copying it.
+    /// @param number of an alternative of this choice
+    /// @param newContent of the type that its traits know, made by `new`; owned from here on
+    void adopt(unsigned int number, void* newContent) noexcept;
+
     /// Gives a copy of the alternative and its value to a choice of the same class.
     /// @param empty holds nothing so far, and still does when copying the value throws
     void copyTo(Choice& empty) const;
@@ -208,6 +214,17 @@ public:
             choice_ = std::make_unique<Implementation>();
         }
         choice_->put(Traits::number, &value);
+    }
+
+    /// Stores a value itself. What this held stays when memory is out.
+    /// @tparam Traits of the alternative
+    template <class Traits>
+    void put(typename Traits::Value&& value) {
+        auto content = std::make_unique<typename Traits::Value>(std::move(value));
+        if (choice_ == nullptr) {
+            choice_ = std::make_unique<Implementation>();
+        }
+        choice_->adopt(Traits::number, content.release());
     }
 
     /// Deletes the implementation object.

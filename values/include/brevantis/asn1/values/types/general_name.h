@@ -14,6 +14,7 @@
 namespace Brevantis::ASN1 {
 
 class CName;
+struct ASN1T_GeneralName_traits;
 
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 2>;
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 3>;
@@ -108,6 +109,8 @@ public:
     void decode(const CBlob& blob);
 
 private:
+    friend struct ASN1T_GeneralName_traits;
+
     using Rfc822Name = ChoiceValueTraitsT<std::wstring, 2>;
     using DNSName = ChoiceValueTraitsT<std::wstring, 3>;
     using DirectoryName = ChoiceValueTraitsT<CBlob, 5>;

@@ -2,6 +2,7 @@
 #define BREVANTIS_ASN1_VALUES_TYPES_NAME_H
 
 #include <list>
+#include <string>
 
 #include <brevantis/asn1/export.h>
 #include <brevantis/asn1/values/types/attribute_type_and_value.h>
@@ -51,6 +52,11 @@ public:
     /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when @p blob is no
     ///         RelativeDistinguishedName; the object stays as it was
     void decode(const CBlob& blob);
+
+private:
+    friend class CName;
+
+    void appendTo(std::wstring& text) const;
 };
 
 /// Relative names in the order of the encoding.

@@ -102,9 +102,14 @@ struct ASN1TSeqOfList_traits {
     static void get(const _Asn1RTDList& list, List& value) {
         value.clear();
         for (const _Asn1RTDListNode* node = list.head; node != nullptr; node = node->next) {
-            Element element{};
-            ElementTraits::get(requireValue(static_cast<const Record*>(node->data)), element);
-            value.push_back(element);
+            const Record& record = requireValue(static_cast<const Record*>(node->data));
+            Element& element = value.emplace_back();
+            try {
+                ElementTraits::get(record, element);
+            } catch (...) {
+                value.pop_back();
+                throw;
+            }
         }
     }
 };
