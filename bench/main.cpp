@@ -4,8 +4,10 @@
 #include <cstring>
 #include <ctime>
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -15,13 +17,14 @@
 #include "corpus.h"
 #include "growth.h"
 #include "measurement.h"
+#include "published.h"
 #include "report.h"
 
 namespace {
 
 constexpr const char* Usage =
     R"(Usage: asn1_bench CORPUS [--check | --growth [--quick] | --count-instructions]
-                  [--instructions=FILE] [--benchmark_...=VALUE]...
+                  [--instructions=FILE] [--publish=DIRECTORY] [--benchmark_...=VALUE]...
 
 CORPUS is a directory that make_corpus.sh filled. Without an option everything is timed; the tables
 go to the standard output, in Markdown.
@@ -31,6 +34,8 @@ go to the standard output, in Markdown.
   --growth              how time and memory grow with a message; quickly: for one size less
   --count-instructions  do everything once for callgrind, which writes a file for each
   --instructions=FILE   lines of a name, a tabulator and a count, for the tables
+  --publish=DIRECTORY   write speed.md and speed.svg there too, the table of the README and the same
+                        as a chart; not where something of them was not measured
 )";
 
 using bench::Measurement;
@@ -139,8 +144,22 @@ int check(const bench::Measurements& measurements) {
     return whole ? 0 : 1;
 }
 
+void publish(const std::string& directory, const std::vector<Measurement>& measurements) {
+    if (!bench::isComplete(measurements)) {
+        std::cerr << "nothing is published: not everything was measured\n";
+        return;
+    }
+    std::ofstream table(directory + "/speed.md");
+    bench::writePublishedTable(table, measurements);
+    std::ofstream chart(directory + "/speed.svg");
+    bench::writeChart(chart, measurements);
+    if (!table.flush() || !chart.flush()) {
+        throw std::runtime_error(directory + " cannot be written to");
+    }
+}
+
 int run(const std::string& directory, const std::string& mode, const std::string& instructions,
-        bool quick) {
+        const std::string& published, bool quick) {
     if (mode == "--growth") {
         bench::writeGrowth(std::cout, directory, quick);
         return 0;
@@ -158,6 +177,9 @@ int run(const std::string& directory, const std::string& mode, const std::string
     bench::readInstructions(instructions, measurements.accepted);
     measureTimes(measurements.accepted);
     bench::writeReport(std::cout, measurements.accepted);
+    if (!published.empty()) {
+        publish(published, measurements.accepted);
+    }
     return 0;
 }
 
@@ -168,6 +190,7 @@ int main(int count, char** arguments) try {
     std::string directory;
     std::string mode;
     std::string instructions;
+    std::string published;
     bool quick = false;
     if (count > 1 && std::strcmp(arguments[1], bench::growthStep) == 0) {
         return bench::runGrowthStep(count - 2, arguments + 2);
@@ -180,6 +203,8 @@ int main(int count, char** arguments) try {
             quick = true;
         } else if (argument.rfind("--instructions=", 0) == 0) {
             instructions = argument.substr(std::strlen("--instructions="));
+        } else if (argument.rfind("--publish=", 0) == 0) {
+            published = argument.substr(std::strlen("--publish="));
         } else if (directory.empty() && argument[0] != '-') {
             directory = argument;
         } else {
@@ -191,7 +216,7 @@ int main(int count, char** arguments) try {
         std::cerr << Usage;
         return 2;
     }
-    return run(directory, mode, instructions, quick);
+    return run(directory, mode, instructions, published, quick);
 } catch (const std::exception& failure) {
     std::cerr << failure.what() << '\n';
     return 1;

@@ -4,59 +4,12 @@
 #include <set>
 #include <string>
 
+#include "comparison.h"
 #include "number_text.h"
 
 namespace bench {
 
 namespace {
-
-using Rows = std::vector<const Measurement*>;
-
-Rows rowsOf(const std::vector<Measurement>& all, const Sample& sample) {
-    Rows rows;
-    for (const Measurement& measurement : all) {
-        if (measurement.sample == &sample) {
-            rows.push_back(&measurement);
-        }
-    }
-    return rows;
-}
-
-/// Samples in the order of the measurements.
-std::vector<const Sample*> samplesOf(const std::vector<Measurement>& all) {
-    std::vector<const Sample*> samples;
-    for (const Measurement& measurement : all) {
-        if (samples.empty() || samples.back() != measurement.sample) {
-            samples.push_back(measurement.sample);
-        }
-    }
-    return samples;
-}
-
-/// What a library does in one of two directions, at its fullest, and of that the fastest form.
-const Measurement* fullest(const Rows& rows, const Library& library, bool encoding) {
-    const Measurement* found = nullptr;
-    for (const Measurement* row : rows) {
-        const Task task = row->operation->task;
-        if (row->library != &library || !(encoding ? recodes(task) : decodes(task))) {
-            continue;
-        }
-        if (found == nullptr || task > found->operation->task ||
-            (task == found->operation->task && row->time() < found->time())) {
-            found = row;
-        }
-    }
-    return found;
-}
-
-const Library* ours() {
-    for (const Library* library : libraries()) {
-        if (library->name() == ourName) {
-            return library;
-        }
-    }
-    return nullptr;
-}
 
 void writeVersions(std::ostream& out) {
     out << "| library | version |\n| --- | --- |\n";
@@ -70,14 +23,14 @@ void writeVersions(std::ostream& out) {
 
 /// One line of ratios, left out where there is nothing to compare with.
 void writeRatios(std::ostream& out, const std::string& title, const Rows& rows,
-                 const std::vector<const Library*>& columns, bool encoding) {
-    const Measurement* own = fullest(rows, *ours(), encoding);
+                 const std::vector<const Library*>& columns, Task task) {
+    const Measurement* own = fullest(rows, *ours(), task);
     if (own == nullptr) {
         return;
     }
     out << "| " << title << " | " << timeText(own->time()) << " |";
     for (const Library* column : columns) {
-        const Measurement* other = fullest(rows, *column, encoding);
+        const Measurement* other = fullest(rows, *column, task);
         out << (other != nullptr ? ' ' + ratioText(other->time() / own->time()) + " |" : " |");
     }
     out << '\n';
@@ -99,8 +52,8 @@ void writeSummary(std::ostream& out, const std::vector<Measurement>& all) {
     out << '\n';
     for (const Sample* sample : samplesOf(all)) {
         const Rows rows = rowsOf(all, *sample);
-        writeRatios(out, sample->name + ": decode", rows, columns, false);
-        writeRatios(out, sample->name + ": decode and encode", rows, columns, true);
+        writeRatios(out, sample->name + ": decode", rows, columns, Task::DecodeAll);
+        writeRatios(out, sample->name + ": decode and encode", rows, columns, Task::RecodeAll);
     }
     out << '\n';
 }
@@ -123,8 +76,8 @@ void writeSample(std::ostream& out, const Sample& sample, Rows rows) {
     out << "### " << sample.name << ", " << octetText(static_cast<double>(sample.size()) / messages)
         << "\n\n| library | calls | task | time | ratio | allocations | asked for | peak | "
            "instructions |\n| --- | --- | --- | ---: | ---: | ---: | ---: | ---: | ---: |\n";
-    const Measurement* decoding = fullest(rows, *ours(), false);
-    const Measurement* encoding = fullest(rows, *ours(), true);
+    const Measurement* decoding = fullest(rows, *ours(), Task::DecodeAll);
+    const Measurement* encoding = fullest(rows, *ours(), Task::RecodeAll);
     std::sort(rows.begin(), rows.end(),
               [](const Measurement* a, const Measurement* b) { return a->time() < b->time(); });
     for (const Measurement* row : rows) {
@@ -163,21 +116,6 @@ constexpr OverviewLine overview[] = {
     {"name, decode, text", "name", Task::DecodeText, nullptr, 1},
     {"extensions, decode", "extensions", Task::DecodeAll, nullptr, 1},
     {"alternative names, decode", "alternative names", Task::Decode, nullptr, 1}};
-
-/// The tasks of others that do as much as one of ours, or less where nobody does more.
-bool isComparable(Task own, Task other) {
-    switch (own) {
-    case Task::Decode:
-    case Task::DecodeAll:
-    case Task::DecodeInPlace:
-        return decodes(other);
-    case Task::Recode:
-    case Task::RecodeAll:
-        return recodes(other);
-    default:
-        return own == other && own != Task::Scan;
-    }
-}
 
 void writeFigures(std::ostream& out, const Measurement& row, double parts) {
     const double each = parts * static_cast<double>(row.sample->messages.size());

@@ -4,6 +4,9 @@
 #
 # Usage: scripts/bench.sh [--quick] [--check | --growth | --instructions] [--benchmark_...=VALUE]...
 #
+# A run of everything also draws docs/speed.svg and fills in the table of README.md, from the same
+# figures.
+#
 #   --quick         shorter runs and fewer of them: for a look, not for a claim
 #   --check         does everything once and tells what is refused
 #   --growth        how time and memory grow with a message, in place of the other tables
@@ -49,6 +52,38 @@ if [[ -n $quick ]]; then
     timing=(--benchmark_min_time=0.005 --benchmark_repetitions=3)
 fi
 
+# Puts the figures where readers see them, when all of them were measured.
+publish() {
+    local runs='nine runs' machine
+    if [[ ! -e $published/speed.md ]]; then
+        return
+    fi
+    if [[ -n $quick ]]; then
+        runs='three short runs'
+    fi
+    machine=$(lscpu | sed -n 's/^Model name: *//p')
+    if lscpu | grep -q '^Hypervisor vendor:'; then
+        machine="a virtual machine, $machine"
+    fi
+    cp "$published/speed.svg" "$root/docs/speed.svg"
+    {
+        printf 'Medians of %s on one core of %s.\n\n' "$runs" "$machine"
+        cat "$published/speed.md"
+        echo
+    } >"$published/figures"
+    awk -v figures="$published/figures" '
+        /^<!-- end of the figures -->$/ { inside = 0 }
+        !inside { print }
+        /^<!-- figures, by scripts\/bench.sh -->$/ {
+            inside = 1
+            while ((getline line < figures) > 0) print line
+        }' "$root/README.md" >"$published/README.md"
+    cp "$published/README.md" "$root/README.md"
+    say "docs/speed.svg and the table of README.md show this run"
+}
+
+published=$(mktemp -d)
+trap 'rm -rf "$published"' EXIT
 case $mode in
     --check)
         measure --check "$@"
@@ -57,8 +92,8 @@ case $mode in
         measure --growth ${quick:+"$quick"} "$@"
         ;;
     --instructions)
-        folder=$(mktemp -d)
-        trap 'rm -rf "$folder"' EXIT
+        folder=$published/instructions
+        mkdir "$folder"
         say "counting instructions"
         valgrind --tool=callgrind --collect-atstart=no --callgrind-out-file="$folder/out" \
             "$program" "$corpus" --count-instructions >"$folder/log" 2>&1 ||
@@ -67,9 +102,11 @@ case $mode in
         awk -F': ' '/^desc: Trigger: Client Request: / { name = substr($0, 32) }
             /^(summary|totals): / && name != "" { print name "\t" $2; name = "" }' \
             "$folder"/out.* >"$folder/instructions"
-        measure --instructions="$folder/instructions" "${timing[@]}" "$@"
+        measure --instructions="$folder/instructions" --publish="$published" "${timing[@]}" "$@"
+        publish
         ;;
     *)
-        measure "${timing[@]}" "$@"
+        measure --publish="$published" "${timing[@]}" "$@"
+        publish
         ;;
 esac

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the tests of the example programs: $1 is the program, and the work is done in a folder
 # of its own.
 set -euo pipefail
