@@ -2,6 +2,7 @@
 
 #include <brevantis/asn1/asn1data/family.h>
 
+#include "strict_reading.h"
 #include "value_access.h"
 
 namespace asn1data::family {
@@ -17,7 +18,10 @@ int decodeFrom(ASN1CType& control, ASN1MessageBufferIF& buffer, const TypeDescri
                void* value) {
     control.setMsgBuf(buffer);
     // A message that cannot be bound is met by the decoder itself, with the status that fits.
-    buffer.init();
+    const int bound = buffer.init();
+    if (isRefusedUnread(buffer.getCtxtPtr()->flags, bound)) {
+        return fail(buffer.getCtxtPtr(), bound);
+    }
     // Whoever releases the value through the control's context must know as well that strings may
     // lie in the message.
     if (control.getCtxtPtr() != nullptr && (buffer.getCtxtPtr()->flags & ASN1F_NO_COPY) != 0) {

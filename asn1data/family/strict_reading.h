@@ -20,6 +20,15 @@ inline bool isStrict(const ASN1CTXT& ctxt) {
     return (ctxt.flags & StrictFlags) != 0;
 }
 
+/// Whether a message is refused before it is decoded. A context that could not read its first
+/// header stands behind some of its octets, where a message may begin by chance. One that is longer
+/// than what there is of it stands at the beginning, and is left to the rules.
+/// @param flags of policies
+/// @param bound what binding the message came to
+inline bool isRefusedUnread(int flags, int bound) {
+    return (flags & StrictFlags) != 0 && bound != ASN1S_SUCCESS && bound != ASN1S_INVALID_LENGTH;
+}
+
 /// Holds the value at the context's position to the rules of its policies.
 /// @param tagging as for decode; of a value whose tag was read, the contents are looked at
 /// @return 0, also for what the decoder itself refuses; or the status of a broken rule, with the

@@ -76,6 +76,16 @@ WalkResult family::walkPlainly(const TypeDescription& type, const unsigned char*
     }
     family::Walker walker(message, static_cast<unsigned>(size), visitor, result.failure);
     walker.setPolicy(policy);
+    if (isRefusedUnread(policy.flags, walker.bound)) {
+        result.status = walker.bound;
+        result.consumed = walker.position();
+        result.failure.status = result.status;
+        result.failure.offset = result.consumed;
+        result.failure.partOffset = result.consumed;
+        result.failure.expectation = Expectation::Header;
+        result.failure.type = &type;
+        return result;
+    }
     const int status = walker.run(type);
     result.stopped = status == family::WalkStopped;
     result.status = result.stopped ? ASN1S_SUCCESS : status;

@@ -49,7 +49,7 @@ Walker::Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor
     ctxt.flags = ASN1F_NO_COPY;
     if (size != 0) { // without octets there is no size to state
         // A message that cannot be bound is met by the decoder itself, with the status that fits.
-        xd_setp(&ctxt, base, static_cast<int>(size), nullptr, nullptr);
+        bound = xd_setp(&ctxt, base, static_cast<int>(size), nullptr, nullptr);
     }
 }
 

@@ -171,6 +171,7 @@ public:
     bool assembled = false;                      ///< as in WalkElement
     bool stopped = false;
     bool stepped = false;      ///< the value read last was stepped over
+    int bound = 0;             ///< what binding the message came to
     bool elementLimit = false; ///< then the order of reading counts, which is the decoder's
     bool rereads = false;      ///< what is read now has been read in silence
     unsigned elementsLeft = 0;

@@ -206,4 +206,17 @@ TEST(ReadingPolicy, OnDamagedValuesOfTheCatalogue) {
     tests::checkDamagedValues(allTypes(), 4, 20, agreement);
 }
 
+// A tag number of too many bits is read as far as it goes, and what is behind it is a message.
+TEST(ReadingPolicy, StrictOnesWantTheMessageAtTheBeginning) {
+    const Octets message = tests::fromHex("FF D5 FE F6 B5 01 06 03 2A 03 04");
+    for (const int flags : {0, int{ASN1F_EXACT}, int{ASN1F_DER}}) {
+        ASN1BERDecodeBuffer buffer(message.data(), static_cast<int>(message.size()));
+        rtCtxtSetFlag(buffer.getCtxtPtr(), flags);
+        ASN1T_ContentType identifier;
+        const int status = ASN1C_ContentType(buffer, identifier).Decode();
+        EXPECT_EQ(status, flags == 0 ? 0 : ASN1S_BAD_TAG);
+        EXPECT_EQ(tests::expectWalkAgrees(*findType("ContentType"), message, flags), status);
+    }
+}
+
 } // namespace

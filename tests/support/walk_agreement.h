@@ -51,7 +51,13 @@ inline int expectWalkAgrees(const asn1data::TypeDescription& type, const Octets&
         rtCtxtSetDepthLimit(reader, policy.depthLimit);
         unsigned char* const octets = reader->buffer.data;
         if (!message.empty()) {
-            xd_setp(reader, octets, static_cast<int>(message.size()), nullptr, nullptr);
+            const int bound =
+                xd_setp(reader, octets, static_cast<int>(message.size()), nullptr, nullptr);
+            // Control classes refuse it then, where a policy is strict.
+            if ((policy.flags & (ASN1F_EXACT | ASN1F_DER)) != 0 && bound != ASN1S_SUCCESS &&
+                bound != ASN1S_INVALID_LENGTH) {
+                return bound;
+            }
         }
         return family::decode(reader, type, family::newRecord(reader, type), ASN1TagExplicit, 0);
     };

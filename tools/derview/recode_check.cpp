@@ -50,6 +50,13 @@ bool RecodeCheck::differsAround(const WalkElement& element) {
         }
         place += header.size;
     }
+    // The end of a message ends the elements that claim to be longer.
+    const std::size_t left = message_.size() - std::min(message_.size(), element.offset + place);
+    if (!element.assembled && element.contentLength > 0 &&
+        static_cast<std::size_t>(element.contentLength) > left) {
+        difference = element.valueOffset + 1;
+        return true;
+    }
     if (element.segmented) {
         difference = element.valueOffset;
     }
