@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets and runs all of them, two at a time, each input held to a time and a
-# memory. Inputs that reach something new are kept in build/fuzz/corpus for the next run; findings
-# are kept in build/fuzz/findings. Prints what was executed, how many types of the catalogue came
-# through whole, and the findings; exits with 1 when there is one.
+# Builds the fuzz targets, counts the steps of everything at growing sizes, and runs the targets, two
+# at a time, each input held to a time and a memory. Inputs that reach something new are kept in
+# build/fuzz/corpus for the next run; findings are kept in build/fuzz/findings. Prints what was
+# executed, how many types of the catalogue came through whole, and the findings; exits with 1 when
+# there is one.
 #
 # Usage: scripts/fuzz.sh [--coverage] [SECONDS] [TARGET...]
 #
@@ -80,9 +81,16 @@ report_coverage() {
     cat "$fuzz/coverage.txt"
 }
 
-build fuzz -- "${targets[@]/#/fuzz_}" fuzz_inputs
+build fuzz -- "${targets[@]/#/fuzz_}" fuzz_inputs fuzz_bounds
 rm -rf "$fuzz/findings" "$fuzz/logs" "$fuzz/reached"
 mkdir -p "$fuzz/findings" "$fuzz/logs" "$fuzz/reached"
+
+findings=0
+say "counting steps"
+if ! "$fuzz/bin/fuzz_bounds" --gtest_brief=1 >"$fuzz/logs/bounds" 2>&1; then
+    findings=1
+    grep -E -A 8 Failure "$fuzz/logs/bounds" | tail -n 40 || true
+fi
 
 # What one has left over of its share when it ends early, others do not get.
 share=$((seconds * at_a_time / ${#targets[@]}))
@@ -98,7 +106,6 @@ for target in "${targets[@]}"; do
 done
 wait
 
-findings=0
 executions=0
 for target in "${targets[@]}"; do
     units=$(statistic "$target" number_of_executed_units)

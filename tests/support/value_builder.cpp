@@ -29,7 +29,7 @@ T& at(void* record, unsigned offset) {
 
 /// How deep the shallowest value of a type is: a CHOICE far down takes the way out.
 unsigned shallowest(const TypeDescription& type, unsigned limit) {
-    static std::map<std::pair<const TypeDescription*, unsigned>, unsigned> known;
+    thread_local std::map<std::pair<const TypeDescription*, unsigned>, unsigned> known;
     if (limit == 0) {
         return Unreachable;
     }
