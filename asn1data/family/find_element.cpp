@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime/header.h>
@@ -77,12 +78,14 @@ private:
         }
         rest += rest != text_ && *rest == '.' ? 1 : 0;
         const bool addition = step->kind == StepKind::Addition;
-        const char* const name = addition ? "addition" : step->name;
-        const std::size_t length = std::strlen(name);
-        if (std::strncmp(rest, name, length) != 0) {
+        const char* name = addition ? "addition" : step->name;
+        while (*name != '\0' && *name == *rest) {
+            ++name;
+            ++rest;
+        }
+        if (*name != '\0') {
             return nullptr;
         }
-        rest += length;
         if (addition) {
             return behindIndex(element, *step, rest);
         }
@@ -98,12 +101,13 @@ private:
         if (*text++ != '[') {
             return nullptr;
         }
-        const std::size_t digits = std::strspn(text, "0123456789");
-        if (text[digits] == '.') {
-            return &step == element.step && hasIdentifier(element, text) ? behindPlace(text)
-                                                                         : nullptr;
+        const char* const first = text;
+        const unsigned long long index = readArc(text);
+        if (*text == '.') {
+            return &step == element.step && hasIdentifier(element, first) ? behindPlace(first)
+                                                                          : nullptr;
         }
-        return readArc(text) == step.index ? text + 1 : nullptr;
+        return index == step.index ? text + 1 : nullptr;
     }
 
     /// Whether an element is a record that begins with an identifier.
@@ -153,74 +157,139 @@ private:
     const unsigned char* end_;          ///< of the message
 };
 
-/// Goes straight to the element that a path names.
+/// One path on its way through a message.
+struct Search {
+    PathText path;
+    ElementSpan* span;
+    unsigned depth = 0; ///< of the elements that the next one of the path is among
+    bool over = false;
+};
+
+/// Goes straight to the elements that paths name.
 class Finder : public WalkVisitor {
 public:
-    Finder(const char* path, const unsigned char* end, ElementSpan& span)
-        : path_(path, end), end_(end), span_(span) {}
+    enum : std::size_t { MaximumSearches = 16 };
+
+    /// @param end behind the message
+    explicit Finder(const unsigned char* end) : end_(end) {}
+
+    void add(const char* path, ElementSpan& span) {
+        span = ElementSpan{};
+        if (path == nullptr || !PathText(path, end_).isWellFormed()) {
+            span.status = ASN1S_INVALID_PARAMETER;
+            return;
+        }
+        span.status = ASN1S_MISSING_ELEMENT;
+        searches_[count_++].emplace(Search{PathText(path, end_), &span});
+        ++open_;
+    }
+    bool isDone() const { return open_ == 0; }
+    /// The message fails in front of what has not been found.
+    void fail(const WalkResult& result) {
+        forEach([&](Search& search) {
+            search.span->status = result.status;
+            search.span->failure = result.failure;
+        });
+    }
 
     WalkAction enter(const WalkElement& element) override {
-        const char* const rest = path_.behind(element);
-        if (rest == nullptr) {
-            return WalkAction::Skip;
-        }
-        if (*rest == '\0') {
-            return found(element);
-        }
-        path_.enter(element, rest);
-        return WalkAction::Continue;
+        bool enters = false;
+        forEach([&](Search& search) {
+            const char* const rest = restOf(search, element);
+            if (rest != nullptr && *rest == '\0') {
+                found(search, element);
+            } else if (rest != nullptr) {
+                search.path.enter(element, rest);
+                search.depth = element.depth + 1;
+                enters = true;
+            }
+        });
+        return isDone() ? WalkAction::Stop : enters ? WalkAction::Continue : WalkAction::Skip;
     }
-    WalkAction leave(const WalkElement& /*element*/) override {
-        // What was on the way to the element is over without it.
-        return WalkAction::Stop;
+    WalkAction leave(const WalkElement& element) override {
+        forEach([&](Search& search) {
+            if (search.depth > element.depth) { // its way is over without the last element
+                close(search);
+            }
+        });
+        return isDone() ? WalkAction::Stop : WalkAction::Continue;
     }
     WalkAction primitive(const WalkElement& element) override {
-        const char* const rest = path_.behind(element);
-        return rest != nullptr && *rest == '\0' ? found(element) : WalkAction::Continue;
+        forEach([&](Search& search) {
+            const char* const rest = restOf(search, element);
+            if (rest != nullptr && *rest == '\0') {
+                found(search, element);
+            }
+        });
+        return isDone() ? WalkAction::Stop : WalkAction::Continue;
     }
 
 private:
-    WalkAction found(const WalkElement& element) {
+    template <class Operation>
+    void forEach(Operation operation) {
+        for (std::size_t i = 0; i < count_; ++i) {
+            if (!searches_[i]->over) {
+                operation(*searches_[i]);
+            }
+        }
+    }
+    static const char* restOf(const Search& search, const WalkElement& element) {
+        return search.depth == element.depth ? search.path.behind(element) : nullptr;
+    }
+    void close(Search& search) {
+        search.over = true;
+        --open_;
+    }
+    void found(Search& search, const WalkElement& element) {
+        close(search);
+        ElementSpan& span = *search.span;
         if (element.assembled) {
-            span_.status = ASN1S_NOT_SUPPORTED;
-            return WalkAction::Stop;
+            span.status = ASN1S_NOT_SUPPORTED;
+            return;
         }
         const unsigned size = elementSize(element, end_);
         if (size == 0) {
-            span_.status = ASN1S_END_OF_BUFFER;
-            return WalkAction::Stop;
+            span.status = ASN1S_END_OF_BUFFER;
+            return;
         }
-        span_.status = ASN1S_SUCCESS;
-        span_.data = element.data;
-        span_.size = size;
-        span_.offset = element.offset;
-        span_.contentOffset = element.offset + element.headerLength;
-        span_.contentLength = element.contentLength;
-        span_.type = element.type;
-        return WalkAction::Stop;
+        span.status = ASN1S_SUCCESS;
+        span.data = element.data;
+        span.size = size;
+        span.offset = element.offset;
+        span.contentOffset = element.offset + element.headerLength;
+        span.contentLength = element.contentLength;
+        span.type = element.type;
     }
 
-    PathText path_;
     const unsigned char* end_;
-    ElementSpan& span_;
+    std::optional<Search> searches_[MaximumSearches];
+    std::size_t count_ = 0;
+    std::size_t open_ = 0;
 };
 
 } // namespace
 
+void findElements(const TypeDescription& type, const unsigned char* message, std::size_t size,
+                  const char* const* paths, ElementSpan* spans, std::size_t count) {
+    for (std::size_t next = 0; next < count;) {
+        Finder finder(message != nullptr ? message + size : nullptr);
+        const std::size_t last = std::min<std::size_t>(count, next + Finder::MaximumSearches);
+        for (; next < last; ++next) {
+            finder.add(paths[next], spans[next]);
+        }
+        if (!finder.isDone()) {
+            const WalkResult result = walk(type, message, size, finder);
+            if (result.status != ASN1S_SUCCESS) {
+                finder.fail(result);
+            }
+        }
+    }
+}
+
 ElementSpan findElement(const TypeDescription& type, const unsigned char* message, std::size_t size,
                         const char* path) {
-    ElementSpan span{};
-    if (path == nullptr || !PathText(path, nullptr).isWellFormed()) {
-        span.status = ASN1S_INVALID_PARAMETER;
-        return span;
-    }
-    span.status = ASN1S_MISSING_ELEMENT;
-    Finder finder(path, message != nullptr ? message + size : nullptr, span);
-    const WalkResult result = walk(type, message, size, finder);
-    if (result.status != ASN1S_SUCCESS) {
-        span.status = result.status;
-        span.failure = result.failure;
-    }
+    ElementSpan span;
+    findElements(type, message, size, &path, &span, 1);
     return span;
 }
 

@@ -261,14 +261,14 @@ bool walkValues(Octets message) {
 /// A certificate need not have alternative names.
 bool findFields(Octets message) {
     static const asn1data::TypeDescription* const type = asn1data::findType("Certificate");
-    const auto find = [&](const char* path) {
-        return asn1data::findElement(*type, message.data, message.size, path).status;
-    };
-    if (find("tbsCertificate.serialNumber") != 0 || find("tbsCertificate.subject") != 0) {
-        return false;
-    }
-    const int status = find("tbsCertificate.extensions[2.5.29.17].extnValue.subjectAltName");
-    return status == 0 || status == ASN1S_MISSING_ELEMENT;
+    constexpr std::size_t count = 3;
+    static const char* const paths[count] = {
+        "tbsCertificate.serialNumber", "tbsCertificate.subject",
+        "tbsCertificate.extensions[2.5.29.17].extnValue.subjectAltName"};
+    asn1data::ElementSpan spans[count];
+    asn1data::findElements(*type, message.data, message.size, paths, spans, count);
+    return spans[0].status == 0 && spans[1].status == 0 &&
+           (spans[2].status == 0 || spans[2].status == ASN1S_MISSING_ELEMENT);
 }
 
 // ---- value classes ------------------------------------------------------------------------------
@@ -361,7 +361,7 @@ std::vector<Operation> operations() {
         addSteps<ASN1C_ContentInfo, ASN1T_ContentInfo, asn1Copy_ContentInfo, asn1Free_ContentInfo>(
             all, Kind::SignedData, "asn1Copy_ContentInfo", "asn1Free_ContentInfo");
         all.push_back({Kind::Certificate, Task::Fields,
-                       "findElement: serial number, subject, alternative names", findFields});
+                       "findElements: serial number, subject, alternative names", findFields});
         addObjects(all);
     }
     return all;

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <brevantis/asn1/asn1data.h>
 #include <gtest/gtest.h>
@@ -144,6 +146,34 @@ TEST(Walk, FindsAnElementByItsPath) {
             EXPECT_EQ(span.data, message.data() + span.offset);
         }
     }
+}
+
+TEST(Walk, FindsManyElementsInOnePass) {
+    // One inside another, one twice, one behind, one missing; and more than one pass takes.
+    const Octets message = tests::fromHex("30 0A 30 06 02 01 05 02 01 06 30 00");
+    const TypeDescription& type = *shapes::findType("ListOfLists");
+    std::vector<const char*> paths(20, "[0][1]");
+    const char* const first[] = {"[1]", "[0][0]", "[0]", "[0][2]", "[x]", "", "[0][0]", "[2]"};
+    std::copy(std::begin(first), std::end(first), paths.begin());
+    std::vector<ElementSpan> spans(paths.size());
+    findElements(type, message.data(), message.size(), paths.data(), spans.data(), paths.size());
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        SCOPED_TRACE(paths[i]);
+        const ElementSpan alone = findElement(type, message.data(), message.size(), paths[i]);
+        EXPECT_EQ(spans[i].status, alone.status);
+        EXPECT_EQ(spans[i].data, alone.data);
+        EXPECT_EQ(spans[i].size, alone.size);
+    }
+    EXPECT_EQ(spans[0].offset, 10u);
+    EXPECT_EQ(spans[3].status, ASN1S_MISSING_ELEMENT);
+    EXPECT_EQ(spans[4].status, ASN1S_INVALID_PARAMETER);
+    EXPECT_EQ(spans[19].offset, 7u);
+
+    // A failure is that of all that lie behind it.
+    const Octets broken = tests::fromHex("30 0A 30 06 02 01 05 05 01 06 30 00");
+    findElements(type, broken.data(), broken.size(), paths.data(), spans.data(), 2);
+    EXPECT_EQ(spans[0].status, ASN1S_TAG_NOT_FOUND);
+    EXPECT_EQ(spans[1].status, 0);
 }
 
 TEST(Walk, ReportsWhatCameBeforeAFailure) {

@@ -283,6 +283,15 @@ BREVANTIS_ASN1_API ElementSpan findElement(const TypeDescription& type,
                                            const unsigned char* message, std::size_t size,
                                            const char* path);
 
+/// Finds several elements in one pass (in one for each 16 of them).
+/// @param paths @p count paths, each as with findElement
+/// @param spans receives @p count spans, in the order of the paths, each as findElement finds it;
+///        but where the message fails on the way to one of them, all that have not been found then
+///        have that status
+BREVANTIS_ASN1_API void findElements(const TypeDescription& type, const unsigned char* message,
+                                     std::size_t size, const char* const* paths, ElementSpan* spans,
+                                     std::size_t count);
+
 } // namespace asn1data
 
 #endif
