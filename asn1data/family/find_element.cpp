@@ -40,7 +40,7 @@ public:
     /// How far the steps to an element, which lies in the one that was entered last, agree with the
     /// text.
     /// @return what is left of the text behind them, null when they differ
-    const char* behind(const WalkElement& element) const { return behind(element, element.step); }
+    const char* behind(const WalkElement& element) { return behind(element, element.step); }
 
     /// The elements to come lie in this one.
     /// @param rest what is left of the text behind it
@@ -64,7 +64,7 @@ private:
         }
     }
 
-    const char* behind(const WalkElement& element, const WalkStep* step) const {
+    const char* behind(const WalkElement& element, const WalkStep* step) {
         if (step == entered_ || step->kind == StepKind::Message) {
             return rest_;
         }
@@ -96,8 +96,7 @@ private:
         return step.kind == StepKind::Alternative || step.kind == StepKind::Object;
     }
 
-    const char* behindIndex(const WalkElement& element, const WalkStep& step,
-                            const char* text) const {
+    const char* behindIndex(const WalkElement& element, const WalkStep& step, const char* text) {
         if (*text++ != '[') {
             return nullptr;
         }
@@ -112,7 +111,7 @@ private:
 
     /// Whether an element is a record that begins with an identifier.
     /// @param text the arcs, up to the bracket
-    bool hasIdentifier(const WalkElement& element, const char* text) const {
+    bool hasIdentifier(const WalkElement& element, const char* text) {
         const TypeDescription* const type = element.type;
         if (type == nullptr || type->shape != Shape::Sequence || type->elementCount == 0 ||
             type->elements[0].tagging != Tagging::Untagged ||
@@ -123,6 +122,9 @@ private:
             return true;
         }
         const unsigned char* const contents = element.data + element.headerLength;
+        if (differsAtItsEnd(contents, text)) {
+            return false;
+        }
         ASN1CTXT reader;
         rtInitReader(&reader, contents, static_cast<unsigned>(end_ - contents));
         ASN1OBJID identifier;
@@ -140,6 +142,23 @@ private:
         return false;
     }
 
+    /// Whether an identifier, most of which differ from each other in their last arc, does so in
+    /// the seven bits that end its octets.
+    bool differsAtItsEnd(const unsigned char* contents, const char* text) {
+        if (text != identifier_) {
+            identifier_ = text;
+            unsigned count = 1;
+            for (last_ = readArc(text); *text == '.'; ++count) {
+                last_ = readArc(++text);
+            }
+            comparable_ = count > 2; // the first two share their octets
+        }
+        const auto left = static_cast<std::size_t>(end_ - contents);
+        return comparable_ && left > 2 && contents[0] == 6 && contents[1] < 0x80 &&
+               contents[1] + std::size_t{1} < left &&
+               ((contents[1 + contents[1]] ^ last_) & 0x7F) != 0;
+    }
+
     /// Reads digits, and moves behind them. What 32 bits do not hold becomes what no arc and no
     /// index is.
     static unsigned long long readArc(const char*& text) {
@@ -155,6 +174,10 @@ private:
     const char* rest_;                  ///< behind the element that was entered last
     const WalkStep* entered_ = nullptr; ///< to it
     const unsigned char* end_;          ///< of the message
+    // What was found out of an identifier in the text, and the text.
+    const char* identifier_ = nullptr;
+    unsigned long long last_ = 0;
+    bool comparable_ = false;
 };
 
 /// One path on its way through a message.
@@ -233,7 +256,7 @@ private:
             }
         }
     }
-    static const char* restOf(const Search& search, const WalkElement& element) {
+    static const char* restOf(Search& search, const WalkElement& element) {
         return search.depth == element.depth ? search.path.behind(element) : nullptr;
     }
     void close(Search& search) {
