@@ -68,7 +68,7 @@ private:
         if (step == entered_ || step->kind == StepKind::Message) {
             return rest_;
         }
-        const char* rest = behind(element, step->outer);
+        const char* rest = step->outer == entered_ ? rest_ : behind(element, step->outer);
         if (rest == nullptr || *rest == '\0') {
             // A path may end where an alternative or an object is still to be named.
             return rest != nullptr && sharesOctets(*step) ? rest : nullptr;
