@@ -246,7 +246,8 @@ struct WalkResult {
 /// Everything up to a failure has been reported when it fails. Nothing is allocated, unless an
 /// OCTET STRING that holds a value of a known type comes in segments: its contents are then put
 /// together in a block of the heap functions (`g_malloc_func`), which is freed before the walk
-/// returns. The stack in use is bounded by the nesting limit of 64 open and recursive types.
+/// returns. The stack in use is bounded by the nesting limit of 64 open and recursive types: 400 kB
+/// at most.
 /// @param type what the message is
 /// @param message @p size octets, which must not change meanwhile; may be null when @p size is 0
 /// @param size at most 0x7FFFFFFF, else ASN1S_VALUE_TOO_BIG and nothing is read
