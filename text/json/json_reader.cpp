@@ -370,8 +370,8 @@ private:
     JsonLimits limits_;
     std::vector<Frame> frames_;
     Target root_;
-    Target next_;   ///< for the value of the key that was read last
-    Fields fields_; ///< of the one frame of fields that can be open
+    Target next_;           ///< for the value of the key that was read last
+    Fields fields_;         ///< of the one frame of fields that can be open
     bool hasValue_ = false; ///< the envelope had a value
 };
 

@@ -226,11 +226,11 @@ void JsonWriter::writeValue(const WalkElement& element) {
 }
 
 asn1data::WalkResult writeJson(const TypeDescription& type, Octets message, Sink& sink,
-                               JsonLayout layout) {
+                               JsonLayout layout, const asn1data::ReadingPolicy& policy) {
     JsonStream json(sink, layout);
     JsonWriter writer(json);
     const asn1data::WalkResult result =
-        asn1data::walk(type, message.data(), message.size(), writer);
+        asn1data::walk(type, message.data(), message.size(), writer, policy);
     writer.end();
     json.finish();
     return result;
