@@ -8,13 +8,9 @@ namespace notation {
 
 void Diagnostics::error(const Location& at, const std::string& sentence) {
     // What several names refer to is read for each of them.
-    for (const Entry& entry : entries_) {
-        if (entry.at.file == at.file && entry.at.line == at.line && entry.at.column == at.column &&
-            entry.sentence == sentence) {
-            return;
-        }
+    if (known_.emplace(at.file, at.line, at.column, sentence).second) {
+        entries_.push_back({at, sentence});
     }
-    entries_.push_back({at, sentence});
 }
 
 void Diagnostics::print(std::ostream& out) const {

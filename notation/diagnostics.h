@@ -2,7 +2,9 @@
 #define BREVANTIS_NOTATION_DIAGNOSTICS_H
 
 #include <ostream>
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace notation {
@@ -34,6 +36,7 @@ public:
 
 private:
     std::vector<Entry> entries_;
+    std::set<std::tuple<std::string, unsigned, unsigned, std::string>> known_; ///< what they say
 };
 
 } // namespace notation

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <set>
 
 #include <notation/checker.h>
 #include <notation/parser.h>
@@ -65,6 +66,8 @@ void checkHeaderCycles(const Model& model, Diagnostics& diagnostics) {
 std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
                                            const Options& options, Diagnostics& diagnostics) {
     Model model;
+    std::set<std::string> names;
+    std::set<std::string> stems;
     for (const SourceFile& file : files) {
         auto module = std::make_unique<Module>();
         module->node.file = file.name;
@@ -72,10 +75,9 @@ std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
         module->node.digest = digestOf(file.text);
         module->node.stream = tokenize(file.name, file.text, diagnostics);
         Parser(module->node, diagnostics).parseModule();
-        for (const auto& other : model.modules) {
-            if (other->node.name == module->node.name || other->node.stem == module->node.stem) {
-                diagnostics.error(module->node.at, "a second module '" + module->node.name + "'");
-            }
+        const bool newName = names.insert(module->node.name).second;
+        if (!stems.insert(module->node.stem).second || !newName) {
+            diagnostics.error(module->node.at, "a second module '" + module->node.name + "'");
         }
         model.modules.push_back(std::move(module));
     }
