@@ -6,8 +6,8 @@
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/runtime/header.h>
 
-#include "der_rules.h"
 #include "exact_rules.h"
+#include "octets.h"
 #include "value_access.h"
 
 namespace asn1data {

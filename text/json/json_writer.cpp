@@ -169,7 +169,7 @@ void JsonWriter::writeTrailing(const WalkElement& element, std::size_t count) {
 }
 
 WalkAction JsonWriter::leave(const WalkElement& element) {
-    const ContentsEnd::Gap gap = ends_.leave(element);
+    const asn1data::ContentsEnd::Gap gap = ends_.leave(element);
     if (gap.hidden != 0) {
         writeTrailing(element, gap.hidden);
     }

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include <brevantis/asn1/text/contents_end.h>
+#include <brevantis/asn1/asn1data/walk_rules.h>
 
 #include "format.h"
 #include "recode.h"
@@ -32,7 +32,7 @@ private:
     Diagnostics& diagnostics_;
     Recoder recoder_;
     const View* view_ = nullptr;
-    ContentsEnd ends_;
+    asn1data::ContentsEnd ends_;
     /// What to tell of octets that get lost: those behind the typed values in OCTET STRINGs.
     std::vector<std::string> losses_;
     std::size_t trailing_ = 0;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <brevantis/asn1/asn1data/walk.h>
-#include <brevantis/asn1/text/contents_end.h>
+#include <brevantis/asn1/asn1data/walk_rules.h>
 #include <brevantis/asn1/text/labels.h>
 #include <brevantis/asn1/text/value.h>
 
@@ -90,7 +90,7 @@ private:
     static constexpr std::size_t Endless = std::numeric_limits<std::size_t>::max();
 
     std::size_t room_;
-    ContentsEnd ends_;
+    asn1data::ContentsEnd ends_;
     bool justEntered_ = false;
 };
 

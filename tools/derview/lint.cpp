@@ -233,7 +233,7 @@ WalkAction Lint::enter(const WalkElement& element) {
 
 WalkAction Lint::leave(const WalkElement& element) {
     order_.leave();
-    const ContentsEnd::Gap gap = ends_.leave(element);
+    const asn1data::ContentsEnd::Gap gap = ends_.leave(element);
     if (gap.hidden != 0) {
         WalkElement place = element;
         place.offset = static_cast<unsigned>(gap.offset);

@@ -6,9 +6,8 @@
 #include <utility>
 
 #include <brevantis/asn1/asn1data/walk.h>
-#include <brevantis/asn1/text/contents_end.h>
+#include <brevantis/asn1/asn1data/walk_rules.h>
 
-#include "member_order.h"
 #include "octets.h"
 
 namespace derview {
@@ -28,7 +27,8 @@ class Lint : public asn1data::WalkVisitor {
 public:
     using Report = std::function<void(const LintFinding&)>;
 
-    Lint(Octets message, Report report) : order_(message), report_(std::move(report)) {}
+    Lint(Octets message, Report report)
+        : order_(message.data(), message.size()), report_(std::move(report)) {}
 
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
@@ -45,8 +45,8 @@ private:
     void lookAtRaw(const asn1data::WalkElement& element);
     void report(const asn1data::WalkElement& element, const char* what, const char* clause);
 
-    MemberOrder order_;
-    ContentsEnd ends_;
+    asn1data::MemberOrder order_;
+    asn1data::ContentsEnd ends_;
     Report report_;
 };
 

@@ -3,9 +3,8 @@
 
 #include <optional>
 
-#include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/asn1data/walk_rules.h>
 
-#include "member_order.h"
 #include "recode.h"
 
 namespace derview {
@@ -21,7 +20,7 @@ class RecodeCheck : public asn1data::WalkVisitor {
 public:
     /// @param message that a walk has accepted
     RecodeCheck(Octets message, Recoder& recoder)
-        : message_(message), recoder_(recoder), order_(message) {}
+        : message_(message), recoder_(recoder), order_(message.data(), message.size()) {}
 
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
@@ -40,7 +39,7 @@ private:
 
     Octets message_;
     Recoder& recoder_;
-    MemberOrder order_;
+    asn1data::MemberOrder order_;
     OctetStore piece_;
 };
 

@@ -213,7 +213,7 @@ WalkAction TreeFormat::enter(const WalkElement& element) {
 }
 
 WalkAction TreeFormat::leave(const WalkElement& element) {
-    const ContentsEnd::Gap gap = ends_.leave(element);
+    const asn1data::ContentsEnd::Gap gap = ends_.leave(element);
     if (gap.hidden != 0) {
         hidesOctets_ = true;
         writeFailure(octetsText(gap.hidden) + " behind the value not shown");

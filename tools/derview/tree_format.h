@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include <brevantis/asn1/text/contents_end.h>
+#include <brevantis/asn1/asn1data/walk_rules.h>
 #include <brevantis/asn1/text/labels.h>
 #include <brevantis/asn1/text/value.h>
 
@@ -57,7 +57,7 @@ private:
     bool first_ = true; ///< no message has been written yet
     const View* view_ = nullptr;
     Labels labels_;
-    ContentsEnd ends_;
+    asn1data::ContentsEnd ends_;
     bool hidesOctets_ = false; ///< behind the typed value in an OCTET STRING, and noted only
 };
 

@@ -5,7 +5,7 @@
 
 #include <brevantis/asn1/asn1data/reading_policy.h>
 #include <brevantis/asn1/asn1data/walk.h>
-#include <brevantis/asn1/text/contents_end.h>
+#include <brevantis/asn1/asn1data/walk_rules.h>
 #include <brevantis/asn1/text/export.h>
 #include <brevantis/asn1/text/json_stream.h>
 #include <brevantis/asn1/text/labels.h>
@@ -41,7 +41,7 @@ private:
     JsonStream& json_;
     std::size_t depth_; ///< of the JSON around
     Labels labels_;
-    ContentsEnd ends_;
+    asn1data::ContentsEnd ends_;
     bool hasTrailing_ = false;
     std::vector<std::size_t> depths_; ///< of the JSON in front of each element that is entered
     bool wrote_ = false;              ///< anything of the value

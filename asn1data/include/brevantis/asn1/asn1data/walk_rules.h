@@ -1,19 +1,22 @@
-#ifndef BREVANTIS_ASN1DATA_FAMILY_DER_RULES_H
-#define BREVANTIS_ASN1DATA_FAMILY_DER_RULES_H
+#ifndef BREVANTIS_ASN1_ASN1DATA_WALK_RULES_H
+#define BREVANTIS_ASN1_ASN1DATA_WALK_RULES_H
 
+#include <cstddef>
 #include <vector>
 
-#include <brevantis/asn1/asn1data/reading_policy.h>
+#include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/export.h>
 
-#include "octets.h"
+/// @file
+/// For visitors that compare a message with what an encoder would write (X.690, 10 and 11): where
+/// contents end, in which order members stand, and which values are a DEFAULT. Each object is shown
+/// the elements that its visitor is shown.
 
-// What the Distinguished Encoding Rules ask of the elements that a walk reports.
-
-namespace asn1data::family {
+namespace asn1data {
 
 /// Keeps where the contents of the elements around end: a header may promise more octets than the
 /// values take, or fewer, and the decoder does not mind.
-class ContentsEnd {
+class BREVANTIS_ASN1_API ContentsEnd {
 public:
     /// Octets between the end of the last value in an element and the end of its contents.
     struct Gap {
@@ -22,6 +25,7 @@ public:
         std::size_t hidden = 0; ///< `octets` behind the typed value in an OCTET STRING
     };
 
+    /// @throws std::bad_alloc
     void enter(const WalkElement& element);
     void primitive(const WalkElement& element);
     /// @return no octets either where the element is of indefinite length, or the last one in it
@@ -40,11 +44,12 @@ private:
 
 /// Watches the order of members that DER sorts: those of a SET by their tags (X.690, 10.3), those
 /// of a SET OF by their encodings (11.6). What lies in octets that were put together is left out.
-class MemberOrder {
+class BREVANTIS_ASN1_API MemberOrder {
 public:
     /// @param message all of it; it outlives the object
-    explicit MemberOrder(Octets message) : message_(message) {}
+    MemberOrder(const unsigned char* message, std::size_t size) noexcept : end_(message + size) {}
 
+    /// @throws std::bad_alloc
     void enter(const WalkElement& element);
     void leave() { containers_.pop_back(); }
 
@@ -58,14 +63,18 @@ private:
     struct Container {
         bool setOf;
         bool set;
-        Octets last;     ///< the member before, of a SET OF
+        const unsigned char* last; ///< the member before, of a SET OF
+        std::size_t lastSize;
         ASN1TAG lastTag; ///< of the member before, of a SET
     };
 
-    Octets message_;
+    const unsigned char* end_; ///< of the message
     std::vector<Container> containers_;
 };
 
-} // namespace asn1data::family
+/// Whether an element holds just the DEFAULT value of its declaration (X.690, 11.5).
+BREVANTIS_ASN1_API bool holdsDefault(const WalkElement& element);
+
+} // namespace asn1data
 
 #endif
