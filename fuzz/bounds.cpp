@@ -11,6 +11,8 @@
 #include <brevantis/asn1/asn1data/reading_policy.h>
 #include <brevantis/asn1/asn1data/revocation_list.h>
 #include <brevantis/asn1/runtime.h>
+#include <brevantis/asn1/text/json_reader.h>
+#include <brevantis/asn1/text/json_writer.h>
 #include <brevantis/asn1/values.h>
 
 #include "support/coding.h"
@@ -192,6 +194,24 @@ void expectMessagesLinear(const char* typeName, const std::string& what, std::si
         return [&type, octets = message(size)] {
             WalkVisitor visitor;
             walk(type, octets.data(), octets.size(), visitor);
+        };
+    });
+    const auto jsonOf = [&type, &message](std::size_t size) {
+        asn1text::TextSink json;
+        asn1text::writeJson(type, message(size), json, asn1text::JsonLayout::OneLine);
+        return json.whole;
+    };
+    expectLinear(name + ": to JSON", smallest, [&](std::size_t size) {
+        return [&type, octets = message(size)] {
+            asn1text::TextSink json;
+            asn1text::writeJson(type, octets, json, asn1text::JsonLayout::OneLine);
+        };
+    });
+    expectLinear(name + ": from JSON", smallest, [&](std::size_t size) {
+        return [&type, json = jsonOf(size)] {
+            Octets der;
+            asn1text::JsonFailure failure;
+            asn1text::encodeJson(type, json, der, failure);
         };
     });
     if (status != 0) {

@@ -6,6 +6,7 @@
 
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/runtime/object_identifier_coding.h>
+#include <brevantis/asn1/text/json_writer.h>
 
 #include "support/coding.h"
 #include "support/data_file.h"
@@ -116,6 +117,10 @@ public:
                 const auto high = static_cast<unsigned char>(i >> 8);
                 const auto low = static_cast<unsigned char>(i & 0xFF);
                 add("messages", {0, high, low}, octets);
+                add("json", {0, high, low}, octets);
+                asn1text::TextSink json;
+                asn1text::writeJson(types[i], octets, json, asn1text::JsonLayout::OneLine);
+                add("json", {1, high, low}, Octets(json.whole.begin(), json.whole.end()));
             }
         }
         const char* const controls[] = {"Certificate", "CertificateList", "Name",

@@ -21,7 +21,7 @@ at_a_time=$jobs
 fuzz=$root/build/fuzz
 
 # shellcheck disable=SC2206
-all_targets=(classes controls messages revocation_list schema text values viewer)
+all_targets=(classes controls json messages revocation_list schema text values viewer)
 coverage=false
 seconds=600
 while (($# > 0)); do
