@@ -1,3 +1,5 @@
+#include <compiler.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -448,6 +450,26 @@ TEST_F(Bounds, ValueClasses) {
             }
             EXPECT_TRUE(list.find("1.2.4") == list.end());
             list.remove("1.2.3");
+        };
+    });
+}
+
+TEST_F(Bounds, Modules) {
+    const auto compile = [](const std::vector<asn1gen::SourceFile>& files) {
+        notation::Diagnostics diagnostics;
+        asn1gen::compile(files, {}, diagnostics);
+    };
+    expectLinear("modules of one name", 100, [&](std::size_t size) {
+        return [&compile, files = std::vector<asn1gen::SourceFile>(
+                              size, {"a.asn1", "A DEFINITIONS ::= BEGIN END"})] { compile(files); };
+    });
+    expectLinear("types that are missing", 100, [&](std::size_t size) {
+        std::string text = "A DEFINITIONS ::= BEGIN\n";
+        for (std::size_t i = 0; i < size; ++i) {
+            text += "B" + std::to_string(i) + " ::= SEQUENCE { c C }\n";
+        }
+        return [&compile, files = std::vector<asn1gen::SourceFile>{{"a.asn1", text + "END\n"}}] {
+            compile(files);
         };
     });
 }
