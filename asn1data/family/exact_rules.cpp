@@ -21,6 +21,9 @@ constexpr Inexactness PartOfCharacter{"octets that are no whole character", ASN1
 constexpr Inexactness WrongNumber{"a number that its field cannot hold", ASN1S_VALUE_TOO_BIG};
 constexpr Inexactness WrongArc{"an arc of an identifier that 32 bits cannot hold",
                                ASN1S_INVALID_OBJID};
+constexpr Inexactness CutArc{"an arc of an identifier that is cut off", ASN1S_INVALID_OBJID};
+constexpr Inexactness NoUnusedBits{"a BIT STRING without its count of unused bits",
+                                   ASN1S_INVALID_LENGTH};
 constexpr Inexactness WrongBits{"bits that the field cannot hold", ASN1S_STRING_OVERFLOW};
 constexpr Inexactness BitSegments{"a BIT STRING in several segments", ASN1S_BAD_VALUE};
 
@@ -79,17 +82,17 @@ bool isNumber(Octets contents, Shape shape, long long read) {
                                       : number == read;
 }
 
-/// Whether an identifier has no arc beyond 32 bits and none that is cut off (X.690, 8.19).
-bool hasWholeArcs(Octets contents) {
+/// No arc may go beyond 32 bits, none be cut off (X.690, 8.19).
+Inexactness lookAtArcs(Octets contents) {
     unsigned long long arc = 0;
     for (const unsigned char octet : contents) {
         arc = arc << 7 | (octet & 0x7Fu);
         if (arc > 0xFFFFFFFFu) {
-            return false;
+            return WrongArc;
         }
         arc = (octet & 0x80u) != 0 ? arc : 0;
     }
-    return !contents.empty() && (contents.back() & 0x80u) == 0;
+    return contents.empty() || (contents.back() & 0x80u) != 0 ? CutArc : Exact;
 }
 
 Inexactness lookAtBits(const WalkElement& element, const unsigned char* end) {
@@ -105,8 +108,10 @@ Inexactness lookAtBits(const WalkElement& element, const unsigned char* end) {
             return BitSegments;
         }
     }
-    const bool whole = !contents.empty() && contents[0] <= 7 &&
-                       (contents.size() > 1 || contents[0] == 0) &&
+    if (contents.empty()) {
+        return NoUnusedBits;
+    }
+    const bool whole = contents[0] <= 7 && (contents.size() > 1 || contents[0] == 0) &&
                        (contents.size() - 1) * 8 - contents[0] == element.value.bitCount;
     const bool fits = element.type->shape != Shape::FixedBitString ||
                       element.value.bitCount <= element.type->capacity;
@@ -145,7 +150,7 @@ Inexactness lookAtValue(const WalkElement& element, const unsigned char* end) {
                    ? WrongNumber
                    : Exact;
     case ShapeKind::ObjectIdentifier:
-        return hasWholeArcs(contents) ? Exact : WrongArc;
+        return lookAtArcs(contents);
     case ShapeKind::BitString:
         return lookAtBits(element, end);
     case ShapeKind::OctetString:

@@ -34,6 +34,7 @@ public:
         return visitor_.tolerated(failure);
     }
     WalkAction enter(const WalkElement& element) override {
+        sawSomething_ = true;
         if (holdsDer()) {
             DerVisitor::enter(element);
         }
@@ -66,6 +67,7 @@ public:
                                       : WalkAction::Continue;
     }
     WalkAction primitive(const WalkElement& element) override {
+        sawSomething_ = true;
         if (holdsDer()) {
             DerVisitor::primitive(element);
         }
@@ -75,6 +77,14 @@ public:
         return isBroken()         ? WalkAction::Stop
                : interest_.values ? visitor_.primitive(element)
                                   : WalkAction::Continue;
+    }
+    /// An open type that is cut off counts as absent for the walk.
+    void holdEnd(bool octetsAreThere) {
+        if (octetsAreThere && !sawSomething_ && holdsExact()) {
+            failure_.expectation = Expectation::Exact;
+            failure_.deviation = "an element that is cut off";
+            tell(WalkStep{}, 0, false, ASN1S_INVALID_LENGTH);
+        }
     }
     WalkAction deviates(const Deviation& deviation) override {
         failure_.expectation = Expectation::Der;
@@ -125,6 +135,7 @@ private:
     WalkVisitor& visitor_;
     const WalkInterest interest_;
     const int policies_;
+    bool sawSomething_ = false;
     unsigned segmented_ = 0; ///< OCTET STRINGs in segments around what is reported
     unsigned joined_ = 0;    ///< offset of the outermost of them
     WalkFailure failure_{};
@@ -163,6 +174,13 @@ ReadingPolicy::ReadingPolicy(const ASN1CTXT& ctxt) noexcept
                      ? family::Nesting::Limit - ctxt.nestingDepth
                      : 0) {}
 
+int ReadingPolicy::apply(ASN1CTXT* ctxt) const noexcept {
+    rtCtxtSetFlag(ctxt, flags & family::PolicyFlags);
+    rtCtxtSetElementLimit(ctxt, elementLimit);
+    rtCtxtSetDepthLimit(ctxt, std::min<unsigned>(depthLimit, family::Nesting::Limit));
+    return octetLimit != 0 ? rtMemHeapSetLimit(&ctxt->memHeap, octetLimit) : int{ASN1S_SUCCESS};
+}
+
 WalkResult walk(const TypeDescription& type, const unsigned char* message, std::size_t size,
                 WalkVisitor& visitor, const ReadingPolicy& policy) {
     if ((policy.flags & family::StrictFlags) == 0) {
@@ -171,6 +189,10 @@ WalkResult walk(const TypeDescription& type, const unsigned char* message, std::
     RuleHolder holder(firstElement({message, message != nullptr ? size : 0}), visitor,
                       policy.flags);
     WalkResult result = family::walkPlainly(type, message, size, holder, policy);
+    if (result.status == ASN1S_SUCCESS && !result.stopped) {
+        ASN1Header header{};
+        holder.holdEnd(size != 0 && family::readHeader({message, size}, header));
+    }
     if (holder.failure().status != ASN1S_SUCCESS) {
         result.failure = holder.failure();
         result.status = result.failure.status;
@@ -182,7 +204,21 @@ WalkResult walk(const TypeDescription& type, const unsigned char* message, std::
 WalkFailure explain(const TypeDescription& type, const unsigned char* message, std::size_t size,
                     const ReadingPolicy& policy) {
     Nobody nobody;
-    return walk(type, message, size, nobody, policy).failure;
+    WalkFailure failure = walk(type, message, size, nobody, policy).failure;
+    // A reading goes on in a message that is cut off, and may come to a good end.
+    ASN1CTXT reader;
+    rtInitReader(&reader, message, static_cast<unsigned>(size));
+    const int bound = failure.status == ASN1S_SUCCESS && size != 0
+                          ? xd_setp(&reader, message, static_cast<int>(size), nullptr, nullptr)
+                          : ASN1S_SUCCESS;
+    if (bound != ASN1S_SUCCESS) {
+        failure.status = bound;
+        failure.offset = failure.partOffset = static_cast<unsigned>(size);
+        failure.expectation = Expectation::Contents;
+        failure.type = &type;
+        failure.finding = Finding::EndOfMessage;
+    }
+    return failure;
 }
 
 std::vector<WalkFailure> toleratedFaults(const TypeDescription& type, const unsigned char* message,

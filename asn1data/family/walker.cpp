@@ -59,7 +59,7 @@ Walker::~Walker() {
 
 void Walker::setPolicy(const ReadingPolicy& policy) {
     ctxt.flags = static_cast<unsigned short>(ctxt.flags | (policy.flags & PolicyFlags));
-    rtCtxtSetDepthLimit(&ctxt, policy.depthLimit);
+    rtCtxtSetDepthLimit(&ctxt, std::min<unsigned>(policy.depthLimit, Nesting::Limit));
     elementLimit = policy.elementLimit != 0;
     elementsLeft = policy.elementLimit;
 }

@@ -256,4 +256,61 @@ TEST(SingleList, NodesWithoutAContextComeFromTheProcess) {
     EXPECT_EQ(rtSListAppend(nullptr, nullptr), nullptr);
 }
 
+/// What a limit promises, whatever makes the blocks.
+void expectLimited() {
+    Heap heap;
+    char* const early = heap.allocate(1000);
+    EXPECT_EQ(rtMemHeapTaken(heap.ref()), 1048u);
+    ASSERT_EQ(rtMemHeapSetLimit(heap.ref(), 4000), 0);
+    const std::size_t noted = rtMemHeapTaken(heap.ref()) - 1048;
+    std::vector<char*> blocks;
+    while (char* const block = heap.allocate(100)) {
+        blocks.push_back(block);
+    }
+    EXPECT_EQ(blocks.size(), (4000 - 1048 - noted) / 148);
+    EXPECT_LE(rtMemHeapTaken(heap.ref()), 4000u);
+    EXPECT_TRUE(rtMemHeapLimitReached(heap.ref()));
+    EXPECT_EQ(rtMemHeapRealloc(heap.ref(), blocks[0], 500), nullptr) << "nor does a block grow";
+
+    // What is given back can be taken again, of blocks from before the limit too.
+    rtMemHeapFreePtr(heap.ref(), early);
+    for (int i = 0; i < 7; ++i) {
+        EXPECT_NE(heap.allocate(100), nullptr) << i;
+    }
+    EXPECT_EQ(heap.allocate(100), nullptr);
+    for (char* block : blocks) {
+        rtMemHeapFreePtr(heap.ref(), block);
+    }
+    EXPECT_NE(heap.allocate(2500), nullptr) << "larger than what is cut";
+    EXPECT_EQ(heap.allocate(2500), nullptr);
+    EXPECT_EQ(heap.allocate(-1), nullptr);
+
+    ASSERT_EQ(rtMemHeapSetLimit(heap.ref(), 0), 0);
+    EXPECT_FALSE(rtMemHeapLimitReached(heap.ref()));
+    char* const large = heap.allocate(100000);
+    EXPECT_NE(large, nullptr);
+    ASSERT_EQ(rtMemHeapSetLimit(heap.ref(), 50000), 0);
+    EXPECT_EQ(heap.allocate(1), nullptr) << "what was taken without a limit counts";
+    EXPECT_EQ(rtMemHeapRealloc(heap.ref(), large, 1000), large);
+    EXPECT_NE(heap.allocate(1), nullptr) << "and so does what it shrinks by";
+}
+
+TEST(Heap, LimitOfBlocksThatAreCut) {
+    expectLimited();
+}
+
+TEST(Heap, LimitOfBlocksFromCalls) {
+    const CountingAllocator allocator;
+    expectLimited();
+}
+
+TEST(Heap, LimitOfAHeapThatIsYetToBeMade) {
+    void* heap = nullptr;
+    ASSERT_EQ(rtMemHeapSetLimit(&heap, 200), 0);
+    EXPECT_EQ(rtMemHeapAlloc(&heap, 100), nullptr);
+    rtMemHeapRelease(&heap);
+    EXPECT_EQ(rtMemHeapSetLimit(nullptr, 1), ASN1S_INVALID_PARAMETER);
+    EXPECT_EQ(rtMemHeapTaken(&heap), 0u);
+}
+
 } // namespace

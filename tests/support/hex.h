@@ -11,6 +11,10 @@ namespace tests {
 
 using Octets = std::vector<unsigned char>;
 
+inline void append(Octets& to, const Octets& octets) {
+    to.insert(to.end(), octets.begin(), octets.end());
+}
+
 /// Octets of a hexadecimal text; blanks are ignored.
 inline Octets fromHex(std::string_view text) {
     Octets octets;

@@ -8,10 +8,6 @@
 
 namespace tests {
 
-inline void append(Octets& to, const Octets& octets) {
-    to.insert(to.end(), octets.begin(), octets.end());
-}
-
 /// An element with the contents given, of definite or indefinite length.
 inline Octets elementOf(unsigned char identifier, const Octets& contents, bool indefinite) {
     const std::size_t size = contents.size();

@@ -8,10 +8,6 @@
 
 namespace tests {
 
-inline void append(Octets& target, const Octets& octets) {
-    target.insert(target.end(), octets.begin(), octets.end());
-}
-
 /// An element in DER.
 inline Octets element(unsigned char identifierOctet, const Octets& contents) {
     Octets octets{identifierOctet};

@@ -68,6 +68,9 @@ constexpr const char* RecordFunctions = R"(
 
 constexpr const char* NullControl = R"(
 public:
+    /// What findType knows the type by.
+    static constexpr const char* typeName = "$X";
+
     /// On a context of its own.
     $C();
     explicit $C(ASN1MessageBufferIF& buffer);
@@ -80,6 +83,9 @@ public:
 
 constexpr const char* Constructors = R"(
 public:
+    /// What findType knows the type by.
+    static constexpr const char* typeName = "$X";
+
     /// On a context of its own; the value is the caller's and outlives the object.
     explicit $C($T& value);
     $C(ASN1MessageBufferIF& buffer, $T& value);

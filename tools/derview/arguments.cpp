@@ -100,6 +100,10 @@ void addOptions(CLI::App& app, Arguments& arguments) {
     app.add_flag("--raw", arguments.raw, "With --at: write the element's octets");
     app.add_flag("--check", arguments.check, "Decode, encode again and compare; a line a message");
     app.add_flag("--lint", arguments.lint, "Tell what is not DER");
+    app.add_flag("--tolerant", arguments.tolerant,
+                 "Read on where open values do not decode or sizes are not kept");
+    app.add_flag("--exact", arguments.exact, "Refuse what decoding changes");
+    app.add_flag("--der", arguments.der, "Refuse what is not DER");
     app.add_flag("--diff", arguments.diff, "Compare the messages of two files, field by field");
     app.add_flag("--list-types", arguments.listTypes, "Names of all types");
     addType(app, "--describe", arguments.describe, "The ASN.1 of a type");
@@ -123,6 +127,9 @@ const char* contradiction(const Arguments& arguments) {
     }
     if ((arguments.listTypes || arguments.describe != nullptr) && !arguments.files.empty()) {
         return "--list-types and --describe take no files";
+    }
+    if (arguments.tolerant && (arguments.exact || arguments.der)) {
+        return "--tolerant does not go with --exact and --der";
     }
     if (arguments.raw && !arguments.path) {
         return "--raw needs --at";

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <brevantis/asn1/asn1data/describe.h>
+#include <brevantis/asn1/asn1data/reading_policy.h>
 
 #include "input_reader.h"
 #include "terminal.h"
@@ -28,11 +29,20 @@ struct Arguments {
     bool raw = false;
     bool check = false;
     bool lint = false;
+    bool tolerant = false;
+    bool exact = false;
+    bool der = false;
     bool diff = false;
     bool listTypes = false;
     const asn1data::TypeDescription* describe = nullptr;
     ColorChoice color = ColorChoice::Auto;
     std::size_t width = 0; ///< columns; 0: as wide as the terminal
+
+    /// How strictly messages are read.
+    asn1data::ReadingPolicy policy() const {
+        return (tolerant ? ASN1F_TOLERATE_OPEN_VALUES | ASN1F_TOLERATE_SIZES : 0) |
+               (exact ? ASN1F_EXACT : 0) | (der ? ASN1F_DER : 0);
+    }
 };
 
 /// Exit statuses.

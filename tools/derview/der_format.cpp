@@ -52,8 +52,8 @@ bool DerFormat::end() {
         return false;
     }
     const Message& message = view_->message;
-    if (const int status = recoder_.recode(view_->type(), message.octets); status != 0) {
-        refuse("error " + statusText(status) + " in encoding");
+    if (recoder_.recode(view_->type(), message.octets, message.policy) != 0) {
+        refuse("error " + recoder_.problem());
         return false;
     }
     output_.writeOctets(recoder_.encoded());

@@ -104,8 +104,8 @@ std::vector<Field> collect(Output& output, const DiffSide& side, std::size_t roo
     const Message& message = side.message;
     FieldCollector collector(room);
     EndFilter present(message.octets.size(), collector);
-    const asn1data::WalkResult result =
-        asn1data::walk(side.type, message.shown.data(), message.shown.size(), present);
+    const asn1data::WalkResult result = asn1data::walk(
+        side.type, message.shown.data(), message.shown.size(), present, message.policy);
     std::string problem;
     if (message.missing() != 0 &&
         (result.status == 0 || result.failure.offset >= message.octets.size())) {

@@ -1,5 +1,6 @@
 #include "message.h"
 
+#include "failure_text.h"
 #include "header.h"
 
 namespace derview {
@@ -14,7 +15,20 @@ Leftover Message::leftover(const WalkResult& result) const {
 
 WalkResult decoderResult(const Message& message, const asn1data::TypeDescription& type) {
     asn1data::WalkVisitor nothing;
-    return asn1data::walk(type, message.octets.data(), message.octets.size(), nothing);
+    return asn1data::walk(type, message.octets.data(), message.octets.size(), nothing,
+                          message.policy);
+}
+
+std::vector<std::string> toleratedTexts(const Message& message,
+                                        const asn1data::TypeDescription& type) {
+    std::vector<std::string> texts;
+    if ((message.policy.flags & ASN1F_TOLERATE_OPEN_VALUES) != 0) {
+        for (const asn1data::WalkFailure& fault : asn1data::toleratedFaults(
+                 type, message.octets.data(), message.octets.size(), message.policy)) {
+            texts.push_back("tolerated at " + placeText(fault) + ": " + reasonText(fault));
+        }
+    }
+    return texts;
 }
 
 std::string octetsText(std::size_t count) {

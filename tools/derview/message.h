@@ -2,8 +2,9 @@
 #define DERVIEW_MESSAGE_H
 
 #include <string>
+#include <vector>
 
-#include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/asn1data/reading_policy.h>
 
 #include "octets.h"
 
@@ -28,8 +29,9 @@ struct Message {
     /// Elements of indefinite length whose end-of-contents are missing; 0 where the message is of
     /// definite length.
     std::size_t open = 0;
-    std::string problem;      ///< why there are no octets; empty when there are
-    std::size_t trailing = 0; ///< octets behind it that belong to no message
+    std::string problem;            ///< why there are no octets; empty when there are
+    std::size_t trailing = 0;       ///< octets behind it that belong to no message
+    asn1data::ReadingPolicy policy; ///< that it is read by
 
     /// Octets that its header promises and that are not there; of a message of indefinite length
     /// the end-of-contents octets and what is left of the element in front of them.
@@ -42,6 +44,11 @@ struct Message {
 
 /// What the decoder makes of the octets of a message.
 asn1data::WalkResult decoderResult(const Message& message, const asn1data::TypeDescription& type);
+
+/// What its policy tolerates in a message, a text each: "tolerated at 8 (path): expected X, found
+/// Y".
+std::vector<std::string> toleratedTexts(const Message& message,
+                                        const asn1data::TypeDescription& type);
 
 /// "1 octet", "2 octets"
 std::string octetsText(std::size_t count);

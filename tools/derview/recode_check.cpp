@@ -80,7 +80,7 @@ RecodeCheck::Outcome RecodeCheck::comparePiece(const WalkElement& element) {
         piece_.insert(piece_.end(), contents, contents + length);
         piece = piece_;
     }
-    status = recoder_.recode(type, piece);
+    status = recoder_.recode(type, piece, policy_);
     if (status != 0) {
         // By itself a piece may be less than its place makes of it.
         status = whole ? status : 0;

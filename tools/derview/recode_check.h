@@ -19,8 +19,10 @@ namespace derview {
 class RecodeCheck : public asn1data::WalkVisitor {
 public:
     /// @param message that a walk has accepted
-    RecodeCheck(Octets message, Recoder& recoder)
-        : message_(message), recoder_(recoder), order_(message.data(), message.size()) {}
+    /// @param policy that it is read by
+    RecodeCheck(Octets message, const asn1data::ReadingPolicy& policy, Recoder& recoder)
+        : message_(message), policy_(policy), recoder_(recoder),
+          order_(message.data(), message.size()) {}
 
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
@@ -38,6 +40,7 @@ private:
     Outcome comparePiece(const asn1data::WalkElement& element);
 
     Octets message_;
+    const asn1data::ReadingPolicy policy_;
     Recoder& recoder_;
     asn1data::MemberOrder order_;
     OctetStore piece_;

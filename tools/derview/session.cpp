@@ -32,6 +32,8 @@ public:
 private:
     bool checks() const { return arguments_.check || arguments_.lint; }
     void readFile(const std::string& path);
+    /// The next message, to be read as the arguments tell.
+    std::optional<Message> next(InputReader& reader) const;
     void take(const Message& message);
     /// @return without a type when there is none, which has been told then
     Recognition recogniseOrTell(const Message& message);
@@ -106,13 +108,21 @@ bool Session::open(std::optional<InputReader>& reader, const std::string& path) 
     }
 }
 
+std::optional<Message> Session::next(InputReader& reader) const {
+    std::optional<Message> message = reader.next();
+    if (message) {
+        message->policy = arguments_.policy();
+    }
+    return message;
+}
+
 void Session::readFile(const std::string& path) {
     std::optional<InputReader> reader;
     if (!open(reader, path)) {
         return;
     }
     bool found = false;
-    while (const std::optional<Message> message = reader->next()) {
+    while (const std::optional<Message> message = next(*reader)) {
         if (output_.failed()) {
             return;
         }
@@ -142,8 +152,8 @@ void Session::diff() {
         return;
     }
     for (;;) {
-        const std::optional<Message> left = one->next();
-        const std::optional<Message> right = other->next();
+        const std::optional<Message> left = next(*one);
+        const std::optional<Message> right = next(*other);
         if (!left || !right) {
             if (left || right) {
                 tell((left ? left : right)->place + " and what follows it has no counterpart");

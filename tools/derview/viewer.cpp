@@ -44,6 +44,9 @@ bool Viewer::write(const View& view) {
     } else if (walked.status != 0) {
         format_->error(walked.failure);
     }
+    for (const std::string& text : toleratedTexts(view.message, view.type())) {
+        diagnostics_.tell(view.message, text);
+    }
     const Leftover left = view.message.leftover(walked);
     if (left.count != 0) {
         format_->trailing(left);
@@ -54,16 +57,17 @@ bool Viewer::write(const View& view) {
 
 WalkResult Viewer::walk(const View& view) {
     const Octets octets = view.message.shown;
+    const asn1data::ReadingPolicy& policy = view.message.policy;
     ProgressVisitor counted(progress_, *format_);
     if (view.span != nullptr) {
         PathFilter filter(*view.span, counted);
-        return asn1data::walk(view.type(), octets.data(), octets.size(), filter);
+        return asn1data::walk(view.type(), octets.data(), octets.size(), filter, policy);
     }
     if (view.cut != nullptr) {
         EndFilter whole(view.message.octets.size(), counted);
-        return asn1data::walk(view.type(), octets.data(), octets.size(), whole);
+        return asn1data::walk(view.type(), octets.data(), octets.size(), whole, policy);
     }
-    return asn1data::walk(view.type(), octets.data(), octets.size(), counted);
+    return asn1data::walk(view.type(), octets.data(), octets.size(), counted, policy);
 }
 
 bool Viewer::writeRaw(const Message& message, const ElementSpan& span) {

@@ -16,7 +16,7 @@ _derview() {
         *)
             if [[ $current == -* ]]; then
                 words="--help --version --type --input --message --format --lines --offsets --full --at --raw
-                    --check --lint --diff --list-types --describe --color --width"
+                    --check --lint --tolerant --exact --der --diff --list-types --describe --color --width"
             fi
             ;;
     esac

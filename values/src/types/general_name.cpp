@@ -96,6 +96,18 @@ const wchar_t* CGeneralName::get_registeredID() const {
     return text<RegisteredID>();
 }
 
+const CBlob* CGeneralName::get_otherName() const {
+    return choice_.get<OtherName>();
+}
+
+const CBlob* CGeneralName::get_x400Address() const {
+    return choice_.get<X400Address>();
+}
+
+const CBlob* CGeneralName::get_ediPartyName() const {
+    return choice_.get<EdiPartyName>();
+}
+
 void CGeneralName::put_rfc822Name(const wchar_t* name) {
     putText<Rfc822Name>(name);
 }
@@ -120,6 +132,18 @@ void CGeneralName::put_registeredID(const wchar_t* identifier) {
     putText<RegisteredID>(identifier);
 }
 
+void CGeneralName::put_otherName(const CBlob& name) {
+    choice_.put<OtherName>(name);
+}
+
+void CGeneralName::put_x400Address(const CBlob& name) {
+    choice_.put<X400Address>(name);
+}
+
+void CGeneralName::put_ediPartyName(const CBlob& name) {
+    choice_.put<EdiPartyName>(name);
+}
+
 void CGeneralName::clear() {
     choice_.clear();
 }
@@ -136,8 +160,13 @@ CWStringProxy CGeneralName::wholeText() const {
         name.decode(*encoded);
         return name.toString();
     }
-    const CBlob* address = get_iPAddress();
-    return address != nullptr ? towstring(address->writeToHexString(0).c_str()) : CWStringProxy();
+    for (const CBlob* octets :
+         {get_iPAddress(), get_otherName(), get_x400Address(), get_ediPartyName()}) {
+        if (octets != nullptr) {
+            return towstring(octets->writeToHexString(0).c_str());
+        }
+    }
+    return CWStringProxy();
 }
 
 CWStringProxy CGeneralName::toString() const {
@@ -163,6 +192,15 @@ CWStringProxy CGeneralName::toString() const {
     case RegisteredID::number:
         text = std::wstring(L"registeredID: ") + *get_registeredID();
         break;
+    case OtherName::number:
+        text = std::wstring(L"otherName: ") + wholeText().c_str();
+        break;
+    case X400Address::number:
+        text = std::wstring(L"x400Address: ") + wholeText().c_str();
+        break;
+    case EdiPartyName::number:
+        text = std::wstring(L"ediPartyName: ") + wholeText().c_str();
+        break;
     default:
         break;
     }
@@ -181,6 +219,9 @@ void CGeneralName::decode(const CBlob& blob) {
 bool operator==(const CGeneralName& a, const CGeneralName& b) {
     return a.get_type() == b.get_type() &&
            sameBlobs(a.get_directoryName(), b.get_directoryName()) &&
+           sameBlobs(a.get_otherName(), b.get_otherName()) &&
+           sameBlobs(a.get_x400Address(), b.get_x400Address()) &&
+           sameBlobs(a.get_ediPartyName(), b.get_ediPartyName()) &&
            sameTexts(a.get_dNSName(), b.get_dNSName()) &&
            sameBlobs(a.get_iPAddress(), b.get_iPAddress()) &&
            sameTexts(a.get_registeredID(), b.get_registeredID()) &&

@@ -46,6 +46,32 @@ void setNew(ASN1CTXT* ctxt, Record*& record, const CBlob& value) {
     record = &made;
 }
 
+/// Sets a record of a kind that a value carries as octets.
+void setWhole(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralName& record, const CBlob& name,
+              unsigned int kind) {
+    const ReadingScope asItCame(ASN1F_TOLERATE_OPEN_VALUES | ASN1F_TOLERATE_SIZES);
+    asn1data::ASN1T_GeneralName read{};
+    asn1DecodeT<ASN1T_GeneralName_traits>(name, ctxt, read);
+    if (static_cast<unsigned int>(read.t) != kind) {
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
+    record.t = read.t;
+    record.u = read.u;
+}
+
+/// The encoding of a record of a kind that a value does not carry otherwise, where that is
+/// tolerated.
+CBlob octetsOf(const asn1data::ASN1T_GeneralName& record) {
+    if ((ReadingScope::policy().flags & ASN1F_TOLERATE_OPEN_VALUES) == 0) {
+        ATL::AtlThrowImpl(E_INVALIDARG);
+    }
+    EncodeBuffer buffer;
+    rtCtxtSetFlag(buffer.getCtxtPtr(), ASN1F_TOLERATE_SIZES);
+    asn1data::ASN1T_GeneralName copy{};
+    ASN1T_GeneralName_traits::copy(buffer.getCtxtPtr(), record, copy);
+    return buffer.message(ASN1T_GeneralName_traits::encode(buffer, copy));
+}
+
 } // namespace
 
 void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralName& record,
@@ -73,6 +99,15 @@ void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, asn1data::ASN1T_GeneralName& 
         record.u.registeredID = &identifier;
         break;
     }
+    case asn1data::T_GeneralName_otherName:
+        setWhole(ctxt, record, *value.get_otherName(), value.get_type());
+        break;
+    case asn1data::T_GeneralName_x400Address:
+        setWhole(ctxt, record, *value.get_x400Address(), value.get_type());
+        break;
+    case asn1data::T_GeneralName_ediPartyName:
+        setWhole(ctxt, record, *value.get_ediPartyName(), value.get_type());
+        break;
     default:
         ATL::AtlThrowImpl(E_INVALIDARG);
     }
@@ -103,6 +138,15 @@ void ASN1T_GeneralName_traits::get(const asn1data::ASN1T_GeneralName& record, CG
     case asn1data::T_GeneralName_registeredID:
         choice.put<CGeneralName::RegisteredID>(
             towstring(toOID(requireValue(record.u.registeredID)).c_str()));
+        break;
+    case asn1data::T_GeneralName_otherName:
+        choice.put<CGeneralName::OtherName>(octetsOf(record));
+        break;
+    case asn1data::T_GeneralName_x400Address:
+        choice.put<CGeneralName::X400Address>(octetsOf(record));
+        break;
+    case asn1data::T_GeneralName_ediPartyName:
+        choice.put<CGeneralName::EdiPartyName>(octetsOf(record));
         break;
     default:
         ATL::AtlThrowImpl(E_INVALIDARG);

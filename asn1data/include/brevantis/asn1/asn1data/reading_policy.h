@@ -40,12 +40,19 @@ struct ReadingPolicy {
     int flags = 0;             ///< ASN1ContextFlag bits of the policies; others do not count
     unsigned elementLimit = 0; ///< as for rtCtxtSetElementLimit; 0 for no limit
     unsigned depthLimit = 64;  ///< as for rtCtxtSetDepthLimit; more than 64 is 64
+    /// As for rtMemHeapSetLimit; 0 for no limit. A walk stores nothing and does not look at it.
+    std::size_t octetLimit = 0;
 
     ReadingPolicy() = default;
     /// Policies without limits.
     ReadingPolicy(int policies) noexcept : flags(policies) {} // NOLINT(google-explicit-constructor)
-    /// What is in force in a context.
+    /// What is in force in a context, but for the limit of its heap.
     BREVANTIS_ASN1_API explicit ReadingPolicy(const ASN1CTXT& ctxt) noexcept;
+
+    /// Puts the policy in force in a context: its flags beside those that are set, its limits in
+    /// place of others.
+    /// @return 0; what rtMemHeapSetLimit returns
+    BREVANTIS_ASN1_API int apply(ASN1CTXT* ctxt) const noexcept;
 };
 
 /// Goes through one message under a policy, otherwise as `walk` without one. What breaks a rule of
@@ -61,7 +68,8 @@ BREVANTIS_ASN1_API WalkResult walk(const TypeDescription& type, const unsigned c
 /// @param message as it was given to the decoder; the first element of @p size octets is looked at
 /// @param policy what was in force: `ReadingPolicy(*ctxt)` for a context
 /// @return a failure to be kept, made by going through the message; with the status 0 when the
-///         message is accepted
+///         message is accepted. One that is cut off is not: setBuffer and xd_setp refuse it
+///         (ASN1S_INVALID_LENGTH), though a decoder need not
 /// @throws std::bad_alloc under ASN1F_EXACT and ASN1F_DER
 BREVANTIS_ASN1_API WalkFailure explain(const TypeDescription& type, const unsigned char* message,
                                        std::size_t size, const ReadingPolicy& policy = {});

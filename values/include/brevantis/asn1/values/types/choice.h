@@ -234,6 +234,9 @@ private:
     std::unique_ptr<Implementation> choice_;
 };
 
+// Octets as the first alternative are used in several classes.
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 1>;
+
 } // namespace Brevantis::ASN1
 
 #endif

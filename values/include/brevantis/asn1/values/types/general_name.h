@@ -22,17 +22,22 @@ BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 5>;
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 7>;
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 8>;
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<std::wstring, 9>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 4>;
+BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 6>;
 
 /// Alternatives of CGeneralName.
 class BREVANTIS_ASN1_API CGeneralNameImpl final
     : public ChoiceOf<ChoiceValueTraitsT<std::wstring, 2>, ChoiceValueTraitsT<std::wstring, 3>,
                       ChoiceValueTraitsT<CBlob, 5>, ChoiceValueTraitsT<std::wstring, 7>,
-                      ChoiceValueTraitsT<CBlob, 8>, ChoiceValueTraitsT<std::wstring, 9>> {};
+                      ChoiceValueTraitsT<CBlob, 8>, ChoiceValueTraitsT<std::wstring, 9>,
+                      ChoiceValueTraitsT<CBlob, 1>, ChoiceValueTraitsT<CBlob, 4>,
+                      ChoiceValueTraitsT<CBlob, 6>> {};
 
 /// A name of one of six kinds. Alternatives have the numbers of their places in the published type,
 /// counted from 1: 2 rfc822Name, 3 dNSName, 5 directoryName, 7 uniformResourceIdentifier,
-/// 8 iPAddress, 9 registeredID. The others, otherName, x400Address and ediPartyName, are not
-/// carried.
+/// 8 iPAddress, 9 registeredID. The others, 1 otherName, 4 x400Address and 6 ediPartyName, are not
+/// carried but as octets: `decode` refuses them, unless open values that do not decode are
+/// tolerated (asn1Decode, ReadingScope).
 ///
 /// Narrow text is UTF-8 where it is converted; octets of a message that are none become U+FFFD, so
 /// that different octets can read as equal texts.
@@ -73,6 +78,11 @@ public:
     const CBlob* get_iPAddress() const;
     /// @return an object identifier as dotted text
     const wchar_t* get_registeredID() const;
+    /// @return the DER of the whole GeneralName, its context tag included, for the catalogue's
+    ///         ASN1C_GeneralName
+    const CBlob* get_otherName() const;
+    const CBlob* get_x400Address() const;
+    const CBlob* get_ediPartyName() const;
 
     /// The setters copy their argument and choose its alternative. Its content is first looked at
     /// when it is encoded. Text is terminated.
@@ -85,6 +95,10 @@ public:
     void put_iPAddress(const CBlob& address);
     /// @param identifier dotted text
     void put_registeredID(const wchar_t* identifier);
+    /// @param name the DER of a whole GeneralName of this kind
+    void put_otherName(const CBlob& name);
+    void put_x400Address(const CBlob& name);
+    void put_ediPartyName(const CBlob& name);
 
     /// Takes the name away.
     void clear();
@@ -96,7 +110,7 @@ public:
     CWStringProxy toString() const;
 
     /// The whole value without its kind: text as it is, a directoryName as CName::toString has it,
-    /// an address in hexadecimal digits; empty for no name.
+    /// an address, or a name that is carried as octets, in hexadecimal digits; empty for no name.
     /// @throws as `toString`
     CWStringProxy wholeText() const;
 
@@ -117,6 +131,9 @@ private:
     using UniformResourceIdentifier = ChoiceValueTraitsT<std::wstring, 7>;
     using IPAddress = ChoiceValueTraitsT<CBlob, 8>;
     using RegisteredID = ChoiceValueTraitsT<std::wstring, 9>;
+    using OtherName = ChoiceValueTraitsT<CBlob, 1>;
+    using X400Address = ChoiceValueTraitsT<CBlob, 4>;
+    using EdiPartyName = ChoiceValueTraitsT<CBlob, 6>;
 
     template <class Traits>
     const wchar_t* text() const;

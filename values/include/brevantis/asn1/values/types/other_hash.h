@@ -49,7 +49,6 @@ private:
 BREVANTIS_ASN1_API bool operator==(const COtherHashAlgAndValue& a, const COtherHashAlgAndValue& b);
 BREVANTIS_ASN1_API bool operator!=(const COtherHashAlgAndValue& a, const COtherHashAlgAndValue& b);
 
-BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<CBlob, 1>;
 BREVANTIS_ASN1_INSTANCE class ChoiceValueTraitsT<COtherHashAlgAndValue, 2>;
 
 /// Alternatives of COtherHash.

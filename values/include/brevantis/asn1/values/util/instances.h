@@ -25,7 +25,9 @@
 /// asn1Decode of a value by a traits class.
 #define BREVANTIS_ASN1_DECODED(Traits, Value)                                                      \
     BREVANTIS_ASN1_INSTANCE BREVANTIS_ASN1_API void asn1Decode<Traits, Value>(                     \
-        const CBlob&, std::add_lvalue_reference_t<Value>);
+        const CBlob&, std::add_lvalue_reference_t<Value>);                                         \
+    BREVANTIS_ASN1_INSTANCE BREVANTIS_ASN1_API void asn1Decode<Traits, Value>(                     \
+        const CBlob&, std::add_lvalue_reference_t<Value>, const asn1data::ReadingPolicy&);
 
 /// Both.
 #define BREVANTIS_ASN1_CODED(Traits, Value)                                                        \

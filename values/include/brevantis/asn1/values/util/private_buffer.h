@@ -5,6 +5,7 @@
 
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/message_buffer.h>
+#include <brevantis/asn1/values/util/coding_error.h>
 #include <brevantis/support/blob.h>
 #include <brevantis/support/error.h>
 
@@ -25,10 +26,10 @@ public:
 
     /// The encoding that an encoder has just made.
     /// @param length what the encoder returned
-    /// @throws ATL::CAtlException with CRYPT_E_ASN1_INTERNAL when that is a failure
+    /// @throws CCodingError with CRYPT_E_ASN1_INTERNAL when that is a failure
     CBlob message(int length) {
         if (length < 0) {
-            ATL::AtlThrowImpl(CRYPT_E_ASN1_INTERNAL);
+            throwEncodingError(length, nullptr, nullptr, 0);
         }
         return CBlob(getMsgPtr(), static_cast<unsigned long>(length));
     }
@@ -51,10 +52,10 @@ public:
     }
 };
 
-/// Throws CRYPT_E_ASN1_INTERNAL for a status that is not success.
+/// Throws CCodingError with CRYPT_E_ASN1_INTERNAL for a status that is not success.
 inline void requireSuccess(int status) {
     if (status != 0) {
-        ATL::AtlThrowImpl(CRYPT_E_ASN1_INTERNAL);
+        throwDecodingError(status, nullptr, nullptr, 0, {});
     }
 }
 

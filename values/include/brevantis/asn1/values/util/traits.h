@@ -16,7 +16,8 @@
 ///  - `get(record, value)` fills a value from a record;
 ///  - `copy(ctxt, source, target)` copies a record on to the heap of `ctxt`;
 ///  - `encode(buffer, record)` and `decode(buffer, record)` are one operation of the wire format
-///    and give what its coder gives: octets or a negative status, 0 or a negative status.
+///    and give what its coder gives: octets or a negative status, 0 or a negative status;
+///  - `type()`, if there is one, describes the record, to tell why coding failed.
 
 namespace Brevantis::ASN1 {
 
@@ -30,10 +31,26 @@ const Value& requireValue(const Value* value) {
     return *value;
 }
 
+/// The name that a control class has for its type; null for one that tells none.
+template <class Control, class = void>
+struct TypeNameOf {
+    static constexpr const char* value = nullptr;
+};
+template <class Control>
+struct TypeNameOf<Control, decltype(static_cast<void>(Control::typeName))> {
+    static constexpr const char* value = Control::typeName;
+};
+
 /// The part of a traits class that is the same for every type of the catalogue.
 template <class Record, class Control, void (*CopyRecord)(ASN1CTXT*, Record*, Record*)>
 struct CatalogueTraits {
     using ASN1_T = Record;
+
+    /// What the record is, to tell why a message is none; null for a type of another catalogue.
+    static const asn1data::TypeDescription* type() noexcept {
+        constexpr const char* name = TypeNameOf<Control>::value;
+        return name != nullptr ? asn1data::findType(name) : nullptr;
+    }
 
     static int encode(ASN1BEREncodeBuffer& buffer, Record& record) {
         Control control(buffer, record);
