@@ -47,24 +47,33 @@ Item* itemOfLine(std::vector<Item>& items, const Location& at) {
 
 } // namespace
 
-void Parser::attachRemarksAndComments() {
+void attachRemarksAndComments(ModuleNode& module) {
+    const auto within = [&module](const Location& at) {
+        return at.line >= module.firstLine && at.line <= module.lastLine;
+    };
     std::vector<Item> items;
-    for (Assignment& assignment : module_.assignments) {
+    for (Assignment& assignment : module.assignments) {
         items.push_back(
             {assignment.at, assignment.lastLine, &assignment.remarks, &assignment.comment, 0});
         collectItems(assignment.type.get(), 1, items);
     }
-    for (Remark& remark : module_.stream.remarks) {
+    for (Remark& remark : module.file->stream.remarks) {
+        if (!within(remark.at)) {
+            continue;
+        }
         if (Item* item = itemOfLine(items, remark.at)) {
             item->remarks->push_back(&remark);
-        } else if (remark.key == "standard" && module_.standard.empty()) {
-            module_.standard = remark.value;
+        } else if (remark.key == "standard" && module.standard.empty()) {
+            module.standard = remark.value;
             remark.taken = true;
         }
     }
     // Lines of comment that touch an assignment tell what it is.
     std::map<unsigned, const Comment*> ownLines;
-    for (const Comment& comment : module_.stream.comments) {
+    for (const Comment& comment : module.file->stream.comments) {
+        if (!within(comment.at)) {
+            continue;
+        }
         if (comment.ownLine) {
             ownLines[comment.at.line] = &comment;
         } else if (Item* item = itemOfLine(items, comment.at)) {
@@ -81,10 +90,10 @@ void Parser::attachRemarksAndComments() {
         }
         return text;
     };
-    for (Assignment& assignment : module_.assignments) {
+    for (Assignment& assignment : module.assignments) {
         assignment.comment = linesAbove(assignment.at.line);
     }
-    module_.comment = linesAbove(module_.at.line);
+    module.comment = linesAbove(module.at.line);
 }
 
 } // namespace notation

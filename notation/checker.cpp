@@ -7,6 +7,7 @@ namespace notation {
 namespace {
 
 enum : long long { MaxCount = 0xFFFFFFFFll };
+enum : std::size_t { DeepestRecord = 1000, MostElements = 256 };
 
 unsigned tagValue(const TagNode& tag) {
     return (static_cast<unsigned>(tag.tagClass) << 30) | tag.number;
@@ -19,12 +20,18 @@ Octets bothForms(unsigned tag) {
     return octets;
 }
 
-// Two values that differ in the form bit alone are not told apart: X.690, 8.1.2.5.
-Octets withoutForm(const Octets& octets) {
-    Octets result;
-    for (unsigned octet = 0; octet < 256; ++octet) {
-        if (octets.test(octet)) {
-            result.set(octet & 0xDFu);
+// Values that two constraints permit; no range at all permits every value.
+std::vector<Range> commonTo(const std::vector<Range>& first, const std::vector<Range>& second) {
+    if (first.empty() || second.empty()) {
+        return first.empty() ? second : first;
+    }
+    std::vector<Range> result;
+    for (const Range& a : first) {
+        for (const Range& b : second) {
+            const Range common{std::max(a.lower, b.lower), std::min(a.upper, b.upper)};
+            if (common.lower <= common.upper) {
+                result.push_back(common);
+            }
         }
     }
     return result;
@@ -49,6 +56,9 @@ void Checker::run() {
         finish(type);
     }
     for (Type& type : model_.types) {
+        finishElements(type);
+    }
+    for (Type& type : model_.types) {
         type.holdsMemory = computeHoldsMemory(type);
         type.identifiers = beginsWith(type, false);
     }
@@ -71,6 +81,11 @@ void Checker::checkByValueRecursion(const Type& type) {
         return;
     }
     if (visited_[&type]++ > 0) {
+        return;
+    }
+    if (path_.size() >= DeepestRecord) {
+        diagnostics_.error(type.at, "values hold each other more than " +
+                                        std::to_string(DeepestRecord) + " deep");
         return;
     }
     path_.push_back(&type);
@@ -106,15 +121,22 @@ void Checker::finish(Type& type) {
     }
     finishTags(type);
     finishConstraint(type);
+}
+
+void Checker::finishElements(Type& type) {
     if (type.aliasOf != nullptr) {
         return;
     }
+    unsigned presenceBit = 0;
     for (Element& element : type.elements) {
-        finish(*element.type);
         finishElement(type, element);
+        if (element.presence == Presence::Optional) {
+            element.presenceBit = presenceBit++;
+        }
     }
-    if (type.element != nullptr) {
-        finish(*type.element);
+    if (type.elements.size() > MostElements) {
+        diagnostics_.error(type.at, "more than " + std::to_string(MostElements) +
+                                        " elements are not supported");
     }
 }
 
@@ -127,9 +149,7 @@ void Checker::finishTags(Type& type) {
         return;
     }
     const TagNode& node = *type.tagNode;
-    const bool implicitMode =
-        node.mode == TagNode::Implicit ||
-        (node.mode == TagNode::ModuleDefault && type.module->node.implicitTags);
+    const bool implicitMode = node.isImplicit();
     if (implicitMode && type.outerTag == 0 && type.tag != 0) {
         type.tag = tagValue(node) | (type.tag & Constructed);
     } else if (!implicitMode && type.outerTag != 0) {
@@ -142,9 +162,7 @@ void Checker::finishTags(Type& type) {
 void Checker::finishElement(const Type& type, Element& element) {
     if (element.tagNode) {
         const TagNode& node = *element.tagNode;
-        const bool implicitMode =
-            node.mode == TagNode::Implicit ||
-            (node.mode == TagNode::ModuleDefault && type.module->node.implicitTags);
+        const bool implicitMode = node.isImplicit();
         const unsigned outermost =
             element.type->outerTag != 0 ? element.type->outerTag : element.type->tag;
         if (implicitMode && outermost != 0) {
@@ -156,7 +174,7 @@ void Checker::finishElement(const Type& type, Element& element) {
         }
     }
     if (element.constraintPending) {
-        element.constraint = ranges(*type.module, *element.node, *element.type);
+        element.constraint = ranges(*element.node, *element.type);
     }
     const bool choice = type.shape == Shape::Choice;
     element.parameter = (choice ? "pvalue->u." : "pvalue->") + element.member;
@@ -170,7 +188,11 @@ void Checker::finishElement(const Type& type, Element& element) {
 }
 
 void Checker::finishConstraint(Type& type) {
-    if (type.builtin || type.aliasOf != nullptr || type.node == nullptr) {
+    if (type.builtin || type.node == nullptr) {
+        return;
+    }
+    if (type.aliasOf != nullptr) {
+        type.constraint = commonTo(type.constraint, ranges(*type.node, type));
         return;
     }
     if (type.shape == Shape::Enumerated) {
@@ -186,7 +208,7 @@ void Checker::finishConstraint(Type& type) {
         type.constraint = {range};
         return;
     }
-    type.constraint = ranges(*type.module, *type.node, type);
+    type.constraint = ranges(*type.node, type);
     for (const Range& range : type.constraint) {
         if (isFixed(type.shape) && range.upper > type.capacity) {
             diagnostics_.error(type.node->constraintAt, "the size does not fit the capacity of " +
@@ -196,53 +218,134 @@ void Checker::finishConstraint(Type& type) {
     }
 }
 
-std::vector<Range> Checker::ranges(const Module& module, const TypeNode& node, const Type& base) {
+std::vector<Range> Checker::ranges(const TypeNode& node, const Type& base) {
     const ShapeTraits& traits = traitsOf(base.shape);
     const bool isNumber = traits.kind == ShapeKind::Number && base.shape != Shape::Enumerated;
     const bool isBigNumber = traits.kind == ShapeKind::BigNumber;
     const bool sized = isString(base.shape) || traits.kind == ShapeKind::Repeated;
-    if ((!node.sizes.empty() && !sized) || (!node.values.empty() && !isNumber && !isBigNumber)) {
+    const bool isNumeric =
+        std::any_of(node.values.begin(), node.values.end(), [](const RangeNode& range) {
+            return range.lower.kind == BoundNode::Value &&
+                   range.lower.value.kind == ValueNode::Number;
+        });
+    if ((!node.sizes.empty() && !sized) || (isNumeric && !isNumber && !isBigNumber)) {
         diagnostics_.error(node.constraintAt, "the constraint does not fit the type");
         return {};
     }
     const Range whole = sized ? Range{0, MaxCount} : Range{traits.lower, traits.upper};
     std::vector<Range> result;
+    // An INTEGER held as text is not compared, nor are names of an ENUMERATED.
+    const bool tested = !node.sizes.empty() || isNumber;
     for (const RangeNode& range : node.sizes.empty() ? node.values : node.sizes) {
         Range bounds = whole;
         for (const bool lower : {true, false}) {
-            const BoundNode& bound = lower ? range.lower : range.upper;
-            if (bound.kind == BoundNode::Value) {
-                const std::optional<long long> value = number_(module, bound.value);
-                if (value && (*value < whole.lower || *value > whole.upper)) {
-                    diagnostics_.error(bound.value.at,
-                                       "the bound is outside what the type can hold");
-                }
-                (lower ? bounds.lower : bounds.upper) =
-                    value.value_or(lower ? whole.lower : whole.upper);
-            } else if ((bound.kind == BoundNode::Max) == lower) {
-                (lower ? bounds.lower : bounds.upper) = lower ? whole.upper : whole.lower;
+            const BoundNode& node_ = lower ? range.lower : range.upper;
+            const std::optional<long long> value =
+                tested ? bound(node_, base, whole.lower, whole.upper) : std::nullopt;
+            if (value && (*value < whole.lower || *value > whole.upper)) {
+                diagnostics_.error(node_.value.at, "the bound is outside what the type can hold");
             }
+            (lower ? bounds.lower : bounds.upper) =
+                value.value_or(lower ? whole.lower : whole.upper);
         }
         if (bounds.lower > bounds.upper) {
             diagnostics_.error(node.constraintAt, "the bounds of the range are crossed");
         }
         result.push_back(bounds);
     }
+    if (!tested) {
+        result.clear();
+    }
+    for (const ConstraintNode& further : node.further) {
+        if (const auto ranges = rangesOf(further, base, false)) {
+            result = commonTo(result, *ranges);
+        }
+    }
     if (result.size() == 1 && result[0].lower == whole.lower && result[0].upper == whole.upper) {
         return {}; // says nothing
     }
-    if (!result.empty() && isBigNumber) {
-        diagnostics_.error(node.constraintAt,
-                           "an INTEGER held as text has no tested range; give it "
-                           "the remark 'value' or leave the range out");
-    }
     return result;
+}
+
+std::optional<long long> Checker::bound(const BoundNode& node, const Type& base, long long low,
+                                        long long high) {
+    if (node.kind != BoundNode::Value) {
+        return node.kind == BoundNode::Min ? low : high;
+    }
+    for (const NamedNumber& named : base.target().names) {
+        if (node.value.kind == ValueNode::Reference && named.name == node.value.reference) {
+            return named.number;
+        }
+    }
+    return number_(node.value);
+}
+
+// What a constraint permits, as far as numbers tell; nothing when they do not. Where a part of it
+// is not tested, more is permitted than is written, never less.
+std::optional<std::vector<Range>> Checker::rangesOf(const ConstraintNode& node, const Type& base,
+                                                    bool size) {
+    const ShapeTraits& traits = traitsOf(base.shape);
+    const bool isNumber = traits.kind == ShapeKind::Number && base.shape != Shape::Enumerated;
+    const bool sized = isString(base.shape) || traits.kind == ShapeKind::Repeated;
+    const Range whole = size ? Range{0, MaxCount} : Range{traits.lower, traits.upper};
+    switch (node.kind) {
+    case ConstraintNode::Range: {
+        if (!size && !isNumber) {
+            return std::nullopt;
+        }
+        const auto lower = bound(node.range.lower, base, whole.lower, whole.upper);
+        const auto upper = bound(node.range.upper, base, whole.lower, whole.upper);
+        if (!lower || !upper || *lower > *upper || *lower > whole.upper || *upper < whole.lower) {
+            return std::nullopt;
+        }
+        return std::vector<Range>{{std::max(*lower, whole.lower), std::min(*upper, whole.upper)}};
+    }
+    case ConstraintNode::Size:
+        return sized && !size ? rangesOf(node.parts.front(), base, true) : std::nullopt;
+    case ConstraintNode::Union: {
+        std::vector<Range> all;
+        for (const ConstraintNode& part : node.parts) {
+            const auto ranges = rangesOf(part, base, size);
+            if (!ranges) {
+                return std::nullopt;
+            }
+            all.insert(all.end(), ranges->begin(), ranges->end());
+        }
+        return all;
+    }
+    case ConstraintNode::Intersection: {
+        std::vector<Range> all;
+        for (const ConstraintNode& part : node.parts) {
+            if (const auto ranges = rangesOf(part, base, size)) {
+                all = commonTo(all, *ranges);
+            }
+        }
+        return all.empty() ? std::nullopt : std::optional<std::vector<Range>>(all);
+    }
+    case ConstraintNode::Except:
+        return node.parts.size() > 1 ? rangesOf(node.parts.front(), base, size) : std::nullopt;
+    case ConstraintNode::Other:
+        break;
+    }
+    return std::nullopt;
 }
 
 void Checker::finishDefault(const Type& type, Element& element) {
     const ValueNode& value = *element.defaultValue;
     const Type& target = element.type->target();
     if (type.shape != Shape::Sequence && type.shape != Shape::Set) {
+        return;
+    }
+    const ShapeTraits& traits = traitsOf(target.shape);
+    const bool big = traits.kind == ShapeKind::BigNumber;
+    const bool isValue = value.kind != ValueNode::Number && value.kind != ValueNode::Boolean &&
+                         value.kind != ValueNode::Reference;
+    const bool compared = big || traits.kind == ShapeKind::Number || target.shape == Shape::Boolean;
+    const bool byName = target.shape == Shape::Boolean && value.kind == ValueNode::Reference;
+    if (!compared || byName || value.kind == ValueNode::Other) {
+        // What no machine word holds is not compared with its default: absent means the default.
+        element.presence = Presence::Optional;
+        element.defaultValue.reset();
         return;
     }
     if (target.shape == Shape::Boolean) {
@@ -252,21 +355,19 @@ void Checker::finishDefault(const Type& type, Element& element) {
         element.defaultNumber = value.boolean ? 1 : 0;
         return;
     }
-    const ShapeTraits& traits = traitsOf(target.shape);
-    const bool big = traits.kind == ShapeKind::BigNumber;
-    if (!big && traits.kind != ShapeKind::Number) {
-        diagnostics_.error(value.at, "a default is supported on BOOLEAN, INTEGER and ENUMERATED");
-        return;
-    }
     std::optional<long long> number;
     for (const NamedNumber& named : target.names) {
         if (value.kind == ValueNode::Reference && named.name == value.reference) {
             number = named.number;
         }
     }
-    if (!number && value.kind != ValueNode::Boolean && value.kind != ValueNode::Braces &&
+    if (big && !value.digits.empty()) {
+        element.defaultText = value.digits;
+        return;
+    }
+    if (!number && value.kind != ValueNode::Boolean && !isValue &&
         target.shape != Shape::Enumerated) {
-        number = number_(*type.module, value);
+        number = number_(value);
         if (!number) {
             return;
         }
@@ -294,8 +395,18 @@ void Checker::finishDefault(const Type& type, Element& element) {
     }
 }
 
-bool Checker::computeHoldsMemory(const Type& type) const {
+bool Checker::computeHoldsMemory(const Type& type) {
     const Type& target = type.target();
+    const auto known = memory_.find(&target);
+    if (known != memory_.end()) {
+        return known->second;
+    }
+    const bool result = valuesHoldMemory(target);
+    memory_[&target] = result;
+    return result;
+}
+
+bool Checker::valuesHoldMemory(const Type& target) {
     switch (target.shape) {
     case Shape::FixedArray:
         return computeHoldsMemory(*target.element);
@@ -318,36 +429,48 @@ bool Checker::computeHoldsMemory(const Type& type) const {
 }
 
 // Depth first; where an edge leads back to a type that is still being walked, that type closes the
-// cycle. So every cycle has one.
+// cycle. So every cycle has one. The path is kept on the heap: it can be as long as the module.
 void Checker::markRecursion() {
-    visited_.clear();
+    enum State { Unseen, Open, Done };
+    std::map<const Type*, State> states;
+    struct Step {
+        Type* type;
+        Type* target;
+        std::size_t next;
+    };
+    std::vector<Step> path;
+    const auto enter = [&](Type& type) {
+        State& state = states[&type];
+        if (state != Unseen) {
+            type.closesRecursion = type.closesRecursion || state == Open;
+            return;
+        }
+        state = Open;
+        Type* target = &type;
+        while (target->aliasOf != nullptr) {
+            target = target->aliasOf;
+        }
+        path.push_back({&type, target, 0});
+    };
     for (Type& type : model_.types) {
-        walkRecursion(type);
+        enter(type);
+        while (!path.empty()) {
+            Step& step = path.back();
+            const std::size_t next = step.next++;
+            if (next < step.target->elements.size()) {
+                enter(*step.target->elements[next].type);
+            } else if (next == step.target->elements.size() && step.target->element != nullptr) {
+                enter(*step.target->element);
+            } else if (next >= step.target->elements.size()) {
+                states[step.type] = Done;
+                path.pop_back();
+            }
+        }
     }
-}
-
-void Checker::walkRecursion(Type& type) {
-    int& state = visited_[&type];
-    if (state != 0) {
-        type.closesRecursion = type.closesRecursion || state == 1;
-        return;
-    }
-    state = 1;
-    Type* target = &type;
-    while (target->aliasOf != nullptr) {
-        target = target->aliasOf;
-    }
-    for (Element& element : target->elements) {
-        walkRecursion(*element.type);
-    }
-    if (target->element != nullptr) {
-        walkRecursion(*target->element);
-    }
-    visited_[&type] = 2;
 }
 
 // With wholeTag, as a CHOICE or SET compares its alternatives: the form bit counts.
-Octets Checker::beginsWith(const Type& type, bool wholeTag) const {
+Octets Checker::beginsWith(const Type& type, bool wholeTag) {
     Octets octets;
     if (type.outerTag != 0) {
         if (!wholeTag) {
@@ -361,10 +484,7 @@ Octets Checker::beginsWith(const Type& type, bool wholeTag) const {
         return octets.set().reset(0);
     }
     if (type.shape == Shape::Choice) {
-        for (const Element& element : target.elements) {
-            octets |= beginsWith(element, true);
-        }
-        return octets;
+        return alternativesBeginWith(target).octets;
     }
     const bool universal = type.tag >> 30 == 0;
     const bool oneForm = isPrimitive(type.shape) && !isString(type.shape);
@@ -375,7 +495,7 @@ Octets Checker::beginsWith(const Type& type, bool wholeTag) const {
     return bothForms(type.tag);
 }
 
-Octets Checker::beginsWith(const Element& element, bool wholeTag) const {
+Octets Checker::beginsWith(const Element& element, bool wholeTag) {
     if (element.tagging == Tagging::Untagged) {
         return beginsWith(*element.type, wholeTag);
     }
@@ -387,10 +507,70 @@ Octets Checker::beginsWith(const Element& element, bool wholeTag) const {
     return octets;
 }
 
+// A CHOICE begins as its alternatives do, whatever it stands in.
+const Checker::Beginnings& Checker::alternativesBeginWith(const Type& choice) {
+    const auto [found, isNew] = beginnings_.emplace(&choice, Beginnings());
+    Beginnings& beginnings = found->second;
+    if (!isNew) {
+        if (beginnings.gathering) {
+            diagnostics_.error(choice.at, "'" + choice.name +
+                                              "' is an alternative of itself, with "
+                                              "no tag to tell how often");
+        }
+        return beginnings;
+    }
+    beginnings.gathering = true;
+    if (++choiceDepth_ > DeepestRecord) {
+        diagnostics_.error(choice.at, "a CHOICE holds a CHOICE more than " +
+                                          std::to_string(DeepestRecord) + " deep");
+    } else {
+        for (const Element& element : choice.elements) {
+            const Beginnings each = tagsOf(element);
+            beginnings.octets |= beginsWith(element, true);
+            beginnings.tags.insert(each.tags.begin(), each.tags.end());
+            beginnings.any = beginnings.any || each.any;
+        }
+    }
+    beginnings.gathering = false;
+    --choiceDepth_;
+    return beginnings;
+}
+
+// The tags that a value of the element can begin with, without the form bit: X.690, 8.1.2.5.
+Checker::Beginnings Checker::tagsOf(const Element& element) {
+    Beginnings result;
+    const Type& type = *element.type;
+    if (element.tagging != Tagging::Untagged || type.outerTag != 0 || type.tag != 0) {
+        const unsigned tag = element.tagging != Tagging::Untagged ? element.tag
+                             : type.outerTag != 0                 ? type.outerTag
+                                                                  : type.tag;
+        result.tags.insert(tag & ~Constructed);
+    } else if (type.shape == Shape::OpenType) {
+        result.any = true;
+    } else {
+        result = alternativesBeginWith(type.target());
+    }
+    return result;
+}
+
+// Whether the decoder cannot tell one from the other.
+bool Checker::isAmbiguous(const Beginnings& first, const Beginnings& second) {
+    if (first.any || second.any) {
+        return first.any ? second.any || !second.tags.empty() : !first.tags.empty();
+    }
+    return std::any_of(second.tags.begin(), second.tags.end(),
+                       [&](unsigned tag) { return first.tags.count(tag) != 0; });
+}
+
 // X.680, 25.6 for a SEQUENCE, 27.3 for a SET, 29.3 for a CHOICE.
 void Checker::checkAmbiguity(const Type& type) {
     if (type.builtin || type.aliasOf != nullptr || type.ambiguous) {
         return;
+    }
+    std::vector<Beginnings> tags;
+    tags.reserve(type.elements.size());
+    for (const Element& element : type.elements) {
+        tags.push_back(tagsOf(element));
     }
     const bool sequence = type.shape == Shape::Sequence;
     for (std::size_t i = 0; i < type.elements.size(); ++i) {
@@ -398,11 +578,9 @@ void Checker::checkAmbiguity(const Type& type) {
         if (sequence && first.presence == Presence::Mandatory) {
             continue;
         }
-        const Octets octets = withoutForm(beginsWith(first, !sequence));
         for (std::size_t k = i + 1; k < type.elements.size(); ++k) {
             const Element& second = type.elements[k];
-            if ((octets & withoutForm(beginsWith(second, !sequence))).any() && !first.ambiguous &&
-                !second.ambiguous) {
+            if (isAmbiguous(tags[i], tags[k]) && !first.ambiguous && !second.ambiguous) {
                 complainAmbiguity(type, first, second);
             }
             if (sequence && second.presence == Presence::Mandatory) {

@@ -6,10 +6,11 @@
 
 namespace notation {
 
-void Diagnostics::error(const Location& at, const std::string& sentence) {
+void Diagnostics::add(const Location& at, const std::string& sentence, bool warning) {
     // What several names refer to is read for each of them.
-    if (known_.emplace(at.file, at.line, at.column, sentence).second) {
-        entries_.push_back({at, sentence});
+    if (said_.emplace(at.file, at.line, at.column, sentence).second) {
+        entries_.push_back({at, sentence, warning});
+        failed_ = failed_ || !warning;
     }
 }
 
@@ -26,7 +27,7 @@ void Diagnostics::print(std::ostream& out) const {
     });
     for (const Entry& entry : sorted) {
         out << entry.at.file << ':' << entry.at.line << ':' << entry.at.column
-            << ": error: " << entry.sentence << ".\n";
+            << (entry.warning ? ": warning: " : ": error: ") << entry.sentence << ".\n";
     }
 }
 

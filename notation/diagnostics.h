@@ -22,21 +22,30 @@ public:
     struct Entry {
         Location at;
         std::string sentence;
+        bool warning = false;
     };
 
     /// Adds a complaint, once.
     /// @param sentence starts in lower case and has no full stop
-    void error(const Location& at, const std::string& sentence);
+    void error(const Location& at, const std::string& sentence) { add(at, sentence, false); }
 
-    bool failed() const { return !entries_.empty(); }
+    /// Adds a remark on something that was read otherwise than it stands, once.
+    void warning(const Location& at, const std::string& sentence) { add(at, sentence, true); }
+
+    /// Whether there are errors; warnings do not count.
+    bool failed() const { return failed_; }
     const std::vector<Entry>& entries() const { return entries_; }
 
-    /// Prints "file:line:column: error: sentence." for each entry, in the order of the text.
+    /// Prints "file:line:column: error: sentence." for each entry, or "warning", in the order of
+    /// the text.
     void print(std::ostream& out) const;
 
 private:
+    void add(const Location& at, const std::string& sentence, bool warning);
+
     std::vector<Entry> entries_;
-    std::set<std::tuple<std::string, unsigned, unsigned, std::string>> known_; ///< what they say
+    std::set<std::tuple<std::string, unsigned, unsigned, std::string>> said_;
+    bool failed_ = false;
 };
 
 } // namespace notation

@@ -54,7 +54,7 @@ public:
                 lineHasToken_ = true;
             }
         }
-        stream_.tokens.push_back({Token::End, "", at_});
+        add(Token::End, "", at_);
         return std::move(stream_);
     }
 
@@ -138,20 +138,59 @@ private:
     void token(char c) {
         const Location at = at_;
         if (isUpper(c) || isLower(c)) {
-            stream_.tokens.push_back({isUpper(c) ? Token::Upper : Token::Lower, word(), at});
+            add(isUpper(c) ? Token::Upper : Token::Lower, word(), at);
         } else if (isDigit(c)) {
             const std::size_t start = position_;
             while (isDigit(peek())) {
                 step();
             }
-            stream_.tokens.push_back(
-                {Token::Number, std::string(text_.substr(start, position_ - start)), at});
+            add(Token::Number, std::string(text_.substr(start, position_ - start)), at);
         } else if (c == '&' && (isUpper(peek(1)) || isLower(peek(1)))) {
             step();
-            stream_.tokens.push_back({Token::Field, word(), at});
+            add(Token::Field, word(), at);
+        } else if (c == '"') {
+            quoted(at);
+        } else if (c == '\'') {
+            digits(at);
         } else {
             symbol(at);
         }
+    }
+
+    void add(Token::Kind kind, std::string text, const Location& at) {
+        stream_.tokens.push_back({kind, std::move(text), at});
+    }
+
+    // X.680, 12.14: a quotation mark within the text is written twice.
+    void quoted(const Location& at) {
+        std::string text;
+        for (step(); position_ < text_.size(); step()) {
+            if (peek() == '"') {
+                if (peek(1) != '"') {
+                    step();
+                    add(Token::String, std::move(text), at);
+                    return;
+                }
+                step();
+            }
+            text += peek();
+        }
+        diagnostics_.error(at, "the text has no closing quotation mark");
+    }
+
+    // X.680, 12.10 and 12.12: blanks between the digits do not count.
+    void digits(const Location& at) {
+        std::string text;
+        for (step(); position_ < text_.size() && peek() != '\''; step()) {
+            text += isBlank(peek()) ? "" : std::string(1, peek());
+        }
+        step();
+        if (peek() != 'B' && peek() != 'H') {
+            diagnostics_.error(at, "a text of digits ends in 'B or 'H");
+            return;
+        }
+        add(peek() == 'B' ? Token::Bits : Token::Hex, std::move(text), at);
+        step();
     }
 
     // A hyphen belongs to the word when a letter or digit follows.
@@ -165,9 +204,9 @@ private:
 
     void symbol(const Location& at) {
         for (const char* spelling : {"::=", "...", "..", "{", "}", "(", ")", "[", "]", ",", ";",
-                                     ".", "|", "@", "-", ":"}) {
+                                     ".",   "|",   "@",  "-", ":", "^", "<", "!", "*", "/", ">"}) {
             if (starts(spelling)) {
-                stream_.tokens.push_back({Token::Symbol, spelling, at});
+                add(Token::Symbol, spelling, at);
                 step(std::string_view(spelling).size());
                 return;
             }
@@ -185,7 +224,42 @@ private:
     bool lineHasToken_ = false;
 };
 
+std::string spellingOf(const Token& token) {
+    switch (token.kind) {
+    case Token::Field:
+        return "&" + token.text;
+    case Token::String: {
+        std::string text = "\"";
+        for (const char c : token.text) {
+            text += c == '"' ? "\"\"" : std::string(1, c);
+        }
+        return text + "\"";
+    }
+    case Token::Bits:
+        return "'" + token.text + "'B";
+    case Token::Hex:
+        return "'" + token.text + "'H";
+    default:
+        return token.text;
+    }
+}
+
+bool isOneOf(const Token& token, std::string_view symbols) {
+    return token.kind == Token::Symbol && token.text.size() == 1 &&
+           symbols.find(token.text) != std::string_view::npos;
+}
+
 } // namespace
+
+std::string spelled(const Token* first, const Token* last) {
+    std::string text;
+    for (const Token* token = first; token != last; ++token) {
+        const bool joins = token == first || isOneOf(*token, ",;).:") || token->is("..") ||
+                           isOneOf(token[-1], "(.@:!-") || token[-1].is("..");
+        text += (joins ? "" : " ") + spellingOf(*token);
+    }
+    return text;
+}
 
 TokenStream tokenize(const std::string& file, std::string_view text, Diagnostics& diagnostics) {
     return Lexer(file, text, diagnostics).run();

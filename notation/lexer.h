@@ -9,13 +9,18 @@
 
 namespace notation {
 
-/// A lexical item of X.680, clause 12, as far as the notation is supported.
+struct ModuleNode;
+
+/// A lexical item of X.680, clause 12.
 struct Token {
     enum Kind {
         Upper,  ///< begins with a capital: a type, a class, a set or a keyword
         Lower,  ///< begins with a small letter: an identifier or a value
         Field,  ///< begins with `&`: a field of an object class; the text leaves the sign out
         Number, ///< decimal digits
+        String, ///< `"..."`: the text leaves the outer quotation marks out
+        Bits,   ///< `'...'B`
+        Hex,    ///< `'...'H`
         Symbol, ///< punctuation, such as `::=`
         End     ///< behind the last item
     };
@@ -23,6 +28,9 @@ struct Token {
     Kind kind = End;
     std::string text;
     Location at;
+    /// The module whose names it is read with; null for the module that it stands in. Differs where
+    /// parameters have been put in.
+    const ModuleNode* scope = nullptr;
 
     bool is(const char* spelling) const {
         return (kind == Upper || kind == Symbol) && text == spelling;
@@ -50,6 +58,9 @@ struct TokenStream {
     std::vector<Comment> comments;
     std::vector<Remark> remarks;
 };
+
+/// The items as text again, evenly spaced.
+std::string spelled(const Token* first, const Token* last);
 
 /// Takes a text apart; reports what is no lexical item and goes on behind it.
 TokenStream tokenize(const std::string& file, std::string_view text, Diagnostics& diagnostics);

@@ -107,6 +107,7 @@ struct Type {
     std::vector<Range> constraint;
     std::optional<Table> table;
     bool generalizedTime = false;
+    bool inPlace = false; ///< described within another type
 
     // Settled by the checker.
     bool finished = false;
@@ -146,7 +147,11 @@ struct Identifier {
 struct ObjectClass {
     std::string name; ///< in C++
     std::string typeField;
+    std::string idField;
     bool typeOptional = false;
+    /// It has an identifier `&id`, one type and further identifiers at most: a class in C++. Of any
+    /// other class there are the tables that its sets need.
+    bool hasRecord = false;
     const Assignment* node = nullptr;
     Module* module = nullptr;
     bool hasOptionalFields() const;
@@ -161,6 +166,7 @@ struct Object {
     std::vector<unsigned> arcs;
     Type* type = nullptr;
     std::unique_ptr<TypeNode> typeNode;
+    enum { Declared, Resolving, Resolved } state = Declared;
 };
 
 struct ObjectSet {
@@ -169,10 +175,12 @@ struct ObjectSet {
     const ObjectClass* objectClass = nullptr;
     Module* module = nullptr;
     std::vector<const Object*> objects;
+    bool resolved = false;
 };
 
 struct Module {
     ModuleNode node;
+    std::string space; ///< namespace of its own, where a name of its stands in another module too
     std::vector<Type*> types; ///< in order of need
     std::vector<Identifier> identifiers;
     std::vector<const ObjectClass*> classes;
@@ -180,8 +188,16 @@ struct Module {
     std::vector<const ObjectSet*> sets;
 };
 
+/// The modules of a file, which share the generated files.
+struct File {
+    std::shared_ptr<FileNode> node;
+    std::vector<Module*> modules;
+};
+
 struct Model {
+    Module builtinModule; ///< types that the notation brings along, in notation
     std::vector<std::unique_ptr<Module>> modules;
+    std::vector<File> files;
     std::deque<Type> types;
     std::deque<ObjectClass> classes;
     std::deque<Object> objects;

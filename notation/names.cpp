@@ -35,6 +35,11 @@ std::string memberName(const std::string& name) {
     return taken ? result + "_" : result;
 }
 
+std::string valueMemberName(const std::string& name) {
+    const bool taken = name == "types" || name == "sets" || name == "objects" || name == "builtin";
+    return taken ? name + "_" : memberName(name);
+}
+
 std::string inlineTypeName(const std::string& parent, const std::string& element) {
     return parent + "_" + cppName(element);
 }

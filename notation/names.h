@@ -14,6 +14,9 @@ std::string cppName(const std::string& name);
 /// The same for a member or a value, clear of keywords.
 std::string memberName(const std::string& name);
 
+/// The same for a value, an object or a set, clear of the namespaces of the tables as well.
+std::string valueMemberName(const std::string& name);
+
 /// Name of a type that an element describes in place.
 std::string inlineTypeName(const std::string& parent, const std::string& element);
 

@@ -54,14 +54,14 @@ std::string printNames(const std::vector<NamedNumber>& names) {
     return " " + text + " }";
 }
 
-std::string printComponents(const char* keyword, const TypeNode& type) {
-    if (type.components.empty()) {
-        return std::string(keyword) + " {}";
+std::string printComponents(const char* keyword, const TypeNode& type, unsigned depth) {
+    if (type.components.empty() || depth == 0) {
+        return std::string(keyword) + (depth == 0 ? " { ... }" : " {}");
     }
     std::string text = std::string(keyword) + " {";
     const char* separator = "\n";
     for (const ComponentNode& component : type.components) {
-        text += separator + indented(printComponent(component));
+        text += separator + indented(printComponent(component, depth - 1));
         separator = ",\n";
     }
     return text + " }";
@@ -76,6 +76,7 @@ std::string printConstraints(const TypeNode& type) {
     if (!type.values.empty()) {
         text += " (" + printRanges(type.values) + ")";
     }
+    text += type.furtherText;
     if (type.containing) {
         text += " (CONTAINING " + printType(*type.containing) + ")";
     }
@@ -86,7 +87,7 @@ std::string printConstraints(const TypeNode& type) {
     return text;
 }
 
-std::string printPlain(const TypeNode& type) {
+std::string printPlain(const TypeNode& type, unsigned depth) {
     switch (type.kind) {
     case TypeNode::Boolean:
         return "BOOLEAN";
@@ -103,23 +104,38 @@ std::string printPlain(const TypeNode& type) {
     case TypeNode::BitString:
         return "BIT STRING" + printNames(type.names);
     case TypeNode::Sequence:
-        return printComponents("SEQUENCE", type);
+        return printComponents("SEQUENCE", type, depth);
     case TypeNode::Set:
-        return printComponents("SET", type);
+        return printComponents("SET", type, depth);
     case TypeNode::Choice:
-        return printComponents("CHOICE", type);
+        return printComponents("CHOICE", type, depth);
     case TypeNode::SequenceOf:
     case TypeNode::SetOf:
         return std::string(type.kind == TypeNode::SetOf ? "SET" : "SEQUENCE") +
                (type.sizes.empty() ? "" : " SIZE (" + printRanges(type.sizes) + ")") + " OF " +
-               printType(*type.element);
-    case TypeNode::ClassField:
-        return type.className + ".&" + type.fieldName;
+               printType(*type.element, depth > 0 ? depth - 1 : 0);
+    case TypeNode::ClassField: {
+        std::string text = type.className;
+        for (const std::string& field : type.fieldPath) {
+            text += ".&" + field;
+        }
+        return text + ".&" + type.fieldName;
+    }
+    case TypeNode::Any:
+        return type.text;
+    case TypeNode::Tagged:
+        return printType(*type.element, depth > 0 ? depth - 1 : 0);
+    case TypeNode::Selection:
+        return type.fieldName + " < " + printType(*type.element);
     case TypeNode::CharacterString:
     case TypeNode::Reference:
         break;
     }
-    return type.reference;
+    std::string text = type.reference;
+    if (!type.arguments.empty()) {
+        text += " {" + spelled(&type.arguments.front(), &type.arguments.back()) + "}";
+    }
+    return text;
 }
 
 } // namespace
@@ -127,33 +143,38 @@ std::string printPlain(const TypeNode& type) {
 std::string printValue(const ValueNode& value) {
     switch (value.kind) {
     case ValueNode::Number:
-        return std::to_string(value.number);
+        return value.digits.empty() ? std::to_string(value.number) : value.digits;
     case ValueNode::Boolean:
         return value.boolean ? "TRUE" : "FALSE";
     case ValueNode::Reference:
-        return value.reference;
+        return (value.module.empty() ? "" : value.module + ".") + value.reference;
+    case ValueNode::Text:
+        return "\"" + value.text + "\"";
+    case ValueNode::Other:
+        return value.text;
     case ValueNode::Braces:
         break;
     }
     std::string text = "{ ";
     for (const ValueNode::Arc& arc : value.arcs) {
-        text += arc.name.empty()     ? arc.number
-                : arc.number.empty() ? arc.name
-                                     : arc.name + "(" + arc.number + ")";
+        const std::string& number = arc.number.empty() ? arc.reference : arc.number;
+        text += arc.name.empty() ? number
+                : number.empty() ? arc.name
+                                 : arc.name + "(" + number + ")";
         text += " ";
     }
     return text + "}";
 }
 
-std::string printType(const TypeNode& type) {
-    return (type.tag ? printTag(*type.tag) : "") + printPlain(type) + printConstraints(type);
+std::string printType(const TypeNode& type, unsigned depth) {
+    return (type.tag ? printTag(*type.tag) : "") + printPlain(type, depth) + printConstraints(type);
 }
 
-std::string printComponent(const ComponentNode& component) {
+std::string printComponent(const ComponentNode& component, unsigned depth) {
     if (component.extensionMarker) {
         return "...";
     }
-    std::string text = component.name + " " + printType(*component.type);
+    std::string text = component.name + " " + printType(*component.type, depth);
     if (component.optional) {
         text += " OPTIONAL";
     }

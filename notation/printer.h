@@ -10,12 +10,15 @@
 
 namespace notation {
 
+enum : unsigned { DeepestPrinted = 16 };
+
+/// @param depth levels of elements that are shown; those further in are left out
 /// @return the type as the right-hand side of an assignment, lines parted by '\n'
-std::string printType(const TypeNode& type);
+std::string printType(const TypeNode& type, unsigned depth = DeepestPrinted);
 
 /// @return an element without its comma, as it stands in a SEQUENCE; several lines when its type is
 ///         described in place
-std::string printComponent(const ComponentNode& component);
+std::string printComponent(const ComponentNode& component, unsigned depth = DeepestPrinted);
 
 std::string printValue(const ValueNode& value);
 

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <functional>
+
 #include "builtin_types.h"
 #include "names.h"
 #include "printer.h"
@@ -22,6 +25,32 @@ bool isTypeField(const TypeNode& node) {
            node.fieldName[0] <= 'Z';
 }
 
+// Aliases are followed as far as they are known.
+Shape finalShape(const Type& type) {
+    const Type* target = &type;
+    while (target->aliasOf != nullptr) {
+        target = target->aliasOf;
+    }
+    return target->shape;
+}
+
+// Whether all that a constraint permits lies in ranges that a test accepts.
+bool allWithin(const ConstraintNode& node, const std::function<bool(const RangeNode&)>& fits) {
+    const auto inner = [&fits](const ConstraintNode& part) { return allWithin(part, fits); };
+    switch (node.kind) {
+    case ConstraintNode::Range:
+        return fits(node.range);
+    case ConstraintNode::Union:
+        return std::all_of(node.parts.begin(), node.parts.end(), inner);
+    case ConstraintNode::Intersection:
+        return std::any_of(node.parts.begin(), node.parts.end(), inner);
+    case ConstraintNode::Except:
+        return node.parts.size() > 1 && inner(node.parts.front());
+    default:
+        return false;
+    }
+}
+
 bool isConstrained(const TypeNode& node) {
     return !node.sizes.empty() || !node.values.empty();
 }
@@ -29,36 +58,31 @@ bool isConstrained(const TypeNode& node) {
 } // namespace
 
 void Resolver::fill(Type& type, const TypeNode& node, const Place& place) {
+    if (filling_ > LongestChain) {
+        diagnostics_.error(node.at, "types are told by each other more than 1000 deep");
+        return;
+    }
+    const struct Level {
+        explicit Level(std::size_t& count) : count_(count) { ++count_; }
+        ~Level() { --count_; }
+        std::size_t& count_;
+    } level(filling_);
     type.node = &node;
-    type.notation = printType(node);
+    type.notation = printType(node, DeepestPrinted);
     type.standard = place.standard;
     type.tagNode = node.tag;
-    type.names = node.names;
-    for (const NamedNumber& named : node.names) {
-        for (const NamedNumber& other : node.names) {
-            if (&other < &named && (other.name == named.name || other.number == named.number)) {
-                diagnostics_.error(named.at, "'" + named.name + "' repeats '" + other.name + "'");
-            }
-        }
-    }
+    fillNames(type, node);
     type.copyable = takeRemark(place, "no-copy") == nullptr;
     type.ambiguous = node.kind == TypeNode::Choice && takeRemark(place, "ambiguous") != nullptr;
-    if (node.containing != nullptr) {
-        diagnostics_.error(node.constraintAt,
-                           "CONTAINING is supported on an element of a SEQUENCE alone");
-    }
     switch (node.kind) {
-    case TypeNode::Reference: {
-        const Symbol* symbol = find(*place.module, node.reference, node.at, "type");
-        if (symbol != nullptr && symbol->type == nullptr) {
-            diagnostics_.error(node.at, "'" + node.reference + "' is not a type");
-        } else if (symbol != nullptr) {
-            type.aliasOf = symbol->type;
-        }
-        if (isConstrained(node)) {
-            diagnostics_.error(node.constraintAt,
-                               "a constraint on another name of a type is not supported");
-        }
+    case TypeNode::Reference:
+        fillReference(type, node, place);
+        break;
+    case TypeNode::Tagged: {
+        Place inner = place;
+        inner.remarks = nullptr;
+        inner.name = inlineTypeName(place.name, "inner");
+        type.aliasOf = hoist(*node.element, inner);
         break;
     }
     case TypeNode::Sequence:
@@ -77,16 +101,51 @@ void Resolver::fill(Type& type, const TypeNode& node, const Place& place) {
         fillList(type, node, place);
         break;
     default:
-        if (node.kind == TypeNode::ClassField && node.table && isTypeField(node)) {
-            diagnostics_.error(node.table->setAt,
-                               "object sets resolve open values of a SEQUENCE alone");
-        }
         fillBuiltin(type, node, place);
         return;
     }
     if (node.kind != TypeNode::Reference) {
         type.stepsOverEndOfContents = takeRemark(place, "end-of-contents") != nullptr;
     }
+}
+
+void Resolver::fillNames(Type& type, const TypeNode& node) {
+    type.names = node.names;
+    std::set<std::string> names;
+    std::map<long long, std::string> numbers;
+    for (NamedNumber& named : type.names) {
+        if (named.reference) {
+            named.number = number(*named.reference).value_or(0);
+        }
+        const auto [first, isNew] = numbers.emplace(named.number, named.name);
+        if (!names.insert(named.name).second) {
+            diagnostics_.error(named.at, "'" + named.name + "' repeats '" + named.name + "'");
+        } else if (!isNew && node.kind == TypeNode::Enumerated) {
+            diagnostics_.error(named.at, "'" + named.name + "' repeats '" + first->second + "'");
+        }
+    }
+}
+
+void Resolver::fillReference(Type& type, const TypeNode& node, const Place& place) {
+    Symbol* const symbol = findType(node);
+    if (symbol == nullptr) {
+        return;
+    }
+    const Assignment& assignment = *symbol->assignment;
+    if (!assignment.parameters.empty() && assignment.kind == Assignment::Type) {
+        // The first use that has a name lends it.
+        Instance* const instance = instanceOf(node, *symbol);
+        if (instance != nullptr && instance->type == nullptr && !node.tag && !isConstrained(node)) {
+            instance->type = &type;
+            const std::string notation = type.notation;
+            fill(type, *instance->node, place);
+            type.notation = notation;
+            return;
+        }
+    }
+    Place inner = place;
+    inner.remarks = nullptr;
+    type.aliasOf = useReference(node, inner);
 }
 
 void Resolver::fillBuiltin(Type& type, const TypeNode& node, const Place& place) {
@@ -125,41 +184,66 @@ Type* Resolver::builtinOf(const TypeNode& node, const Place& place) {
         return model_.builtins["BIT STRING"];
     case TypeNode::CharacterString:
         return model_.builtins[node.reference];
+    case TypeNode::Any:
+        return model_.builtins["open type"];
     default:
         break;
     }
-    // A field of a class: X.681, clause 14. TYPE-IDENTIFIER is there without an assignment
-    // (X.681, Annex A).
+    // A field of a class: X.681, clause 14.
     const bool isType = node.fieldName[0] >= 'A' && node.fieldName[0] <= 'Z';
-    if (node.className != "TYPE-IDENTIFIER") {
-        const Symbol* symbol = find(*place.module, node.className, node.at, "class");
-        if (symbol == nullptr) {
-            return nullptr;
-        }
-        bool found = false;
-        if (symbol->objectClass != nullptr) {
-            for (const ClassFieldNode& field : symbol->assignment->fields) {
-                found = found || field.name == node.fieldName;
-            }
-        }
-        if (!found) {
-            diagnostics_.error(node.at, symbol->objectClass == nullptr
-                                            ? "'" + node.className + "' is not a class"
-                                            : "class '" + node.className + "' has no field '&" +
-                                                  node.fieldName + "'");
-            return nullptr;
-        }
+    const bool isDirect = node.fieldPath.empty();
+    const Symbol* symbol = find(node.scope, node.className, node.at, "class");
+    if (symbol == nullptr) {
+        return nullptr;
+    }
+    const Symbol* const named = classOf(node.scope, node.className);
+    const bool parametrised = symbol->assignment->kind == Assignment::Class && named == nullptr;
+    if (isDirect && !parametrised && (named == nullptr || fieldOf(node) == nullptr)) {
+        diagnostics_.error(node.at, named == nullptr
+                                        ? "'" + node.className + "' is not a class"
+                                        : "class '" + node.className + "' has no field '&" +
+                                              node.fieldName + "'");
+        return nullptr;
     }
     if (!isType) {
         return model_.builtins["OBJECT IDENTIFIER"];
     }
-    return model_.builtins[builtinKey("open type", node.table ? "typed" : "")];
+    return model_.builtins[builtinKey("open type", node.table && isDirect ? "typed" : "")];
 }
 
-Type* Resolver::integerOf(const TypeNode&, const Place& place) {
+bool Resolver::boundWithin(const TypeNode& node, const BoundNode& bound, long long lowest,
+                           long long highest) {
+    if (bound.kind != BoundNode::Value || !bound.value.digits.empty()) {
+        return false;
+    }
+    for (const NamedNumber& named : node.names) {
+        if (bound.value.kind == ValueNode::Reference && named.name == bound.value.reference) {
+            return !named.reference && named.number >= lowest && named.number <= highest;
+        }
+    }
+    const std::optional<long long> value = number(bound.value);
+    return value && *value >= lowest && *value <= highest;
+}
+
+// Without a remark, a range decides: what fits a machine word is held in one.
+Type* Resolver::integerOf(const TypeNode& node, const Place& place) {
     const Remark* remark = takeRemark(place, "value");
     if (remark == nullptr) {
-        return model_.builtins["INTEGER"];
+        const auto within = [&](long long lowest, long long highest) {
+            const auto fits = [&](const RangeNode& range) {
+                return boundWithin(node, range.lower, lowest, highest) &&
+                       boundWithin(node, range.upper, lowest, highest);
+            };
+            return (!node.values.empty() &&
+                    std::all_of(node.values.begin(), node.values.end(), fits)) ||
+                   std::any_of(node.further.begin(), node.further.end(),
+                               [&](const ConstraintNode& each) { return allWithin(each, fits); });
+        };
+        const bool isSigned = within(-0x80000000LL, 0x7FFFFFFFLL);
+        const bool isUnsigned = within(0, 0xFFFFFFFFLL);
+        return model_.builtins[builtinKey("INTEGER", isSigned     ? "signed32"
+                                                     : isUnsigned ? "unsigned32"
+                                                                  : "")];
     }
     const auto found = model_.builtins.find(builtinKey("INTEGER", remark->value));
     if (found == model_.builtins.end()) {
@@ -181,26 +265,27 @@ Type* Resolver::integerOf(const TypeNode&, const Place& place) {
 
 // Whether a type in place is a built-in one as it stands, without anything that needs a name.
 bool Resolver::standsInPlace(const TypeNode& node, const Place& place) const {
-    return !isList(node) && !isDescribedByElements(node) && node.names.empty() &&
-           hasRemark(place, "capacity") == nullptr && hasRemark(place, "name") == nullptr;
+    return !isList(node) && node.kind != TypeNode::Tagged && !isDescribedByElements(node) &&
+           node.names.empty() && hasRemark(place, "capacity") == nullptr &&
+           hasRemark(place, "name") == nullptr;
 }
 
 Type* Resolver::use(const TypeNode& node, const Place& place, bool& tagTaken) {
     tagTaken = false;
     if (node.kind == TypeNode::Reference) {
-        const Symbol* symbol = find(*place.module, node.reference, node.at, "type");
-        if (symbol != nullptr && symbol->type == nullptr) {
-            diagnostics_.error(node.at, "'" + node.reference + "' is not a type");
-        }
-        return symbol != nullptr ? symbol->type : nullptr;
+        return useReference(node, place);
+    }
+    if (node.kind == TypeNode::Tagged) {
+        return hoist(*node.element, place);
     }
     if (standsInPlace(node, place)) {
         return builtinOf(node, place);
     }
-    if (isList(node) && node.sizes.empty() && hasRemark(place, "name") == nullptr) {
+    if (isList(node) && node.sizes.empty() && node.further.empty() &&
+        hasRemark(place, "name") == nullptr) {
         const TypeNode& element = *node.element;
-        const bool plain =
-            element.kind == TypeNode::Reference && !element.tag && !isConstrained(element);
+        const bool plain = element.kind == TypeNode::Reference && !element.tag &&
+                           !isConstrained(element) && element.further.empty();
         if (plain || isDescribedByElements(element)) {
             Place inner = place;
             inner.name = inlineTypeName(place.name, "element");
@@ -214,11 +299,61 @@ Type* Resolver::use(const TypeNode& node, const Place& place, bool& tagTaken) {
     return hoist(node, place);
 }
 
+Type* Resolver::useReference(const TypeNode& node, const Place& place) {
+    Symbol* const symbol = findType(node);
+    if (symbol == nullptr) {
+        return nullptr;
+    }
+    const Assignment& assignment = *symbol->assignment;
+    if (!assignment.parameters.empty() && assignment.kind == Assignment::Type) {
+        Instance* const instance = instanceOf(node, *symbol);
+        if (instance == nullptr) {
+            return nullptr;
+        }
+        if (instance->type == nullptr) {
+            // Names and numbers for parameters make a name; anything else is named by its place.
+            std::string name = cppName(assignment.name);
+            for (const Token& token : node.arguments) {
+                const bool word = token.kind == Token::Upper || token.kind == Token::Lower ||
+                                  token.kind == Token::Number;
+                const bool mark =
+                    token.is("{") || token.is("}") || token.is(",") || token.kind == Token::End;
+                name = name.empty() || (!word && !mark) ? ""
+                       : word                           ? name + "_" + cppName(token.text)
+                                                        : name;
+            }
+            Place inner = place;
+            inner.remarks = nullptr;
+            if (!name.empty() && name.size() < 100) {
+                inner.name = name;
+            }
+            // Known by name before it is filled: it may hold itself.
+            instance->type = &newType(*inner.module, inner.name, node.at);
+            instance->type->inPlace = true;
+            inner.name = instance->type->name;
+            fill(*instance->type, *instance->node, inner);
+        }
+        return instance->type;
+    }
+    if (symbol->module == &model_.builtinModule && assignment.kind == Assignment::Type &&
+        symbol->type == nullptr) {
+        // It belongs to the first module that needs it.
+        symbol->type = &newType(*place.module, cppName(assignment.name), node.at);
+        fill(*symbol->type, *assignment.type, {place.module, symbol->type->name, "X.680", nullptr});
+    }
+    if (symbol->type == nullptr) {
+        diagnostics_.error(node.at, "'" + node.reference + "' is not a type");
+    }
+    return symbol->type;
+}
+
 Type* Resolver::hoist(const TypeNode& node, Place place) {
     if (const Remark* name = takeRemark(place, "name")) {
         place.name = cppName(name->value);
     }
     Type& type = newType(*place.module, place.name, node.at);
+    type.inPlace = true;
+    place.name = type.name;
     fill(type, node, place);
     return &type;
 }
@@ -232,7 +367,7 @@ Type* Resolver::sharedList(const TypeNode& node, Type& element, const Place& pla
                                         "array, or as list without a remark");
     }
     const Shape shape = storage != nullptr ? Shape::Array : Shape::List;
-    if (const auto found = typesByName_.find(name); found != typesByName_.end()) {
+    if (const auto found = sharedLists_.find({&element, set}); found != sharedLists_.end()) {
         if (found->second->shape != shape) {
             diagnostics_.error(node.at, "'" + name + "' is held otherwise at " +
                                             found->second->at.file + ":" +
@@ -241,6 +376,7 @@ Type* Resolver::sharedList(const TypeNode& node, Type& element, const Place& pla
         return found->second;
     }
     Type& type = newType(*place.module, name, node.at);
+    sharedLists_[{&element, set}] = &type;
     type.shape = shape;
     type.setOf = set;
     type.universalTag = Constructed | (set ? 17u : 16u);
@@ -304,21 +440,18 @@ void Resolver::fillList(Type& type, const TypeNode& node, const Place& place) {
                                         "remark 'capacity'");
             type.capacity = 1;
         } else {
-            const std::optional<long long> upper =
-                number(*place.module, node.sizes.back().upper.value);
+            const std::optional<long long> upper = number(node.sizes.back().upper.value);
             type.capacity = static_cast<unsigned>(upper.value_or(1));
         }
     }
     const TypeNode& element = *node.element;
-    if (element.kind == TypeNode::Reference && (element.tag || isConstrained(element))) {
-        diagnostics_.error(element.at, "a tag or constraint on the element of a list needs a type "
-                                       "of that name");
-    }
-    const bool plain = standsInPlace(element, inner) && !element.tag && !isConstrained(element);
+    const bool free = !element.tag && !isConstrained(element) && element.further.empty();
+    const bool plain = standsInPlace(element, inner) && free;
     bool taken = false;
-    type.element = element.kind == TypeNode::Reference || plain || isList(element)
-                       ? use(element, inner, taken)
-                       : hoist(element, inner);
+    type.element =
+        (element.kind == TypeNode::Reference && free) || plain || (isList(element) && !element.tag)
+            ? use(element, inner, taken)
+            : hoist(element, inner);
 }
 
 void Resolver::fillElements(Type& type, const TypeNode& node, const Place& place) {
@@ -361,12 +494,16 @@ void Resolver::fillElements(Type& type, const TypeNode& node, const Place& place
         if (!tagTaken) {
             element.tagNode = component.type->tag;
             const bool list = isList(*component.type);
-            element.constraintPending = !list && isConstrained(*component.type);
+            element.constraintPending =
+                !list && (isConstrained(*component.type) || !component.type->further.empty());
         }
         if (component.type->containing != nullptr && !tagTaken) {
             element.hasSlot = true;
         }
-        if (component.optional) {
+        // An older sender leaves out what stands behind the extension mark.
+        const bool left =
+            component.addition && !component.defaultValue && type.shape != Shape::Choice;
+        if (component.optional || left) {
             element.presence = Presence::Optional;
             element.presenceBit = presenceBit++;
         } else if (component.defaultValue) {
@@ -374,73 +511,105 @@ void Resolver::fillElements(Type& type, const TypeNode& node, const Place& place
         }
         type.elements.push_back(std::move(element));
     }
-    if (presenceBit > 32) {
-        diagnostics_.error(type.at, "more than 32 OPTIONAL elements are not supported");
-    }
 }
 
-// Binds the open value of a record to its set: X.682, clause 10.
-void Resolver::fillTable(Type& type, const Module& module) {
+// Binds the open value of a record to its set: X.682, clause 10. A value that the engine cannot
+// resolve stays open.
+void Resolver::fillTable(Type& type) {
     for (std::size_t i = 0; i < type.elements.size(); ++i) {
-        const Element& element = type.elements[i];
-        const TypeNode* node = element.node;
+        const TypeNode* node = type.elements[i].node;
+        if (node == nullptr) {
+            continue;
+        }
         Table table;
         table.value = i;
-        if (node->containing != nullptr) {
+        if (node->containing != nullptr && type.elements[i].hasSlot) {
             table.kind = Table::OctetString;
             node = node->containing.get();
-            if (node->kind != TypeNode::ClassField || !node->table) {
-                diagnostics_.error(node->at, "CONTAINING needs a field of a class with its object "
-                                             "set");
-                continue;
-            }
         } else if (isList(*node)) {
             table.kind = Table::OpenTypes;
-            resolvedLists_.insert(node);
             node = node->element.get();
         }
-        const bool openType = isTypeField(*node);
+        const bool openType = isTypeField(*node) && node->fieldPath.empty();
         if (!node->table) {
-            continue;
-        }
-        const Symbol* symbol = find(module, node->table->set, node->table->setAt, "object set");
-        if (symbol == nullptr) {
-            continue;
-        }
-        if (symbol->set == nullptr) {
-            diagnostics_.error(node->table->setAt,
-                               "'" + node->table->set + "' is not an object set");
+            if (table.kind == Table::OctetString) {
+                type.elements[i].hasSlot = false;
+            }
             continue;
         }
         if (!openType) {
-            continue; // the identifier's own constraint says nothing more
+            // The identifier's own constraint says nothing more, but its set has to be there.
+            if (node->kind == TypeNode::ClassField && node->table->arguments.empty()) {
+                find(node->table->scope, node->table->set, node->table->setAt, "object set");
+            }
+            continue;
         }
-        table.set = symbol->set;
-        const std::string& field = node->table->field;
-        table.identifier = type.elements.size();
-        for (std::size_t k = 0; k < type.elements.size(); ++k) {
-            if (type.elements[k].name == field) {
-                table.identifier = k;
+        if (!bindTable(type, i, *node, table)) {
+            leaveOpen(type, i, table.kind);
+        } else if (table.kind == Table::OpenTypes) {
+            resolvedLists_.insert(type.elements[i].node);
+        }
+    }
+}
+
+bool Resolver::bindTable(Type& type, std::size_t index, const TypeNode& node, Table table) {
+    const TableNode& constraint = *node.table;
+    if (!constraint.arguments.empty()) {
+        return false;
+    }
+    const Symbol* symbol = find(constraint.scope, constraint.set, constraint.setAt, "object set");
+    if (symbol == nullptr) {
+        return false;
+    }
+    if (symbol->set == nullptr) {
+        if (symbol->assignment->kind != Assignment::Set) {
+            diagnostics_.error(constraint.setAt, "'" + constraint.set + "' is not an object set");
+        }
+        return false;
+    }
+    const std::string& field = constraint.field;
+    table.identifier = type.elements.size();
+    for (std::size_t k = 0; k < type.elements.size(); ++k) {
+        if (type.elements[k].name == field) {
+            table.identifier = k;
+        }
+    }
+    const ObjectClass& objectClass = *symbol->set->objectClass;
+    if (table.identifier == type.elements.size() && !field.empty() && !type.inPlace &&
+        !constraint.outer) {
+        diagnostics_.error(constraint.fieldAt, "there is no element '" + field + "' beside '" +
+                                                   type.elements[index].name + "'");
+    }
+    if (table.identifier == type.elements.size() || constraint.outer || field.empty() ||
+        type.shape != Shape::Sequence || objectClass.idField.empty() ||
+        objectClass.typeField != node.fieldName || type.table ||
+        finalShape(*type.elements[table.identifier].type) != Shape::ObjectIdentifier) {
+        return false;
+    }
+    if (!symbol->set->resolved) {
+        resolveSet(*symbol->set, *symbol->assignment);
+        symbol->module->sets.push_back(symbol->set);
+        for (const Object* object : symbol->set->objects) {
+            std::vector<const Object*>& known = object->module->objects;
+            if (std::find(known.begin(), known.end(), object) == known.end()) {
+                known.push_back(object);
             }
         }
-        if (table.identifier == type.elements.size()) {
-            diagnostics_.error(field.empty() ? node->table->setAt : node->table->fieldAt,
-                               field.empty()
-                                   ? "the constraint does not tell which element identifies the "
-                                     "value"
-                                   : "there is no element '" + field + "' beside '" + element.name +
-                                         "'");
-        } else if (type.shape != Shape::Sequence) {
-            diagnostics_.error(node->table->setAt,
-                               "object sets resolve open values of a SEQUENCE alone");
-        } else if (type.elements[table.identifier].type->target().shape !=
-                   Shape::ObjectIdentifier) {
-            diagnostics_.error(node->table->fieldAt, "'" + field + "' is not an OBJECT IDENTIFIER");
-        } else if (type.table) {
-            diagnostics_.error(element.at, "a second open value in a SEQUENCE is not supported");
-        } else {
-            type.table = table;
-        }
+    }
+    table.set = symbol->set;
+    type.table = table;
+    return true;
+}
+
+void Resolver::leaveOpen(Type& type, std::size_t index, Table::Kind kind) {
+    Element& element = type.elements[index];
+    Type* const open = model_.builtins["open type"];
+    if (kind == Table::OctetString) {
+        element.hasSlot = false;
+    } else if (kind == Table::OpenType && element.type->builtin) {
+        element.type = open;
+    } else if (element.type->element != nullptr && element.type->element->builtin) {
+        element.type->element = open;
     }
 }
 

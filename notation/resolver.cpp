@@ -4,7 +4,7 @@
 
 #include "builtin_types.h"
 #include "names.h"
-#include "printer.h"
+#include "parser.h"
 
 namespace notation {
 namespace {
@@ -13,47 +13,23 @@ const char* const remarkKeys[] = {"value",   "storage",   "capacity",        "en
                                   "no-copy", "name",      "keep-extensions", "standard",
                                   "shared",  "ambiguous", "template"};
 
-std::unique_ptr<TypeNode> clone(const std::unique_ptr<TypeNode>& node) {
-    if (node == nullptr) {
-        return nullptr;
-    }
-    auto copy = std::make_unique<TypeNode>();
-    copy->kind = node->kind;
-    copy->at = node->at;
-    copy->tag = node->tag;
-    copy->reference = node->reference;
-    copy->className = node->className;
-    copy->fieldName = node->fieldName;
-    copy->names = node->names;
-    for (const ComponentNode& component : node->components) {
-        ComponentNode& line = copy->components.emplace_back();
-        line.name = component.name;
-        line.at = component.at;
-        line.lastLine = component.lastLine;
-        line.type = clone(component.type);
-        line.optional = component.optional;
-        line.defaultValue = component.defaultValue;
-        line.extensionMarker = component.extensionMarker;
-        line.remarks = component.remarks;
-        line.comment = component.comment;
-    }
-    copy->element = clone(node->element);
-    copy->sizes = node->sizes;
-    copy->values = node->values;
-    copy->constraintAt = node->constraintAt;
-    copy->table = node->table;
-    copy->containing = clone(node->containing);
-    return copy;
-}
-
 } // namespace
+
+const char* const ChainTooLong =
+    "a value stands for another, which stands for another, more than 1000 times";
 
 Resolver::Resolver(Model& model, Diagnostics& diagnostics)
     : model_(model), diagnostics_(diagnostics) {}
 
 void Resolver::run() {
     addBuiltins();
+    std::vector<Module*> all = {&model_.builtinModule};
     for (auto& module : model_.modules) {
+        all.push_back(module.get());
+        modulesByName_.emplace(module->node.name, module.get());
+    }
+    for (Module* module : all) {
+        modules_[&module->node] = module;
         declare(*module);
     }
     for (auto& module : model_.modules) {
@@ -61,14 +37,23 @@ void Resolver::run() {
     }
     for (auto& module : model_.modules) {
         for (Assignment& assignment : module->node.assignments) {
-            if (assignment.kind == Assignment::Type) {
-                expandTemplates(*module, assignment.type);
+            declareAssignment(*module, assignment);
+        }
+    }
+    for (Module* module : all) {
+        for (Assignment& assignment : module->node.assignments) {
+            if (assignment.type != nullptr && assignment.parameters.empty()) {
+                const bool isNew = evaluating_.insert(&assignment).second;
+                expand(assignment.type);
+                if (isNew) {
+                    evaluating_.erase(&assignment);
+                }
             }
         }
     }
     for (auto& module : model_.modules) {
         for (Assignment& assignment : module->node.assignments) {
-            const Symbol& symbol = symbols_[module.get()][assignment.name];
+            const Symbol& symbol = symbols_[&module->node][assignment.name];
             if (symbol.assignment != &assignment) {
                 continue; // a second one of that name
             }
@@ -84,57 +69,163 @@ void Resolver::run() {
                      {module.get(), symbol.type->name,
                       standard != nullptr ? standard->value : module->node.standard,
                       &assignment.remarks});
-            } else if (symbol.objectClass != nullptr) {
-                module->classes.push_back(symbol.objectClass);
+            } else if (assignment.kind == Assignment::Class && symbol.objectClass != nullptr) {
+                if (symbol.objectClass->hasRecord) {
+                    module->classes.push_back(symbol.objectClass);
+                }
             } else if (symbol.object != nullptr) {
-                resolveObject(*module, assignment, *symbol.object);
-                module->objects.push_back(symbol.object);
+                if (symbol.object->objectClass->hasRecord) {
+                    resolveObject(*symbol.object, assignment);
+                    module->objects.push_back(symbol.object);
+                }
             } else if (symbol.set != nullptr) {
-                resolveSet(*module, assignment, *symbol.set);
-                module->sets.push_back(symbol.set);
+                if (symbol.set->objectClass->hasRecord) {
+                    resolveSet(*symbol.set, assignment);
+                    module->sets.push_back(symbol.set);
+                }
             } else if (assignment.kind == Assignment::Value) {
                 resolveValue(*module, assignment);
             }
         }
     }
+    breakNameCycles();
+    // Sets of an own kind of class come in where a value is bound to one, with types of theirs.
+    for (std::size_t i = 0; i < model_.types.size(); ++i) {
+        fillTable(model_.types[i]);
+    }
+    breakNameCycles();
     for (Type& type : model_.types) {
-        breakNameCycle(type);
-    }
-    for (auto& module : model_.modules) {
-        for (Type* type : module->types) {
-            fillTable(*type, *module);
-        }
-        checkRemarks(*module);
-    }
-    for (const Type& type : model_.types) {
         const TypeNode* element = type.node != nullptr ? type.node->element.get() : nullptr;
-        if (element != nullptr && element->table && resolvedLists_.count(type.node) == 0) {
-            diagnostics_.error(element->table->setAt,
-                               "object sets resolve open values of a SEQUENCE alone");
+        if (type.isRepeated() && element != nullptr && element->table && type.element != nullptr &&
+            resolvedLists_.count(type.node) == 0 && type.element->shape == Shape::OpenType) {
+            type.element = model_.builtins["open type"];
         }
     }
+    checkRemarks();
+    separateNames();
 }
 
 // Names that stand for nothing but each other.
-void Resolver::breakNameCycle(Type& type) {
-    std::vector<Type*> path;
-    for (Type* name = &type; name != nullptr; name = name->aliasOf) {
-        const auto found = std::find(path.begin(), path.end(), name);
-        if (found != path.end()) {
+void Resolver::breakNameCycles() {
+    std::set<const Type*> checked;
+    for (Type& type : model_.types) {
+        std::vector<Type*> path;
+        std::set<const Type*> onPath;
+        for (Type* name = &type; name != nullptr && checked.count(name) == 0;
+             name = name->aliasOf) {
+            if (onPath.insert(name).second) {
+                path.push_back(name);
+                continue;
+            }
             std::string cycle;
-            for (auto step = found; step != path.end(); ++step) {
+            for (auto step = std::find(path.begin(), path.end(), name); step != path.end();
+                 ++step) {
                 cycle += (*step)->name + " -> ";
             }
             diagnostics_.error(name->at,
                                "'" + name->name + "' stands for itself: " + cycle + name->name);
             path.back()->aliasOf = nullptr;
-            return;
+            break;
         }
-        path.push_back(name);
+        if (path.size() > LongestChain) {
+            diagnostics_.error(type.at, "'" + type.name +
+                                            "' stands for another name, which stands "
+                                            "for another, more than " +
+                                            std::to_string(LongestChain) + " times");
+            path.back()->aliasOf = nullptr;
+        }
+        checked.insert(onPath.begin(), onPath.end());
     }
 }
 
+// Modules that give one name to different things get namespaces of their own.
+void Resolver::separateNames() {
+    std::map<std::string, std::set<Module*>> homes;
+    for (const auto& module : model_.modules) {
+        for (const Type* type : module->types) {
+            homes["type " + type->name].insert(module.get());
+        }
+        const auto add = [&](const std::string& name) { homes[name].insert(module.get()); };
+        for (const Identifier& identifier : module->identifiers) {
+            add(identifier.name);
+        }
+        for (const ObjectClass* each : module->classes) {
+            add(each->name);
+        }
+        for (const Object* each : module->objects) {
+            add(each->name);
+        }
+        for (const ObjectSet* each : module->sets) {
+            add(each->name);
+        }
+    }
+    for (const auto& [name, modules] : homes) {
+        for (Module* module : modules) {
+            if (modules.size() > 1) {
+                module->space = cppName(module->node.name);
+            }
+        }
+    }
+}
+
+// The types that are structures or tags of others, as X.680 and X.690 give them: 8.5 and 8.18 to
+// 8.26. What has no coder of its own is kept as its contents octets.
+const char* const builtinNotation = R"(
+Builtin DEFINITIONS EXPLICIT TAGS ::= BEGIN
+TYPE-IDENTIFIER ::= CLASS { &id OBJECT IDENTIFIER UNIQUE, &Type }
+    WITH SYNTAX { &Type IDENTIFIED BY &id }
+ABSTRACT-SYNTAX ::= CLASS {
+    &id OBJECT IDENTIFIER UNIQUE, &Type, &property BIT STRING DEFAULT {} }
+    WITH SYNTAX { &Type IDENTIFIED BY &id [HAS PROPERTY &property] }
+ObjectDescriptor ::= [UNIVERSAL 7] IMPLICIT GeneralString
+EXTERNAL ::= [UNIVERSAL 8] IMPLICIT SEQUENCE {
+    direct-reference OBJECT IDENTIFIER OPTIONAL,
+    indirect-reference INTEGER OPTIONAL,
+    data-value-descriptor ObjectDescriptor OPTIONAL,
+    encoding CHOICE {
+        single-ASN1-type [0] ANY,
+        octet-aligned [1] IMPLICIT OCTET STRING,
+        arbitrary [2] IMPLICIT BIT STRING } }
+INSTANCE-OF ::= [UNIVERSAL 8] IMPLICIT SEQUENCE {
+    type-id OBJECT IDENTIFIER,
+    value [0] EXPLICIT ANY }
+REAL ::= [UNIVERSAL 9] IMPLICIT OCTET STRING
+PDV-Identification ::= CHOICE {
+    syntaxes [0] IMPLICIT SEQUENCE {
+        abstract [0] IMPLICIT OBJECT IDENTIFIER,
+        transfer [1] IMPLICIT OBJECT IDENTIFIER },
+    syntax [1] IMPLICIT OBJECT IDENTIFIER,
+    presentation-context-id [2] IMPLICIT INTEGER,
+    context-negotiation [3] IMPLICIT SEQUENCE {
+        presentation-context-id [0] IMPLICIT INTEGER,
+        transfer-syntax [1] IMPLICIT OBJECT IDENTIFIER },
+    transfer-syntax [4] IMPLICIT OBJECT IDENTIFIER,
+    fixed [5] IMPLICIT NULL }
+EMBEDDED-PDV ::= [UNIVERSAL 11] IMPLICIT SEQUENCE {
+    identification [0] EXPLICIT PDV-Identification,
+    data-value [2] IMPLICIT OCTET STRING }
+ANY-MISSING ::= ANY
+RELATIVE-OID ::= [UNIVERSAL 13] IMPLICIT OCTET STRING
+TIME ::= [UNIVERSAL 14] IMPLICIT VisibleString
+VideotexString ::= [UNIVERSAL 21] IMPLICIT OCTET STRING
+GraphicString ::= [UNIVERSAL 25] IMPLICIT GeneralString
+CHARACTER-STRING ::= [UNIVERSAL 29] IMPLICIT SEQUENCE {
+    identification [0] EXPLICIT PDV-Identification,
+    string-value [2] IMPLICIT OCTET STRING }
+DATE ::= [UNIVERSAL 31] IMPLICIT VisibleString
+TIME-OF-DAY ::= [UNIVERSAL 32] IMPLICIT VisibleString
+DATE-TIME ::= [UNIVERSAL 33] IMPLICIT VisibleString
+DURATION ::= [UNIVERSAL 34] IMPLICIT VisibleString
+OID-IRI ::= [UNIVERSAL 35] IMPLICIT UTF8String
+RELATIVE-OID-IRI ::= [UNIVERSAL 36] IMPLICIT UTF8String
+END
+)";
+
 void Resolver::addBuiltins() {
+    ModuleNode& builtin = model_.builtinModule.node;
+    builtin.file = std::make_shared<FileNode>();
+    builtin.file->stream = tokenize("built-in types", builtinNotation, diagnostics_);
+    Parser(builtin.file->stream.tokens, builtin, diagnostics_).parseModule(builtin);
     for (const BuiltinType& row : builtinTypes()) {
         Type& type = model_.types.emplace_back();
         type.name = row.constant;
@@ -149,198 +240,253 @@ void Resolver::addBuiltins() {
 }
 
 void Resolver::declare(Module& module) {
-    // Classes come first: whether a value is an object depends on its governor.
-    for (const bool classes : {true, false}) {
-        for (Assignment& assignment : module.node.assignments) {
-            if ((assignment.kind == Assignment::Class) == classes) {
-                declareAssignment(module, assignment);
+    for (Assignment& assignment : module.node.assignments) {
+        Symbol& symbol = symbols_[&module.node][assignment.name];
+        if (symbol.assignment != nullptr) {
+            diagnostics_.error(assignment.at, "'" + assignment.name + "' is assigned twice; line " +
+                                                  std::to_string(symbol.assignment->at.line) +
+                                                  " does it first");
+            continue;
+        }
+        symbol.assignment = &assignment;
+        symbol.module = &module;
+        if (assignment.kind == Assignment::Class && assignment.parameters.empty()) {
+            symbol.objectClass = &model_.classes.emplace_back();
+            declareClass(module, assignment, *symbol.objectClass);
+        }
+        for (Remark* remark : assignment.remarks) {
+            if (remark->key == "template" && assignment.kind == Assignment::Type) {
+                remark->taken = true;
+                symbol.isTemplate = true; // nothing is emitted under its own name
             }
         }
     }
 }
 
+// What a value or a set is, the class of its governor tells, wherever that stands.
 void Resolver::declareAssignment(Module& module, Assignment& assignment) {
-    Symbol& symbol = symbols_[&module][assignment.name];
-    if (symbol.assignment != nullptr) {
-        diagnostics_.error(assignment.at, "'" + assignment.name + "' is assigned twice; line " +
-                                              std::to_string(symbol.assignment->at.line) +
-                                              " does it first");
+    Symbol& symbol = symbols_[&module.node][assignment.name];
+    if (symbol.assignment != &assignment || symbol.isTemplate || !assignment.parameters.empty() ||
+        assignment.kind == Assignment::Macro) {
         return;
     }
-    symbol.assignment = &assignment;
-    symbol.module = &module;
-    const std::string name = memberName(assignment.name);
+    const std::string name = valueMemberName(assignment.name);
+    const bool named = assignment.type != nullptr && assignment.type->kind == TypeNode::Reference;
+    const Symbol* governor =
+        named ? classOf(assignment.type->scope, assignment.type->reference) : nullptr;
     switch (assignment.kind) {
+    case Assignment::Set: {
+        const Symbol* type = named && governor == nullptr
+                                 ? lookUp(assignment.type->scope, assignment.type->reference)
+                                 : nullptr;
+        if (named && governor == nullptr && type == nullptr) {
+            find(assignment.type->scope, assignment.type->reference, assignment.at, "class");
+            return;
+        }
+        if (governor != nullptr) {
+            symbol.set = &model_.sets.emplace_back();
+            symbol.set->name = name;
+            symbol.set->comment = assignment.comment;
+            symbol.set->module = &module;
+            symbol.set->objectClass = governor->objectClass;
+            declareValue(module, assignment);
+            return;
+        }
+        // A set of values is their type, narrowed.
+        assignment.type->furtherText +=
+            " (" +
+            spelled(assignment.body.data() + 1,
+                    assignment.body.data() + assignment.body.size() - 2) +
+            ")";
+        symbol.type = &newType(module, cppName(assignment.name), assignment.at);
+        symbol.type->comment = assignment.comment;
+        return;
+    }
     case Assignment::Type: {
-        for (Remark* remark : assignment.remarks) {
-            if (remark->key == "template") {
-                remark->taken = true;
-                symbol.isTemplate = true;
-                return; // nothing is emitted under its own name
-            }
+        const bool renamed = named && assignment.type->arguments.empty() && governor != nullptr;
+        if (renamed) {
+            symbol.objectClass = governor->objectClass; // another name of a class
+            return;
+        }
+        const Symbol* parametrised = named ? findType(*assignment.type) : nullptr;
+        if (parametrised != nullptr && parametrised->assignment->kind == Assignment::Class) {
+            return; // a class with parameters: its objects are in no set that can be resolved
         }
         const bool null = assignment.type->kind == TypeNode::Null;
-        symbol.type = &newType(module, null ? name + "_" : name, assignment.at);
+        const std::string typeName = cppName(assignment.name);
+        symbol.type = &newType(module, null ? typeName + "_" : typeName, assignment.at);
         symbol.type->comment = assignment.comment;
         return;
     }
     case Assignment::Class:
-        symbol.objectClass = &model_.classes.emplace_back();
-        declareClass(module, assignment, *symbol.objectClass);
-        break;
-    case Assignment::Set:
-        symbol.set = &model_.sets.emplace_back();
-        symbol.set->name = name;
-        symbol.set->comment = assignment.comment;
-        symbol.set->module = &module;
-        break;
+        declareValue(module, assignment);
+        return;
     case Assignment::Value:
-        if (assignment.type->kind == TypeNode::Reference) {
-            // A class of another module is told by its import, wherever that module stands.
-            for (const auto& other : model_.modules) {
-                for (const Assignment& candidate : other->node.assignments) {
-                    if (candidate.kind == Assignment::Class &&
-                        candidate.name == assignment.type->reference && symbol.object == nullptr) {
-                        symbol.object = &model_.objects.emplace_back();
-                        symbol.object->name = name;
-                        symbol.object->comment = assignment.comment;
-                        symbol.object->at = assignment.at;
-                        symbol.object->module = &module;
-                    }
-                }
-            }
+        if (governor != nullptr) {
+            symbol.object = &model_.objects.emplace_back();
+            symbol.object->name = name;
+            symbol.object->comment = assignment.comment;
+            symbol.object->at = assignment.at;
+            symbol.object->module = &module;
+            symbol.object->objectClass = governor->objectClass;
         }
-        break;
+        declareValue(module, assignment);
+        return;
+    case Assignment::Macro:
+        return;
     }
-    const auto [found, isNew] = valuesByName_.emplace(name, assignment.at);
-    if (!isNew) {
-        diagnostics_.error(assignment.at, "'" + name + "' already stands at " + found->second.file +
-                                              ":" + std::to_string(found->second.line) +
-                                              "; the modules of a run share their names in C++");
-    }
+}
+
+void Resolver::declareValue(Module& module, const Assignment& assignment) {
+    valuesByName_.emplace(std::pair(&module, valueMemberName(assignment.name)), assignment.at);
 }
 
 void Resolver::declareClass(Module& module, Assignment& assignment, ObjectClass& objectClass) {
     objectClass.name = cppName(assignment.name);
     objectClass.node = &assignment;
     objectClass.module = &module;
-    bool hasId = false;
+    const auto isIdentifier = [](const ClassFieldNode& field) {
+        return !field.isType && !field.isSet && field.governor != nullptr &&
+               field.governor->kind == TypeNode::ObjectIdentifier;
+    };
+    unsigned types = 0;
+    bool others = false;
     for (const ClassFieldNode& field : assignment.fields) {
         if (field.isType) {
-            if (!objectClass.typeField.empty()) {
-                diagnostics_.error(field.at, "a class can have one type field");
+            ++types;
+            if (objectClass.typeField.empty() || field.name == "Type") {
+                objectClass.typeField = field.name;
+                objectClass.typeOptional = field.optional;
             }
-            objectClass.typeField = field.name;
-            objectClass.typeOptional = field.optional;
-        } else if (field.name == "id") {
-            hasId = !field.optional;
+        } else if (isIdentifier(field)) {
+            if (objectClass.idField.empty() || field.name == "id" ||
+                (field.unique && objectClass.idField != "id")) {
+                objectClass.idField = field.name;
+            }
+        } else {
+            others = true;
         }
     }
-    if (objectClass.typeField.empty() || !hasId) {
-        diagnostics_.error(assignment.at, "a class needs a type field and a mandatory field '&id'");
-    }
+    const bool mandatoryId =
+        std::any_of(assignment.fields.begin(), assignment.fields.end(),
+                    [](const auto& field) { return field.name == "id" && !field.optional; });
+    objectClass.hasRecord = &module != &model_.builtinModule && types == 1 && !others &&
+                            objectClass.idField == "id" && mandatoryId;
 }
 
 void Resolver::checkImports(const Module& module) {
     for (const ImportNode& import : module.node.imports) {
-        const auto from =
-            std::find_if(model_.modules.begin(), model_.modules.end(),
-                         [&import](const auto& m) { return m->node.name == import.module; });
-        if (from == model_.modules.end()) {
+        const auto from = modulesByName_.find(import.module);
+        if (from == modulesByName_.end()) {
             diagnostics_.error(import.moduleAt,
                                "module '" + import.module + "' is not among the files");
-        } else if (symbols_[from->get()].count(import.name) == 0) {
-            diagnostics_.error(import.at, "module '" + import.module + "' does not define '" +
-                                              import.name + "'");
+        } else if (lookUp(&from->second->node, import.name) == nullptr &&
+                   !isCharacterString(import.name) &&
+                   symbols_[&model_.builtinModule.node].count(import.name) == 0) {
+            // Published modules name what a later version of the other has, mostly without using
+            // it.
+            const bool type = import.name[0] >= 'A' && import.name[0] <= 'Z';
+            diagnostics_.warning(import.at,
+                                 "module '" + import.module + "' does not define '" + import.name +
+                                     "'" + (type ? "; values of that type are left open" : ""));
         }
     }
 }
 
-const Resolver::Symbol* Resolver::findTemplate(const Module& module, const std::string& name) {
-    const auto in = [this, &name](const Module& where) -> const Symbol* {
-        const auto& names = symbols_[&where];
-        const auto found = names.find(name);
-        return found != names.end() ? &found->second : nullptr;
-    };
-    const Symbol* symbol = in(module);
-    for (const ImportNode& import : module.node.imports) {
-        for (const auto& other : model_.modules) {
-            if (symbol == nullptr && import.name == name && other->node.name == import.module) {
-                symbol = in(*other);
-            }
-        }
-    }
-    return symbol != nullptr && symbol->isTemplate ? symbol : nullptr;
-}
-
-// A template's right-hand side takes the place of its name, as if it had been written there: so
-// the usual rules name what is hoisted, and each place gets a type of its own.
-void Resolver::expandTemplates(const Module& module, std::unique_ptr<TypeNode>& node) {
-    if (node == nullptr) {
-        return;
-    }
-    if (node->kind == TypeNode::Reference) {
-        if (const Symbol* symbol = findTemplate(module, node->reference)) {
-            if (!evaluating_.insert(symbol->assignment).second) {
-                diagnostics_.error(node->at, "template '" + node->reference + "' holds itself");
-                return;
-            }
-            expandTemplates(*symbol->module, symbol->assignment->type);
-            evaluating_.erase(symbol->assignment);
-            std::unique_ptr<TypeNode> copy = clone(symbol->assignment->type);
-            const bool constrained = !node->sizes.empty() || !node->values.empty();
-            if (constrained || (node->tag && copy->tag)) {
-                diagnostics_.error(node->at, "a constraint or a second tag on a template is not "
-                                             "supported");
-            }
-            copy->at = node->at;
-            if (node->tag) {
-                copy->tag = node->tag;
-            }
-            node = std::move(copy);
-        }
-        return;
-    }
-    for (ComponentNode& component : node->components) {
-        expandTemplates(module, component.type);
-    }
-    expandTemplates(module, node->element);
-}
-
-const Resolver::Symbol* Resolver::find(const Module& module, const std::string& name,
-                                       const Location& at, const char* what) {
-    const auto& own = symbols_[&module];
+// A module may hand on what it imports itself.
+Resolver::Symbol* Resolver::lookUp(const ModuleNode* scope, const std::string& name,
+                                   unsigned depth) {
+    auto& own = symbols_[scope];
     if (const auto found = own.find(name); found != own.end()) {
         return &found->second;
     }
-    for (const ImportNode& import : module.node.imports) {
-        if (import.name != name) {
-            continue;
-        }
-        for (const auto& other : model_.modules) {
-            if (other->node.name == import.module) {
-                const auto& names = symbols_[other.get()];
-                const auto found = names.find(name);
-                return found != names.end() ? &found->second : nullptr;
+    for (const ImportNode& import : scope->imports) {
+        const auto from = modulesByName_.find(import.module);
+        if (import.name == name && from != modulesByName_.end() && depth < 8) {
+            if (Symbol* symbol = lookUp(&from->second->node, name, depth + 1)) {
+                return symbol;
             }
         }
-        return nullptr; // the import has been complained about
     }
-    diagnostics_.error(at, std::string(what) + " '" + name + "' is neither defined nor imported");
     return nullptr;
 }
 
+Resolver::Symbol* Resolver::find(const ModuleNode* scope, const std::string& name,
+                                 const Location& at, const char* what) {
+    if (Symbol* symbol = lookUp(scope, name)) {
+        return symbol;
+    }
+    auto& builtins = symbols_[&model_.builtinModule.node];
+    if (const auto found = builtins.find(name); found != builtins.end()) {
+        return &found->second;
+    }
+    const auto import =
+        std::find_if(scope->imports.begin(), scope->imports.end(),
+                     [&name](const ImportNode& candidate) { return candidate.name == name; });
+    if (import == scope->imports.end()) {
+        diagnostics_.error(at,
+                           std::string(what) + " '" + name + "' is neither defined nor imported");
+        return nullptr;
+    }
+    const bool given = modulesByName_.count(import->module) != 0;
+    const bool type = name[0] >= 'A' && name[0] <= 'Z';
+    if (given && type && std::string(what) == "type") {
+        return &builtins["ANY-MISSING"];
+    }
+    if (given) { // otherwise the import has been complained about
+        const std::string sentence = std::string(what) + " '" + name + "' is imported from '" +
+                                     import->module + "', which does not define it";
+        if (std::string(what) == "class") {
+            diagnostics_.error(at, sentence);
+        } else {
+            diagnostics_.warning(at, sentence + "; what builds on it is left out");
+        }
+    }
+    return nullptr;
+}
+
+Resolver::Symbol* Resolver::findType(const TypeNode& node) {
+    if (node.module.empty()) {
+        return find(node.scope, node.reference, node.at, "type");
+    }
+    const auto module = modulesByName_.find(node.module);
+    if (module == modulesByName_.end()) {
+        diagnostics_.error(node.at, "module '" + node.module + "' is not among the files");
+        return nullptr;
+    }
+    return find(&module->second->node, node.reference, node.at, "type");
+}
+
+// The class that a name stands for, null when it is none.
+Resolver::Symbol* Resolver::classOf(const ModuleNode* scope, const std::string& name,
+                                    unsigned depth) {
+    Symbol* symbol = lookUp(scope, name);
+    if (symbol == nullptr) {
+        auto& builtins = symbols_[&model_.builtinModule.node];
+        const auto found = builtins.find(name);
+        symbol = found != builtins.end() ? &found->second : nullptr;
+    }
+    if (symbol == nullptr || symbol->objectClass != nullptr || depth > 100) {
+        return symbol != nullptr && symbol->objectClass != nullptr ? symbol : nullptr;
+    }
+    const Assignment& assignment = *symbol->assignment;
+    const bool renamed = assignment.kind == Assignment::Type && assignment.parameters.empty() &&
+                         assignment.type->kind == TypeNode::Reference &&
+                         assignment.type->arguments.empty() && assignment.type->module.empty();
+    return renamed ? classOf(assignment.type->scope, assignment.type->reference, depth + 1)
+                   : nullptr;
+}
+
+// Within a module a name in place gives way to one that is there; between modules namespaces tell.
 Type& Resolver::newType(Module& module, const std::string& name, const Location& at) {
     Type& type = model_.types.emplace_back();
     type.name = name;
+    for (unsigned count = 2; !typesByName_.emplace(std::pair(&module, type.name), &type).second;
+         ++count) {
+        type.name = name + "_" + std::to_string(count);
+    }
     type.module = &module;
     type.at = at;
-    const auto [found, isNew] = typesByName_.emplace(name, &type);
-    if (!isNew) {
-        diagnostics_.error(at, "type '" + name + "' already stands at " + found->second->at.file +
-                                   ":" + std::to_string(found->second->at.line) +
-                                   "; the modules of a run share their names in C++");
-    }
     module.types.push_back(&type);
     return type;
 }
@@ -375,19 +521,23 @@ unsigned Resolver::positiveNumber(const Remark& remark) {
     return number;
 }
 
-void Resolver::checkRemarks(const Module& module) {
-    for (const Remark& remark : module.node.stream.remarks) {
-        if (remark.taken) {
-            continue;
+void Resolver::checkRemarks() {
+    for (const File& file : model_.files) {
+        for (const Remark& remark : file.node->stream.remarks) {
+            if (remark.taken) {
+                continue;
+            }
+            const bool known =
+                std::any_of(std::begin(remarkKeys), std::end(remarkKeys),
+                            [&remark](const char* key) { return remark.key == key; });
+            diagnostics_.error(remark.at, known
+                                              ? "the remark '" + remark.key + "' does not fit here"
+                                              : "the remark '" + remark.key + "' is unknown");
         }
-        const bool known = std::any_of(std::begin(remarkKeys), std::end(remarkKeys),
-                                       [&remark](const char* key) { return remark.key == key; });
-        diagnostics_.error(remark.at, known ? "the remark '" + remark.key + "' does not fit here"
-                                            : "the remark '" + remark.key + "' is unknown");
     }
 }
 
-std::optional<long long> Resolver::number(const Module& module, const ValueNode& value) {
+std::optional<long long> Resolver::number(const ValueNode& value) {
     if (value.kind == ValueNode::Number) {
         return value.number;
     }
@@ -395,21 +545,42 @@ std::optional<long long> Resolver::number(const Module& module, const ValueNode&
         diagnostics_.error(value.at, "a number is needed here");
         return std::nullopt;
     }
-    const Symbol* symbol = find(module, value.reference, value.at, "value");
+    const Symbol* symbol = find(value.scope, value.reference, value.at, "value");
     if (symbol == nullptr) {
         return std::nullopt;
     }
-    Assignment* assignment = symbol->assignment;
-    if (assignment->kind != Assignment::Value || assignment->type->kind != TypeNode::Integer ||
-        !evaluating_.insert(assignment).second) {
+    const Assignment* assignment = symbol->assignment;
+    if (const auto known = numbers_.find(assignment); known != numbers_.end()) {
+        return known->second;
+    }
+    // The governor may be another name of INTEGER, with names for numbers.
+    const TypeNode* governor = assignment->type.get();
+    for (unsigned depth = 0;
+         governor != nullptr && governor->kind == TypeNode::Reference && depth < 100; ++depth) {
+        const Symbol* type = lookUp(governor->scope, governor->reference);
+        governor = type != nullptr ? type->assignment->type.get() : nullptr;
+    }
+    if (assignment->kind != Assignment::Value || governor == nullptr ||
+        governor->kind != TypeNode::Integer || evaluating_.count(assignment) != 0) {
         diagnostics_.error(value.at, "'" + value.reference + "' is not a number");
         return std::nullopt;
     }
+    if (evaluating_.size() > LongestChain) {
+        diagnostics_.error(value.at, ChainTooLong);
+        return std::nullopt;
+    }
+    evaluating_.insert(assignment);
     std::optional<long long> result;
     if (const std::optional<ValueNode> read = valueOf(*symbol->module, *assignment)) {
-        result = number(*symbol->module, *read);
+        for (const NamedNumber& named : governor->names) {
+            if (read->kind == ValueNode::Reference && named.name == read->reference) {
+                result = named.reference ? number(*named.reference) : named.number;
+            }
+        }
+        result = result ? result : number(*read);
     }
     evaluating_.erase(assignment);
+    numbers_.emplace(assignment, result);
     return result;
 }
 

@@ -11,8 +11,12 @@
 
 namespace notation {
 
-/// Looks names up, hoists the types that are described in place, gathers shared lists. What it
-/// leaves open (tags, constraints, defaults, recursion) is the checker's.
+enum : std::size_t { LongestChain = 1000 };
+extern const char* const ChainTooLong;
+
+/// Looks names up, expands what stands for something else, hoists the types that are described in
+/// place, gathers shared lists. What it leaves open (tags, constraints, defaults, recursion) is the
+/// checker's.
 class Resolver {
 public:
     Resolver(Model& model, Diagnostics& diagnostics);
@@ -20,7 +24,7 @@ public:
     void run();
 
     /// Evaluates an INTEGER value, a reference to one included.
-    std::optional<long long> number(const Module& module, const ValueNode& value);
+    std::optional<long long> number(const ValueNode& value);
 
 private:
     struct Symbol {
@@ -34,42 +38,73 @@ private:
     };
     /// Where a type stands: what names, documents and instructs it.
     struct Place {
-        Module* module;
+        Module* module;   ///< that the type belongs to
         std::string name; ///< that a hoisted type would get
         std::string standard;
         std::vector<Remark*>* remarks;
+    };
+    /// A use of a type with parameters.
+    struct Instance {
+        std::unique_ptr<TypeNode> node;
+        Type* type = nullptr;
     };
 
     void addBuiltins();
     void declare(Module& module);
     void declareAssignment(Module& module, Assignment& assignment);
+    void declareValue(Module& module, const Assignment& assignment);
     void checkImports(const Module& module);
-    void expandTemplates(const Module& module, std::unique_ptr<TypeNode>& node);
-    const Symbol* findTemplate(const Module& module, const std::string& name);
-    const Symbol* find(const Module& module, const std::string& name, const Location& at,
-                       const char* what);
-    void checkRemarks(const Module& module);
-    void breakNameCycle(Type& type);
+    Symbol* lookUp(const ModuleNode* scope, const std::string& name, unsigned depth = 0);
+    Symbol* find(const ModuleNode* scope, const std::string& name, const Location& at,
+                 const char* what);
+    Symbol* findType(const TypeNode& node);
+    Symbol* classOf(const ModuleNode* scope, const std::string& name, unsigned depth = 0);
+    void checkRemarks();
+    void breakNameCycles();
+    void separateNames();
+
+    // expansion
+    void expand(std::unique_ptr<TypeNode>& node);
+    void expandTemplate(std::unique_ptr<TypeNode>& node, const Symbol& symbol);
+    void expandSelection(std::unique_ptr<TypeNode>& node);
+    void expandField(std::unique_ptr<TypeNode>& node);
+    void spliceComponents(TypeNode& node);
+    void tagAutomatically(TypeNode& node);
+    const TypeNode* structureOf(const TypeNode& node);
+    const ClassFieldNode* fieldOf(const TypeNode& node);
+    Instance* instanceOf(const TypeNode& node, const Symbol& symbol);
+    Tokens filledIn(const Assignment& assignment, const ModuleNode& home, const Tokens& arguments,
+                    const Location& at);
 
     Type& newType(Module& module, const std::string& name, const Location& at);
     void fill(Type& type, const TypeNode& node, const Place& place);
+    void fillReference(Type& type, const TypeNode& node, const Place& place);
     void fillList(Type& type, const TypeNode& node, const Place& place);
     void fillElements(Type& type, const TypeNode& node, const Place& place);
-    void fillTable(Type& type, const Module& module);
+    void fillTable(Type& type);
     void fillBuiltin(Type& type, const TypeNode& node, const Place& place);
+    void fillNames(Type& type, const TypeNode& node);
+    bool bindTable(Type& type, std::size_t index, const TypeNode& node, Table table);
+    void leaveOpen(Type& type, std::size_t index, Table::Kind kind);
 
     bool standsInPlace(const TypeNode& node, const Place& place) const;
     Type* use(const TypeNode& node, const Place& place, bool& tagTaken);
+    Type* useReference(const TypeNode& node, const Place& place);
     Type* hoist(const TypeNode& node, Place place);
     Type* sharedList(const TypeNode& node, Type& element, const Place& place);
     Type* builtinOf(const TypeNode& node, const Place& place);
+    bool boundWithin(const TypeNode& node, const BoundNode& bound, long long lowest,
+                     long long highest);
     Type* integerOf(const TypeNode& node, const Place& place);
 
     void resolveValue(Module& module, Assignment& assignment);
-    std::optional<ValueNode> valueOf(Module& module, const Assignment& assignment);
-    std::vector<unsigned> arcs(const Module& module, const ValueNode& value);
-    void resolveObject(Module& module, Assignment& assignment, Object& object);
-    void resolveSet(Module& module, Assignment& assignment, ObjectSet& set);
+    std::optional<ValueNode> valueOf(const Module& module, const Assignment& assignment);
+    std::vector<unsigned> arcs(const ValueNode& value);
+    void appendArcs(std::vector<unsigned>& result, const ValueNode& value, const std::string& name,
+                    const Location& at, bool first);
+    void resolveObject(Object& object, Assignment& assignment);
+    void resolveSet(ObjectSet& set, const Assignment& assignment);
+    void addMembers(ObjectSet& set, const Tokens& body, const Module& home, unsigned depth);
     void declareClass(Module& module, Assignment& assignment, ObjectClass& objectClass);
 
     Remark* takeRemark(const Place& place, const char* key) const;
@@ -78,10 +113,18 @@ private:
 
     Model& model_;
     Diagnostics& diagnostics_;
-    std::map<const Module*, std::map<std::string, Symbol>> symbols_;
-    std::map<std::string, Type*> typesByName_;
-    std::map<std::string, Location> valuesByName_;
-    std::set<const Assignment*> evaluating_;
+    std::map<const ModuleNode*, std::map<std::string, Symbol>> symbols_;
+    std::map<const ModuleNode*, Module*> modules_;
+    std::map<std::string, Module*> modulesByName_;
+    std::map<std::pair<const Module*, std::string>, Type*> typesByName_;
+    std::map<std::pair<const Module*, std::string>, Location> valuesByName_;
+    std::map<std::pair<const Type*, bool>, Type*> sharedLists_;
+    std::map<std::string, Instance> instances_;
+    std::set<const void*> evaluating_;
+    std::size_t expanding_ = 0;
+    std::size_t filling_ = 0;
+    std::map<const Assignment*, std::optional<long long>> numbers_;
+    std::map<const Assignment*, std::vector<unsigned>> arcs_;
     std::set<const TypeNode*> resolvedLists_; ///< lists that stand beside their identifier
 };
 

@@ -145,7 +145,10 @@ void copyOpenValue(ASN1CTXT* ctxt, const TableConstraint& table, const void* sou
 
 void copyRecord(ASN1CTXT* ctxt, const TypeDescription& type, const void* source, void* target) {
     if (type.presenceOffset != NoOffset) {
-        setPresenceBits(target, type.presenceOffset, presenceBits(source, type.presenceOffset));
+        for (unsigned bit = presenceBitCount(type); bit > 0; bit -= 32) {
+            setPresenceWord(target, type.presenceOffset, bit - 32,
+                            presenceWord(source, type.presenceOffset, bit - 32));
+        }
     }
     for (const ElementDescription& element : elementsOf(type)) {
         if (isPresent(type, element, source)) {

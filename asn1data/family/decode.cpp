@@ -167,7 +167,9 @@ public:
     }
     void prepare(const TypeDescription& type, void* record) const {
         if (type.presenceOffset != NoOffset) {
-            setPresenceBits(record, type.presenceOffset, 0);
+            for (unsigned bit = presenceBitCount(type); bit > 0; bit -= 32) {
+                setPresenceWord(record, type.presenceOffset, bit - 32, 0);
+            }
         }
         if (type.table != nullptr) {
             forgetOpenValue(*type.table, record);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <brevantis/asn1/asn1data/generated.h>
 #include <brevantis/asn1/asn1data/value_visit.h>
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/runtime/element_walk.h>
@@ -37,7 +38,7 @@ template <class Sink>
 struct DecodeFlow {
     using Value = typename Sink::Value;
 
-    enum : ASN1TAG { ClassMask = 0xC0000000u };
+    enum : unsigned char { LongTag = 0x1F };
     enum : unsigned { MaximumListCount = 0x7FFFFFFEu };
 
     /// The contents octets of a constructed value, from where the position stands now. What
@@ -122,7 +123,8 @@ struct DecodeFlow {
         } else {
             int length = 0;
             sink.atHeader();
-            status = xd_Tag1AndLen(sink.ctxt(), &length);
+            status = isLong(element.identifier) ? readLongTag(sink.ctxt(), element.tag, length)
+                                                : xd_Tag1AndLen(sink.ctxt(), &length);
             if (status != ASN1S_SUCCESS) {
                 return sink.fail(status, {Expectation::Header, element.type});
             }
@@ -140,9 +142,56 @@ struct DecodeFlow {
     static bool beginsHere(const ASN1CTXT* ctxt, const ElementDescription& element) {
         // Kept: a tag in the other form matches here, and in a SET or a CHOICE it does not.
         const unsigned char octet = ctxt->buffer.data[ctxt->buffer.byteIndex];
-        return element.tagging == Tagging::Untagged
-                   ? element.type->identifiers.contains(octet)
-                   : ((octet ^ element.identifier) & FormMask) == 0;
+        const bool begins = element.tagging == Tagging::Untagged
+                                ? element.type->identifiers.contains(octet)
+                                : ((octet ^ element.identifier) & FormMask) == 0;
+        return begins && (!isLong(octet) || longTagBeginsHere(ctxt, element));
+    }
+
+    /// Tags above 30 share their first octet (X.690, 8.1.2.4).
+    static constexpr bool isLong(unsigned char octet) { return (octet & LongTag) == LongTag; }
+
+    /// The same by the whole tag. One that cannot be read is left to whoever reads the element.
+    [[gnu::noinline]] static bool longTagBeginsHere(const ASN1CTXT* ctxt,
+                                                    const ElementDescription& element) {
+        const ASN1Buffer& buffer = ctxt->buffer;
+        ASN1TAG tag = 0;
+        for (unsigned i = buffer.byteIndex + 1; i < buffer.size; ++i) {
+            const unsigned char octet = buffer.data[i];
+            tag = tag << 7 | (octet & 0x7Fu);
+            if (octet < 0x80) {
+                const ASN1TAG first = buffer.data[buffer.byteIndex] & 0xE0u;
+                return beginsWith(element, first << 24 | (tag & 0x1FFFFFFFu));
+            }
+        }
+        return true;
+    }
+    static bool isSameTag(ASN1TAG first, ASN1TAG second) {
+        return ((first ^ second) & ~ASN1TAG{ASN1TagConstructed}) == 0;
+    }
+    static bool beginsWith(const ElementDescription& element, ASN1TAG tag) {
+        return element.tagging == Tagging::Untagged ? beginsWith(*element.type, tag)
+                                                    : isSameTag(element.tag, tag);
+    }
+    static bool beginsWith(const TypeDescription& type, ASN1TAG tag) {
+        const ASN1TAG own = type.outerTag != 0 ? type.outerTag : type.tag;
+        if (own != 0 || type.shape != Shape::Choice) {
+            return own == 0 || isSameTag(own, tag);
+        }
+        for (unsigned i = 0; i < type.elementCount; ++i) {
+            if (beginsWith(type.elements[i], tag)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Reads a tag above 30 and the length behind it.
+    [[gnu::noinline]] static int readLongTag(ASN1CTXT* ctxt, ASN1TAG tag, int& length) {
+        ASN1TAG found = 0;
+        const int status = xd_tag_len(ctxt, &found, &length, ASN1MatchAdvance);
+        return status == ASN1S_SUCCESS && !isSameTag(found, tag) ? int{ASN1S_TAG_NOT_FOUND}
+                                                                 : status;
     }
 
     /// Elements behind the known ones, kept as they are.
@@ -220,11 +269,21 @@ struct DecodeFlow {
                                            : ASN1S_SUCCESS;
     }
 
+    /// Members of a SET by their numbers: as many as the schema compiler allows in one.
+    class Seen {
+    public:
+        bool has(unsigned number) const { return (words_[number / 64] >> number % 64 & 1u) != 0; }
+        void add(unsigned number) { words_[number / 64] |= 1ULL << number % 64; }
+
+    private:
+        unsigned long long words_[4] = {};
+    };
+
     /// The first mandatory member of a SET that was not seen.
-    static unsigned missingMember(const TypeDescription& type, unsigned long long seen) {
+    static unsigned missingMember(const TypeDescription& type, const Seen& seen) {
         unsigned i = 0;
         while (i + 1 < type.elementCount &&
-               ((seen >> i & 1u) != 0 || type.elements[i].presence != Presence::Mandatory)) {
+               (seen.has(i) || type.elements[i].presence != Presence::Mandatory)) {
             ++i;
         }
         return i;
@@ -236,7 +295,7 @@ struct DecodeFlow {
         ASN1CTXT* const ctxt = sink.ctxt();
         sink.prepare(type, record);
         const Scope scope(ctxt, length);
-        unsigned long long seen = 0;
+        Seen seen;
         unsigned found = 0;
         while (!scope.ended(ctxt)) {
             ASN1TAG tag = 0;
@@ -268,11 +327,11 @@ struct DecodeFlow {
             if (status != ASN1S_SUCCESS) {
                 return status;
             }
-            if ((seen >> i & 1u) != 0) {
+            if (seen.has(i)) {
                 return sink.fail(ASN1S_DUPLICATE_SET_MEMBER,
                                  {Expectation::OtherMember, nullptr, &type});
             }
-            seen |= 1ULL << i;
+            seen.add(i);
             sink.took(type, element, record);
             found += element.presence == Presence::Mandatory ? 1 : 0;
         }
@@ -299,7 +358,8 @@ struct DecodeFlow {
             const ElementDescription& alternative = type.elements[i];
             // An alternative without a tag to compare reads its own from the start.
             const bool untagged = alternative.matchTag == 0;
-            if (untagged ? !alternative.type->identifiers.contains(octet)
+            if (untagged ? !alternative.type->identifiers.contains(octet) ||
+                               (isLong(octet) && !beginsWith(*alternative.type, tag))
                          : tag != alternative.matchTag) {
                 continue;
             }
@@ -420,6 +480,20 @@ struct DecodeFlow {
                                         &type});
     }
 
+    static int readTag(Sink sink, const TypeDescription& type, ASN1TAG tag, int& length) {
+        const unsigned char identifier = rtIdentifierOctet(tag);
+        if (!isLong(identifier)) {
+            return readOwnTag(sink, type, identifier, length);
+        }
+        sink.atHeader();
+        const int status = readLongTag(sink.ctxt(), tag, length);
+        return status == ASN1S_SUCCESS
+                   ? status
+                   : sink.fail(status, {status == ASN1S_TAG_NOT_FOUND ? Expectation::Element
+                                                                      : Expectation::Header,
+                                        &type});
+    }
+
     /// One tag, unless it has been read, and the contents behind it. Whoever reads the tag steps
     /// over its end-of-contents.
     ///
@@ -467,14 +541,15 @@ struct DecodeFlow {
         int status = ASN1S_SUCCESS;
         if (type.outerTag != 0) {
             if (tagging == ASN1TagExplicit) {
-                status = readOwnTag(sink, type, rtIdentifierOctet(type.outerTag), outerLength);
+                status = readTag(sink, type, type.outerTag, outerLength);
             }
             tagging = ASN1TagExplicit;
         }
         const bool constructed = (type.tag & ASN1TagConstructed) != 0;
-        if (status == ASN1S_SUCCESS && !constructed && tagging == ASN1TagExplicit &&
-            (type.tag & ClassMask) != 0) {
-            status = readOwnTag(sink, type, type.identifier, length);
+        const bool ownTag = constructed ? isLong(type.identifier)
+                                        : type.tag != 0 && !isTagOfCoder(type.shape, type.tag);
+        if (status == ASN1S_SUCCESS && ownTag && tagging == ASN1TagExplicit) {
+            status = readTag(sink, type, type.tag, length);
             tagging = ASN1TagImplicit;
         }
         if (status != ASN1S_SUCCESS) {

@@ -44,15 +44,29 @@ inline Elements elementsOf(const TypeDescription& type) {
     return {type.elements, type.elements + type.elementCount};
 }
 
-/// The presence bits `m` of a record as one word. They are declared as bit-fields, so they are
-/// copied out and in rather than referred to.
-inline unsigned presenceBits(const void* record, unsigned offset) {
+/// A word of the presence bits `m` of a record: 32 of them. They are declared as bit-fields, so
+/// they are copied out and in rather than referred to.
+/// @param bit any of the word
+inline unsigned presenceWord(const void* record, unsigned offset, unsigned bit) {
     unsigned bits = 0;
-    std::memcpy(&bits, address(record, offset), sizeof bits);
+    std::memcpy(&bits, address(record, offset + bit / 32 * unsigned{sizeof bits}), sizeof bits);
     return bits;
 }
-inline void setPresenceBits(void* record, unsigned offset, unsigned bits) {
-    std::memcpy(address(record, offset), &bits, sizeof bits);
+inline void setPresenceWord(void* record, unsigned offset, unsigned bit, unsigned bits) {
+    std::memcpy(address(record, offset + bit / 32 * unsigned{sizeof bits}), &bits, sizeof bits);
+}
+inline bool presenceBit(const void* record, unsigned offset, unsigned bit) {
+    return (presenceWord(record, offset, bit) >> bit % 32 & 1u) != 0;
+}
+
+/// Bits of `m` that a record has, rounded up to words.
+inline unsigned presenceBitCount(const TypeDescription& type) {
+    unsigned last = 0;
+    for (unsigned i = 32; i < type.elementCount; ++i) { // fewer elements have one word at most
+        const ElementDescription& element = type.elements[i];
+        last = element.presence == Presence::Optional ? element.presenceBit : last;
+    }
+    return last / 32 * 32 + 32;
 }
 
 /// Whether an element of a record is there to be copied or released (an element with DEFAULT always
@@ -60,7 +74,7 @@ inline void setPresenceBits(void* record, unsigned offset, unsigned bits) {
 inline bool isPresent(const TypeDescription& type, const ElementDescription& element,
                       const void* record) {
     return element.presence != Presence::Optional ||
-           ((presenceBits(record, type.presenceOffset) >> element.presenceBit) & 1u) != 0;
+           presenceBit(record, type.presenceOffset, element.presenceBit);
 }
 
 /// Whether a type is a string. The string coders step over the end-of-contents of an indefinite
@@ -73,8 +87,9 @@ inline bool isString(const TypeDescription& type) {
 inline void markPresent(const TypeDescription& type, const ElementDescription& element,
                         void* record) {
     if (element.presence == Presence::Optional) {
-        setPresenceBits(record, type.presenceOffset,
-                        presenceBits(record, type.presenceOffset) | 1u << element.presenceBit);
+        const unsigned bit = element.presenceBit;
+        setPresenceWord(record, type.presenceOffset, bit,
+                        presenceWord(record, type.presenceOffset, bit) | 1u << bit % 32);
     }
 }
 
@@ -108,7 +123,7 @@ inline void* arrayElements(const TypeDescription& type, void* value) {
 /// Whether a table constraint's open value is there at all.
 inline bool isOpenValuePresent(const TableConstraint& table, const void* record) {
     return table.presenceOffset == NoOffset ||
-           ((presenceBits(record, table.presenceOffset) >> table.presenceBit) & 1u) != 0;
+           presenceBit(record, table.presenceOffset, table.presenceBit);
 }
 
 /// The object that a record's identifier selects for its open value. Null where nothing is to be

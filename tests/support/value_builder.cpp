@@ -74,7 +74,9 @@ bool isTakenForAnother(const TypeDescription& type, unsigned index, void* record
         }
         const bool absent =
             before.presence == Presence::Optional &&
-            (at<unsigned>(record, type.presenceOffset) >> before.presenceBit & 1u) == 0;
+            (at<unsigned>(record, type.presenceOffset + before.presenceBit / 32 * 4) >>
+                 before.presenceBit % 32 &
+             1u) == 0;
         if (absent && before.tagging == Tagging::Untagged &&
             overlap(before.type->identifiers, element.type->identifiers)) {
             return true;
@@ -330,9 +332,10 @@ void ValueBuilder::fillRecord(const TypeDescription& type, void* record) {
 /// Gives the record an identifier of its object set and a typed value to go with it, mostly.
 void ValueBuilder::resolve(const TypeDescription& type, void* record) {
     const TableConstraint& table = *type.table;
-    const bool present =
-        table.presenceOffset == NoOffset ||
-        (at<unsigned>(record, table.presenceOffset) >> table.presenceBit & 1u) != 0;
+    const bool present = table.presenceOffset == NoOffset ||
+                         (at<unsigned>(record, table.presenceOffset + table.presenceBit / 32 * 4) >>
+                              table.presenceBit % 32 &
+                          1u) != 0;
     if (table.objects->count == 0 || chance(20)) {
         return;
     }

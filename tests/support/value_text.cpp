@@ -141,7 +141,9 @@ private:
         for (unsigned i = 0; i < type.elementCount; ++i) {
             const ElementDescription& described = type.elements[i];
             if (described.presence != Presence::Optional ||
-                (at<unsigned>(record, type.presenceOffset) >> described.presenceBit & 1u) != 0) {
+                (at<unsigned>(record, type.presenceOffset + described.presenceBit / 32 * 4) >>
+                     described.presenceBit % 32 &
+                 1u) != 0) {
                 text += std::string(described.name) + " " + element(type, described, record) + ", ";
             }
         }

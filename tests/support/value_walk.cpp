@@ -18,7 +18,8 @@ const void* place(const void* record, std::size_t offset) {
 }
 
 bool isPresent(const void* record, unsigned presenceOffset, unsigned bit) {
-    return presenceOffset == NoOffset || (at<unsigned>(record, presenceOffset) >> bit & 1u) != 0;
+    return presenceOffset == NoOffset ||
+           (at<unsigned>(record, presenceOffset + bit / 32 * 4) >> bit % 32 & 1u) != 0;
 }
 
 void walkSlot(const TableConstraint& table, const void* record, const Asn1TObject& slot,

@@ -1,8 +1,6 @@
 #include "compiler.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <set>
 
 #include <notation/checker.h>
@@ -31,36 +29,6 @@ std::string stemOf(const std::string& file) {
     return name.substr(0, name.rfind('.'));
 }
 
-// The headers of modules that hold each other's records cannot include each other.
-void checkHeaderCycles(const Model& model, Diagnostics& diagnostics) {
-    std::vector<const Module*> path;
-    std::vector<const Module*> done;
-    const std::function<void(const Module&)> visit = [&](const Module& module) {
-        const auto onPath = std::find(path.begin(), path.end(), &module);
-        if (onPath != path.end()) {
-            std::string cycle;
-            for (auto step = onPath; step != path.end(); ++step) {
-                cycle += (*step)->node.name + " -> ";
-            }
-            diagnostics.error(module.node.at,
-                              "modules hold values of each other: " + cycle + module.node.name);
-            return;
-        }
-        if (std::find(done.begin(), done.end(), &module) != done.end()) {
-            return;
-        }
-        path.push_back(&module);
-        for (const Module* needed : neededHeaders(module)) {
-            visit(*needed);
-        }
-        path.pop_back();
-        done.push_back(&module);
-    };
-    for (const auto& module : model.modules) {
-        visit(*module);
-    }
-}
-
 } // namespace
 
 std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
@@ -68,18 +36,28 @@ std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
     Model model;
     std::set<std::string> names;
     std::set<std::string> stems;
-    for (const SourceFile& file : files) {
-        auto module = std::make_unique<Module>();
-        module->node.file = file.name;
-        module->node.stem = stemOf(file.name);
-        module->node.digest = digestOf(file.text);
-        module->node.stream = tokenize(file.name, file.text, diagnostics);
-        Parser(module->node, diagnostics).parseModule();
-        const bool newName = names.insert(module->node.name).second;
-        if (!stems.insert(module->node.stem).second || !newName) {
-            diagnostics.error(module->node.at, "a second module '" + module->node.name + "'");
+    for (const SourceFile& source : files) {
+        File& file = model.files.emplace_back();
+        file.node = std::make_shared<FileNode>();
+        file.node->name = source.name;
+        file.node->stem = stemOf(source.name);
+        file.node->digest = digestOf(source.text);
+        file.node->stream = tokenize(source.name, source.text, diagnostics);
+        const Location start{source.name, 1, 1};
+        if (!stems.insert(file.node->stem).second) {
+            diagnostics.error(start, "a second file '" + file.node->stem + "'");
         }
-        model.modules.push_back(std::move(module));
+        std::size_t next = 0;
+        do {
+            auto module = std::make_unique<Module>();
+            module->node.file = file.node;
+            next = parseModule(module->node, next, diagnostics);
+            if (!names.insert(module->node.name).second && !module->node.name.empty()) {
+                diagnostics.error(module->node.at, "a second module '" + module->node.name + "'");
+            }
+            file.modules.push_back(module.get());
+            model.modules.push_back(std::move(module));
+        } while (next < file.node->stream.tokens.size() - 1);
     }
     // A module that could not be read whole would be blamed for all that is missing from it.
     if (diagnostics.failed()) {
@@ -90,23 +68,19 @@ std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
     if (diagnostics.failed()) {
         return {};
     }
-    Checker(model, diagnostics, [&resolver](const Module& module, const ValueNode& value) {
-        return resolver.number(module, value);
+    Checker(model, diagnostics, [&resolver](const ValueNode& value) {
+        return resolver.number(value);
     }).run();
-    if (!diagnostics.failed()) {
-        checkHeaderCycles(model, diagnostics);
-    }
     if (diagnostics.failed()) {
         return {};
     }
     std::map<std::string, std::string> generated;
     Emitter emitter(model, options.output);
-    for (const auto& module : model.modules) {
-        const std::string& stem = module->node.stem;
-        generated[options.headerDirectory + "/" + stem + ".h"] = emitter.header(*module);
-        generated[options.sourceDirectory + "/" + stem + ".cpp"] = emitter.source(*module);
-        generated[options.sourceDirectory + "/" + stem + "_types.h"] =
-            emitter.privateHeader(*module);
+    for (const File& file : model.files) {
+        const std::string& stem = file.node->stem;
+        generated[options.headerDirectory + "/" + stem + ".h"] = emitter.header(file);
+        generated[options.sourceDirectory + "/" + stem + ".cpp"] = emitter.source(file);
+        generated[options.sourceDirectory + "/" + stem + "_types.h"] = emitter.privateHeader(file);
     }
     if (options.catalogue) {
         generated[options.sourceDirectory + "/catalogue.cpp"] = emitter.catalogue();

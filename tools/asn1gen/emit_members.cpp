@@ -6,10 +6,10 @@ namespace asn1gen {
 namespace {
 
 /// How the base class is told about a value.
-std::string baseOnValue(ControlBase kind, const Type& type) {
+std::string baseOnValue(ControlBase kind) {
     switch (kind) {
     case ControlBase::Alias:
-        return controlName(*type.aliasOf) + "($context$value)";
+        return "$base($context$value)";
     case ControlBase::List:
         return "ASN1CSeqOfList($context$value)";
     case ControlBase::BitString:
@@ -24,12 +24,13 @@ std::string baseOnValue(ControlBase kind, const Type& type) {
 }
 
 /// The same on a context, or on one of its own where there is none.
-std::string baseOn(ControlBase kind, const Type& type, const std::string& context,
-                   const std::string& value) {
-    return filled(baseOnValue(kind, type), {{"context", context.empty() ? "" : context + ", "},
-                                            {"only", context},
-                                            {"value", value},
-                                            {"capacity", std::to_string(type.capacity)}});
+std::string baseOn(ControlBase kind, const Type& type, const std::string& base,
+                   const std::string& context, const std::string& value) {
+    return filled(baseOnValue(kind), {{"base", base},
+                                      {"context", context.empty() ? "" : context + ", "},
+                                      {"only", context},
+                                      {"value", value},
+                                      {"capacity", std::to_string(type.capacity)}});
 }
 
 /// What makes the base and its iterators follow a value that was replaced.
@@ -210,10 +211,10 @@ void Emitter::controlDefinitions(Writer& out, const Type& type) {
         return;
     }
     const std::string refresh = refreshment(kind, type);
-    values["base"] = alias ? controlName(*type.aliasOf) : "";
-    values["onValue"] = baseOn(kind, type, "", "value");
-    values["onBuffer"] = baseOn(kind, type, "buffer", "value");
-    values["onCopy"] = baseOn(kind, type, "*other.getContext()", "copy");
+    values["base"] = alias ? controlFrom(*type.aliasOf) : "";
+    values["onValue"] = baseOn(kind, type, values["base"], "", "value");
+    values["onBuffer"] = baseOn(kind, type, values["base"], "buffer", "value");
+    values["onCopy"] = baseOn(kind, type, values["base"], "*other.getContext()", "copy");
     values["refresh"] = refresh;
     values["refreshed"] = refresh.empty() ? "" : "\n        " + refresh;
     out.lines(alias ? AliasConstructors : Constructors, values);

@@ -108,11 +108,14 @@ void $X::copy$field(ASN1CTXT*, Asn1TObject&, Asn1TObject&) {}
 void $X::free$field(ASN1CTXT*, Asn1TObject&) {}
 )";
 
-constexpr const char* ObjectDefinitions = R"(
+constexpr const char* ObjectArcs = R"(
 
 namespace objects {
 constexpr unsigned ${X}_arcs[] = {$arcs};
 }
+)";
+
+constexpr const char* ObjectDefinitions = R"(
 
 $X::$X() : $class($count, objects::${X}_arcs) {$presence}
 
@@ -160,13 +163,26 @@ constexpr const char* SetDescription = R"(
 namespace sets {
 constexpr ${data}ObjectSetDescription $X = {
     /*name=*/"$X",
-    /*objectClass=*/"$class",
+    /*objectClass=*/"$className",
     /*objects=*/$table,
     /*count=*/$count,
     /*index=*/$index,
 };
 }
 
+)";
+
+constexpr const char* SetTable = R"(
+
+namespace sets {
+constexpr ${data}ObjectSetDescription $X = {
+    /*name=*/"$X",
+    /*objectClass=*/"$className",
+    /*objects=*/$table,
+    /*count=*/$count,
+    /*index=*/$index,
+};
+}
 )";
 
 constexpr const char* SetFunctions = R"(
@@ -223,6 +239,9 @@ void Emitter::objectClass(Writer& out, const ObjectClass& objectClass) {
 }
 
 void Emitter::object(Writer& out, const Object& object) {
+    if (!object.objectClass->hasRecord) {
+        return; // there are its tables
+    }
     const Values values = {{"X", object.name}};
     out.line();
     out.comment("Object of class " + object.objectClass->name + " with the identifier " +
@@ -231,8 +250,8 @@ void Emitter::object(Writer& out, const Object& object) {
                  : object.type->builtin ? ""
                                         : " and values " + recordName(*object.type)) +
                 (object.comment.empty() ? "." : ". " + object.comment));
-    out.line(exported("class") + " " + object.name + " final : public " + object.objectClass->name +
-             " {");
+    out.line(exported("class") + " " + object.name + " final : public " +
+             from(object.objectClass->module, object.objectClass->name) + " {");
     out.lines(ObjectInstance, values);
     if (object.type != nullptr) {
         out.line();
@@ -245,7 +264,10 @@ void Emitter::object(Writer& out, const Object& object) {
 }
 
 void Emitter::objectSet(Writer& out, const ObjectSet& set) {
-    const std::string& objectClass = set.objectClass->name;
+    if (!set.objectClass->hasRecord) {
+        return;
+    }
+    const std::string objectClass = from(set.objectClass->module, set.objectClass->name);
     out.line();
     out.comment(set.comment.empty() ? "Object set of class " + objectClass + "." : set.comment);
     out.line(exported("class") + " " + set.name + " {");
@@ -265,13 +287,17 @@ void Emitter::objectDefinitions(Writer& out, const Object& object) {
     const bool telling = object.type != nullptr && object.objectClass->typeOptional;
     Values values = {
         {"X", object.name},
-        {"class", object.objectClass->name},
+        {"class", from(object.objectClass->module, object.objectClass->name)},
         {"field", field},
         {"family", engine("family::")},
         {"count", std::to_string(object.arcs.size())},
         {"arcs", arcsText(object.arcs, ", ")},
         {"presence", telling ? "\n    m." + cppName(field) + "Present = 1;\n" : ""},
     };
+    out.lines(ObjectArcs, values);
+    if (!object.objectClass->hasRecord) {
+        return;
+    }
     out.lines(ObjectDefinitions, values);
     if (object.type == nullptr) {
         return;
@@ -282,8 +308,8 @@ void Emitter::objectDefinitions(Writer& out, const Object& object) {
     values["argument"] = null ? "void*" : "void* value";
     values["control"] =
         type.builtin ? "(buffer, value, " + values["type"] + ")"
-        : null       ? "<" + controlName(type) + ">(buffer)"
-                     : "<" + controlName(type) + ", " + recordName(type) + ">(buffer, value)";
+        : null       ? "<" + controlFrom(type) + ">(buffer)"
+                     : "<" + controlFrom(type) + ", " + recordFrom(type) + ">(buffer, value)";
     out.lines(ObjectOperations, values);
 }
 
@@ -291,7 +317,8 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
     const std::string data = engine("");
     const bool empty = set.objects.empty();
     const Values values = {{"X", set.name},
-                           {"class", set.objectClass->name},
+                           {"class", from(set.objectClass->module, set.objectClass->name)},
+                           {"className", set.objectClass->name},
                            {"data", data},
                            {"family", engine("family::")},
                            {"table", empty ? "nullptr" : set.name + "_objects"},
@@ -307,7 +334,8 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
                 object->type == nullptr
                     ? std::string("nullptr")
                     : "&" + (builtin ? data : std::string()) + descriptorName(*object->type);
-            out.line("    {\"" + object->name + "\", objects::" + object->name + "_arcs, " +
+            out.line("    {\"" + object->name + "\", " +
+                     from(object->module, "objects::" + object->name + "_arcs") + ", " +
                      std::to_string(object->arcs.size()) + ", " + type + "},");
         }
         out.line("};");
@@ -315,15 +343,18 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
                  "_objects);");
         out.line("}");
     }
-    out.lines(SetDescription, values);
+    out.lines(set.objectClass->hasRecord ? SetDescription : SetTable, values);
+    if (!set.objectClass->hasRecord) {
+        return;
+    }
     if (empty) {
         out.lines("$X::$X(ASN1CTXT*) : count(0), objects(nullptr) {}\n", values);
     } else {
         out.lines("$X::$X(ASN1CTXT*) : count($count), objects(new $class* [$count] {}) {\n",
                   values);
         for (std::size_t i = 0; i < set.objects.size(); ++i) {
-            out.line("    objects[" + std::to_string(i) + "] = " + set.objects[i]->name +
-                     "::instance();");
+            out.line("    objects[" + std::to_string(i) +
+                     "] = " + from(set.objects[i]->module, set.objects[i]->name) + "::instance();");
         }
         out.line("}");
     }

@@ -105,107 +105,111 @@ $T::~$T() {
 
 } // namespace
 
-std::string Emitter::privateHeader(const Module& module) {
+std::string Emitter::privateHeader(const File& file) {
     Writer out;
-    opening(out, module.node.stem + ".asn1", module.node.digest);
-    std::string guard = output_.nameSpace + "_" + module.node.stem + "_TYPES_H";
+    opening(out, file);
+    std::string guard = output_.nameSpace + "_" + file.node->stem + "_TYPES_H";
     for (char& c : guard) {
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c == '-' ? '_' : c;
+        c = guardCharacter(c);
     }
     out.line("#ifndef " + guard);
     out.line("#define " + guard);
     out.line();
     out.line("#include <brevantis/asn1/asn1data/describe.h>");
     const std::string data = engine("");
-    if (!module.types.empty()) {
-        out.line();
-    }
-    if (!module.types.empty()) {
-        out.line("namespace " + output_.nameSpace + "::types {");
-    }
-    for (const Type* type : module.types) {
-        out.line("extern const " + data + "TypeDescription " + type->name + ";");
-        if (type->aliasOf == nullptr && !type->elements.empty()) {
-            out.line("extern const " + data + "ElementDescription " + type->name + "_elements[" +
-                     std::to_string(type->elements.size()) + "];");
+    for (const Part& part : partsOf({file.modules.begin(), file.modules.end()})) {
+        const auto section = [&](const char* name, const std::vector<std::string>& lines) {
+            if (lines.empty()) {
+                return;
+            }
+            out.line();
+            out.line("namespace " + spaceName(part.space) + "::" + name + " {");
+            for (const std::string& line : lines) {
+                out.line(line);
+            }
+            out.line("} // namespace " + spaceName(part.space) + "::" + name);
+        };
+        std::vector<std::string> types;
+        std::vector<std::string> sets;
+        std::vector<std::string> objects;
+        for (const Module* module : part.modules) {
+            for (const Type* type : module->types) {
+                types.push_back("extern const " + data + "TypeDescription " + type->name + ";");
+                if (type->aliasOf == nullptr && !type->elements.empty()) {
+                    types.push_back("extern const " + data + "ElementDescription " + type->name +
+                                    "_elements[" + std::to_string(type->elements.size()) + "];");
+                }
+                if (type->aliasOf == nullptr && !type->names.empty()) {
+                    types.push_back("extern const " + data + "NamedNumber " + type->name +
+                                    "_names[" + std::to_string(type->names.size()) + "];");
+                }
+                if (type->table) {
+                    types.push_back("extern const " + data + "TableConstraint " + type->name +
+                                    "_table;");
+                }
+            }
+            for (const ObjectSet* set : module->sets) {
+                sets.push_back("extern const " + data + "ObjectSetDescription " + set->name + ";");
+            }
+            for (const Object* object : module->objects) {
+                objects.push_back("extern const unsigned " + object->name + "_arcs[" +
+                                  std::to_string(object->arcs.size()) + "];");
+            }
         }
-        if (type->aliasOf == nullptr && !type->names.empty()) {
-            out.line("extern const " + data + "NamedNumber " + type->name + "_names[" +
-                     std::to_string(type->names.size()) + "];");
-        }
-        if (type->table) {
-            out.line("extern const " + data + "TableConstraint " + type->name + "_table;");
-        }
-    }
-    if (!module.types.empty()) {
-        out.line("} // namespace " + output_.nameSpace + "::types");
-    }
-    if (!module.sets.empty()) {
-        out.line();
-        out.line("namespace " + output_.nameSpace + "::sets {");
-        for (const ObjectSet* set : module.sets) {
-            out.line("extern const " + data + "ObjectSetDescription " + set->name + ";");
-        }
-        out.line("} // namespace " + output_.nameSpace + "::sets");
-    }
-    if (!module.objects.empty()) {
-        out.line();
-        out.line("namespace " + output_.nameSpace + "::objects {");
-        for (const Object* object : module.objects) {
-            out.line("extern const unsigned " + object->name + "_arcs[" +
-                     std::to_string(object->arcs.size()) + "];");
-        }
-        out.line("} // namespace " + output_.nameSpace + "::objects");
+        section("types", types);
+        section("sets", sets);
+        section("objects", objects);
     }
     out.line();
     out.line("#endif");
     return out.text();
 }
 
-std::string Emitter::source(const Module& module) {
-    Writer out;
-    opening(out, module.node.stem + ".asn1", module.node.digest);
-    out.line("#include <" + output_.includePrefix + "/" + module.node.stem + ".h>");
+void Emitter::sourceIncludes(Writer& out, const File& file) {
+    out.line("#include <" + output_.includePrefix + "/" + file.node->stem + ".h>");
     out.line();
     out.line("#include <cstddef>");
     out.line("#include <type_traits>");
     std::set<std::string> publicHeaders = {"<brevantis/asn1/asn1data/family.h>",
                                            "<brevantis/asn1/asn1data/generated.h>",
                                            "<brevantis/asn1/asn1data/object.h>"};
-    std::set<std::string> privateHeaders = {module.node.stem};
-    const auto uses = [&](const Type* type, bool complete) {
-        if (type != nullptr && !type->builtin && type->module != &module) {
-            privateHeaders.insert(type->module->node.stem);
+    std::set<std::string> privateHeaders = {file.node->stem};
+    const auto usesModule = [&](const Module* other, bool complete) {
+        const File& home = *fileOf_.at(other);
+        if (&home != &file) {
+            privateHeaders.insert(home.node->stem);
             if (complete) {
-                publicHeaders.insert("<" + output_.includePrefix + "/" + type->module->node.stem +
-                                     ".h>");
+                publicHeaders.insert("<" + output_.includePrefix + "/" + home.node->stem + ".h>");
             }
         }
     };
-    for (const Type* type : module.types) {
-        uses(type->aliasOf, true);
-        for (const Type* target = type; target->aliasOf != nullptr; target = target->aliasOf) {
-            uses(target->aliasOf, false);
+    const auto uses = [&](const Type* type, bool complete) {
+        if (type != nullptr && !type->builtin) {
+            usesModule(type->module, complete);
         }
-        uses(type->target().element, false);
-        for (const Element& element : type->elements) {
-            uses(element.type, true);
+    };
+    for (const Module* module : file.modules) {
+        for (const Type* type : module->types) {
+            uses(type->aliasOf, true);
+            for (const Type* target = type; target->aliasOf != nullptr; target = target->aliasOf) {
+                uses(target->aliasOf, false);
+            }
+            uses(type->target().element, false);
+            for (const Element& element : type->elements) {
+                uses(element.type, true);
+            }
+            uses(type->element, true);
+            if (type->table) {
+                usesModule(type->table->set->module, false);
+            }
         }
-        uses(type->element, true);
-        if (type->table && type->table->set->module != &module) {
-            privateHeaders.insert(type->table->set->module->node.stem);
+        for (const Object* object : module->objects) {
+            uses(object->type, true);
         }
-    }
-    for (const Object* object : module.objects) {
-        uses(object->type, true);
-    }
-    for (const ObjectSet* set : module.sets) {
-        for (const Object* object : set->objects) {
-            uses(object->type, false);
-            if (object->module != &module) {
-                privateHeaders.insert(object->module->node.stem);
-                publicHeaders.insert("<" + output_.includePrefix + "/" + object->module->node.stem +
-                                     ".h>");
+        for (const ObjectSet* set : module->sets) {
+            for (const Object* object : set->objects) {
+                uses(object->type, false);
+                usesModule(object->module, true);
             }
         }
     }
@@ -217,61 +221,88 @@ std::string Emitter::source(const Module& module) {
     for (const std::string& name : privateHeaders) {
         out.line("#include \"" + name + "_types.h\"");
     }
-    out.line();
-    out.line("namespace " + output_.nameSpace + " {");
+}
+
+void Emitter::identifierConstants(Writer& out, const Module& module) {
+    std::set<std::string> defined;
     for (const Identifier& identifier : module.identifiers) {
-        if (!identifier.copyOf.empty()) {
+        // A copy of one that is there already; any other would be copied before it has its value.
+        if (defined.count(identifier.copyOf) != 0) {
             out.line();
             out.line("const ASN1OBJID " + identifier.name + " = " + identifier.copyOf + ";");
-            continue;
+        } else {
+            out.lines(IdentifierConstant, {{"name", identifier.name},
+                                           {"count", std::to_string(identifier.arcs.size())},
+                                           {"arcs", arcsText(identifier.arcs, ", ")}});
         }
-        out.lines(IdentifierConstant, {{"name", identifier.name},
-                                       {"count", std::to_string(identifier.arcs.size())},
-                                       {"arcs", arcsText(identifier.arcs, ", ")}});
+        defined.insert(identifier.name);
     }
-    if (!module.types.empty()) {
-        rangeConstants(out, module);
+}
+
+std::string Emitter::source(const File& file) {
+    Writer out;
+    opening(out, file);
+    sourceIncludes(out, file);
+    for (const Part& part : partsOf({file.modules.begin(), file.modules.end()})) {
+        here_ = part.space;
         out.line();
-        out.line("namespace types {");
-        for (const Type* type : module.types) {
-            elementTable(out, *type);
-            nameTable(out, *type);
-            tableConstraint(out, *type);
-            description(out, *type);
+        out.line("namespace " + spaceName(part.space) + " {");
+        bool any = false;
+        for (const Module* module : part.modules) {
+            identifierConstants(out, *module);
+            any = any || !module->types.empty();
+        }
+        if (any) {
+            rangeConstants(out, part.modules);
+            out.line();
+            out.line("namespace types {");
+            for (const Module* module : part.modules) {
+                for (const Type* type : module->types) {
+                    elementTable(out, *type);
+                    nameTable(out, *type);
+                    tableConstraint(out, *type);
+                    description(out, *type);
+                }
+            }
+            out.line();
+            out.line("} // namespace types");
+        }
+        for (const Type* type : inOrderOfUse(part.modules)) {
+            recordDefinitions(out, *type);
+            controlDefinitions(out, *type);
+            functionDefinitions(out, *type);
+        }
+        for (const Module* module : part.modules) {
+            for (const ObjectClass* objectClass : module->classes) {
+                objectClassDefinitions(out, *objectClass);
+            }
+            for (const Object* object : module->objects) {
+                objectDefinitions(out, *object);
+            }
+            for (const ObjectSet* set : module->sets) {
+                objectSetDefinitions(out, *set);
+            }
         }
         out.line();
-        out.line("} // namespace types");
+        out.line("} // namespace " + spaceName(part.space));
     }
-    for (const Type* type : inOrderOfUse(module)) {
-        recordDefinitions(out, *type);
-        controlDefinitions(out, *type);
-        functionDefinitions(out, *type);
-    }
-    for (const ObjectClass* objectClass : module.classes) {
-        objectClassDefinitions(out, *objectClass);
-    }
-    for (const Object* object : module.objects) {
-        objectDefinitions(out, *object);
-    }
-    for (const ObjectSet* set : module.sets) {
-        objectSetDefinitions(out, *set);
-    }
-    out.line();
-    out.line("} // namespace " + output_.nameSpace);
+    here_.clear();
     return out.text();
 }
 
-void Emitter::rangeConstants(Writer& out, const Module& module) {
+void Emitter::rangeConstants(Writer& out, const Modules& modules) {
     std::map<std::string, std::vector<Range>> constants;
     const auto add = [&constants](const std::vector<Range>& ranges) {
         if (!ranges.empty()) {
             constants.emplace(rangeName(ranges), ranges);
         }
     };
-    for (const Type* type : module.types) {
-        add(type->constraint);
-        for (const Element& element : type->elements) {
-            add(element.constraint);
+    for (const Module* module : modules) {
+        for (const Type* type : module->types) {
+            add(type->constraint);
+            for (const Element& element : type->elements) {
+                add(element.constraint);
+            }
         }
     }
     if (constants.empty()) {
@@ -299,7 +330,12 @@ void Emitter::elementTable(Writer& out, const Type& type) {
     const bool choice = type.shape == Shape::Choice;
     out.line();
     if (type.hasPresence()) {
-        out.line("static_assert(sizeof(" + record + "::m) == sizeof(unsigned));");
+        const auto bits =
+            std::count_if(type.elements.begin(), type.elements.end(), [](const Element& element) {
+                return element.presence == Presence::Optional;
+            });
+        const std::string words = bits > 32 ? std::to_string((bits + 31) / 32) + " * " : "";
+        out.line("static_assert(sizeof(" + record + "::m) == " + words + "sizeof(unsigned));");
     }
     if (choice) {
         sameType(out, "decltype(" + record + "::t)", "unsigned");
@@ -326,8 +362,8 @@ void Emitter::elementTable(Writer& out, const Type& type) {
         out.lines(
             ElementRow,
             {{"member", element.member},
-             {"type",
-              element.type->builtin ? data + descriptorName(*element.type) : element.type->name},
+             {"type", element.type->builtin ? data + descriptorName(*element.type)
+                                            : tableName(*element.type)},
              {"offset", offset},
              {"tag", tagText(element.tag)},
              {"tagging", data + "Tagging::" + taggings[static_cast<int>(element.tagging)]},
@@ -373,7 +409,7 @@ void Emitter::tableConstraint(Writer& out, const Type& type) {
     const std::string slot = value.member + (table.kind == Table::OctetString ? "Typed" : "");
     out.line();
     out.line("constexpr " + data + "TableConstraint " + type.name + "_table = {");
-    out.line("    &sets::" + table.set->name + ",");
+    out.line("    &" + from(table.set->module, "sets::" + table.set->name) + ",");
     out.line("    " + data + "OpenValue::" + kinds[table.kind] + ",");
     out.line("    offsetof(" + record + ", " + type.elements[table.identifier].member + "),");
     out.line("    offsetof(" + record + ", " + value.member + "),");
@@ -455,17 +491,17 @@ void Emitter::description(Writer& out, const Type& type) {
             start = end;
         }
     }
-    row("elements", target.elements.empty() ? "nullptr" : target.name + "_elements");
+    row("elements", target.elements.empty() ? "nullptr" : tableName(target, "_elements"));
     row("elementCount", std::to_string(target.elements.size()));
     row("mandatoryCount", std::to_string(mandatory));
     row("constraint", constraintText(type.constraint, data));
     row("parameter", "\"" + parameterOf(type) + "\"");
     row("element", target.element == nullptr ? "nullptr"
                    : target.element->builtin ? "&" + data + descriptorName(*target.element)
-                                             : "&" + target.element->name);
-    row("aliasOf", type.aliasOf == nullptr ? "nullptr" : "&" + type.aliasOf->name);
-    row("table", target.table ? "&" + target.name + "_table" : "nullptr");
-    row("names", target.names.empty() ? "nullptr" : target.name + "_names");
+                                             : "&" + tableName(*target.element));
+    row("aliasOf", type.aliasOf == nullptr ? "nullptr" : "&" + tableName(*type.aliasOf));
+    row("table", target.table ? "&" + tableName(target, "_table") : "nullptr");
+    row("names", target.names.empty() ? "nullptr" : tableName(target, "_names"));
     row("nameCount", std::to_string(target.names.size()));
     row("road", data + "roadOf(" + data + "Shape::" + traitsOf(type.shape).name + ", " +
                     tagText(type.tag) + ", " + tagText(type.outerTag) + ", " +

@@ -1,6 +1,7 @@
 #ifndef BREVANTIS_ASN1GEN_EMITTER_H
 #define BREVANTIS_ASN1GEN_EMITTER_H
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -19,11 +20,9 @@ struct Output {
 };
 
 /// How types are called in C++.
-std::string recordName(const Type& type);     ///< `ASN1T_X`; of the aliased type if it has to
-std::string controlName(const Type& type);    ///< `ASN1C_X`
-std::string valueName(const Type& type);      ///< of the value in memory
-std::string scalarName(Shape shape);          ///< of a value that is no record of its own
-std::string descriptorName(const Type& type); ///< from inside the namespace of the module
+std::string recordName(const Type& type);  ///< `ASN1T_X`; of the aliased type if it has to
+std::string controlName(const Type& type); ///< `ASN1C_X`
+std::string scalarName(Shape shape);       ///< of a value that is no record of its own
 
 /// Whether a union holds the type's value by pointer.
 bool isIndirect(const Type& type);
@@ -34,29 +33,51 @@ bool ownsContext(const Type& type);
 enum class ControlBase { Plain, List, BitString, FixedBitString, Time, Null, Alias };
 ControlBase controlBase(const Type& type);
 
-/// Types of a module so that each comes behind those that it holds by value.
-std::vector<const Type*> inOrderOfUse(const Module& module);
+using Modules = std::vector<const Module*>;
+
+/// A character of a file's name in an include guard.
+char guardCharacter(char c);
+
+/// Types of modules so that each comes behind those that it holds by value.
+std::vector<const Type*> inOrderOfUse(const Modules& modules);
 
 /// Records that a module's records point to.
 std::vector<const Type*> pointedTo(const Module& module);
 
-/// Modules whose headers a module's header needs.
-std::vector<const Module*> neededHeaders(const Module& module);
+/// Modules whose types have to be complete in a module's header.
+Modules neededHeaders(const Module& module);
 
 /// Writes the generated files of a run.
 class Emitter {
 public:
-    Emitter(const Model& model, Output output) : model_(model), output_(std::move(output)) {}
+    Emitter(const Model& model, Output output);
 
-    std::string header(const Module& module);
-    std::string privateHeader(const Module& module);
-    std::string source(const Module& module);
+    std::string header(const File& file);
+    std::string privateHeader(const File& file);
+    std::string source(const File& file);
     std::string catalogue();
 
 private:
+    /// Modules that share a namespace.
+    struct Part {
+        std::string space;
+        Modules modules;
+    };
+    static std::vector<Part> partsOf(const Modules& modules);
+    // Names of another namespace than the one that is open are qualified.
+    std::string spaceName(const std::string& space) const;
+    std::string from(const Module* home, const std::string& name) const;
+    std::string recordFrom(const Type& type) const;
+    std::string controlFrom(const Type& type) const;
+    std::string valueName(const Type& type) const;      ///< of the value in memory
+    std::string descriptorName(const Type& type) const; ///< from the namespace of the module
+    std::string tableName(const Type& type, const char* end = "") const; ///< from `types`
+
     // header
-    void opening(Writer& out, const std::string& file, const std::string& digest);
-    void forwardDeclarations(Writer& out, const Module& module);
+    void opening(Writer& out, const File& file);
+    void forwardDeclarations(Writer& out, const Modules& modules);
+    void includes(Writer& out, const Modules& modules);
+    void moduleComment(Writer& out, const Module& module);
     void documentType(Writer& out, const Type& type);
     void record(Writer& out, const Type& type);
     void sequenceMembers(Writer& out, const Type& type);
@@ -80,7 +101,9 @@ private:
     void objectSet(Writer& out, const ObjectSet& set);
 
     // source
-    void rangeConstants(Writer& out, const Module& module);
+    void sourceIncludes(Writer& out, const File& file);
+    void identifierConstants(Writer& out, const Module& module);
+    void rangeConstants(Writer& out, const Modules& modules);
     void elementTable(Writer& out, const Type& type);
     void nameTable(Writer& out, const Type& type);
     void tableConstraint(Writer& out, const Type& type);
@@ -102,6 +125,10 @@ private:
 
     const Model& model_;
     Output output_;
+    std::string here_; ///< namespace that is open, below the common one
+    /// Headers that would include each other are one: that of the first file.
+    std::map<const Module*, const File*> headerOf_;
+    std::map<const Module*, const File*> fileOf_;
 };
 
 } // namespace asn1gen

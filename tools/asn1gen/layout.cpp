@@ -25,17 +25,6 @@ std::string controlName(const Type& type) {
     return "ASN1C_" + type.name;
 }
 
-std::string valueName(const Type& type) {
-    if (!type.builtin) {
-        return recordName(type);
-    }
-    const auto& rows = builtinTypes();
-    const auto row = std::find_if(rows.begin(), rows.end(), [&type](const BuiltinType& candidate) {
-        return candidate.constant == type.name;
-    });
-    return row->shape == Shape::Null ? "" : row->storage;
-}
-
 bool isIndirect(const Type& type) {
     return !traitsOf(type.shape).scalar;
 }
@@ -128,11 +117,19 @@ std::vector<const Type*> pointedTo(const Module& module) {
     return result;
 }
 
-std::vector<const Type*> inOrderOfUse(const Module& module) {
+std::vector<const Type*> inOrderOfUse(const Modules& modules) {
     std::vector<const Type*> order;
     std::set<const Type*> seen;
+    const std::set<const Module*> own(modules.begin(), modules.end());
     const std::function<void(const Type&)> visit = [&](const Type& type) {
-        if (type.module != &module || !seen.insert(&type).second) {
+        if (!seen.insert(&type).second) {
+            return;
+        }
+        if (own.count(type.module) == 0) {
+            // Another header's name may stand for a type of this one.
+            if (type.aliasOf != nullptr) {
+                visit(*type.aliasOf);
+            }
             return;
         }
         for (const Type* held : heldByValue(type)) {
@@ -140,14 +137,16 @@ std::vector<const Type*> inOrderOfUse(const Module& module) {
         }
         order.push_back(&type);
     };
-    for (const Type* type : module.types) {
-        visit(*type);
+    for (const Module* module : modules) {
+        for (const Type* type : module->types) {
+            visit(*type);
+        }
     }
     return order;
 }
 
-std::vector<const Module*> neededHeaders(const Module& module) {
-    std::vector<const Module*> needed;
+Modules neededHeaders(const Module& module) {
+    Modules needed;
     const auto need = [&](const Module* other) {
         if (other != nullptr && other != &module &&
             std::find(needed.begin(), needed.end(), other) == needed.end()) {
@@ -165,20 +164,94 @@ std::vector<const Module*> neededHeaders(const Module& module) {
         }
     }
     for (const Object* object : module.objects) {
-        need(object->objectClass->module);
+        need(object->objectClass->hasRecord ? object->objectClass->module : nullptr);
     }
     for (const ObjectSet* set : module.sets) {
-        need(set->objectClass->module);
+        need(set->objectClass->hasRecord ? set->objectClass->module : nullptr);
     }
-    std::sort(needed.begin(), needed.end(),
-              [](const Module* a, const Module* b) { return a->node.stem < b->node.stem; });
     return needed;
+}
+
+Emitter::Emitter(const Model& model, Output output) : model_(model), output_(std::move(output)) {
+    std::map<const File*, std::set<const File*>> reached;
+    for (const File& file : model_.files) {
+        for (const Module* module : file.modules) {
+            fileOf_[module] = &file;
+        }
+    }
+    for (const File& file : model_.files) {
+        for (const Module* module : file.modules) {
+            for (const Module* other : neededHeaders(*module)) {
+                reached[&file].insert(fileOf_[other]);
+            }
+        }
+    }
+    for (const File& over : model_.files) {
+        for (const File& file : model_.files) {
+            if (reached[&file].count(&over) != 0) {
+                reached[&file].insert(reached[&over].begin(), reached[&over].end());
+            }
+        }
+    }
+    for (const File& file : model_.files) {
+        const auto first =
+            std::find_if(model_.files.begin(), model_.files.end(), [&](const File& other) {
+                return &other == &file ||
+                       (reached[&file].count(&other) != 0 && reached[&other].count(&file) != 0);
+            });
+        for (const Module* module : file.modules) {
+            headerOf_[module] = &*first;
+        }
+    }
+}
+
+std::vector<Emitter::Part> Emitter::partsOf(const Modules& modules) {
+    std::vector<Part> parts;
+    for (const Module* module : modules) {
+        const auto found = std::find_if(parts.begin(), parts.end(), [module](const Part& part) {
+            return part.space == module->space;
+        });
+        if (found != parts.end()) {
+            found->modules.push_back(module);
+        } else {
+            parts.push_back({module->space, {module}});
+        }
+    }
+    return parts;
+}
+
+std::string Emitter::spaceName(const std::string& space) const {
+    return output_.nameSpace + (space.empty() ? "" : "::" + space);
+}
+
+std::string Emitter::from(const Module* home, const std::string& name) const {
+    return home == nullptr || home->space == here_ ? name
+                                                   : "::" + spaceName(home->space) + "::" + name;
+}
+
+std::string Emitter::recordFrom(const Type& type) const {
+    return from(type.module, recordName(type));
+}
+
+std::string Emitter::controlFrom(const Type& type) const {
+    return from(type.module, controlName(type));
+}
+
+std::string Emitter::valueName(const Type& type) const {
+    if (!type.builtin) {
+        return recordFrom(type);
+    }
+    const auto& rows = builtinTypes();
+    const auto row = std::find_if(rows.begin(), rows.end(), [&type](const BuiltinType& candidate) {
+        return candidate.constant == type.name;
+    });
+    return row->shape == Shape::Null ? "" : row->storage;
 }
 
 // A pointer names the record itself: a name for it may have to wait until the record is complete.
 std::string Emitter::pointerType(const Type& type, const Module& module) const {
     const Type& target = type.target();
-    return (target.hasRecord() ? recordName(target) : memberType(type, module)) + "*";
+    return (target.hasRecord() ? recordFrom(target) : memberType(type, module)) + "*";
 }
 
 std::string Emitter::memberType(const Type& type, const Module& module) const {
@@ -198,8 +271,15 @@ std::string Emitter::engine(const std::string& name) const {
     return output_.nameSpace == "asn1data" ? name : "asn1data::" + name;
 }
 
-std::string descriptorName(const Type& type) {
-    return (type.builtin ? "builtin::" : "types::") + type.name;
+std::string Emitter::descriptorName(const Type& type) const {
+    return type.builtin ? "builtin::" + type.name : from(type.module, "types::" + type.name);
+}
+
+std::string Emitter::tableName(const Type& type, const char* end) const {
+    return (type.module->space == here_
+                ? type.name
+                : "::" + spaceName(type.module->space) + "::types::" + type.name) +
+           end;
 }
 
 } // namespace asn1gen

@@ -11,8 +11,10 @@ const char* const help =
     "usage: asn1gen --namespace NAME --header-dir DIR --include-prefix PATH --source-dir DIR\n"
     "               [--export-macro NAME] [--catalogue] MODULE.asn1...\n"
     "\n"
-    "Compiles ASN.1 modules (X.680, X.681, X.682) that import from each other. For each module M\n"
-    "it writes M.h with the records, control classes and functions of its types, M.cpp with their\n"
+    "Compiles ASN.1 modules (X.680 to X.683) that import from each other, in any order. For each "
+    "file\n"
+    "M.asn1 it writes M.h with the records, control classes and functions of its types, M.cpp with "
+    "their\n"
     "descriptions, and M_types.h, which M.cpp needs. A file that would not change is left alone.\n"
     "\n"
     "  --namespace NAME       namespace of what is generated\n"
@@ -23,7 +25,9 @@ const char* const help =
     "  --catalogue            also write catalogue.cpp, which finds every description by name\n"
     "  --help                 print this and exit\n"
     "\n"
-    "Exit status: 0, or 1 after messages of the form FILE:LINE:COLUMN: error: SENTENCE.\n";
+    "Exit status: 0, or 1 after messages of the form FILE:LINE:COLUMN: error: SENTENCE. What was "
+    "read\n"
+    "otherwise than it stands is told in the same form as a warning.\n";
 
 bool readFile(const std::string& name, std::string& text) {
     std::ifstream in(name, std::ios::binary);
@@ -73,6 +77,11 @@ int run(const std::vector<std::string>& arguments) {
         }
         if (argument.rfind("--", 0) != 0) {
             asn1gen::SourceFile file{argument, ""};
+            std::error_code error;
+            if (std::filesystem::is_directory(argument, error)) {
+                std::cerr << "asn1gen: " << argument << " is a folder; name the modules in it\n";
+                return 1;
+            }
             if (!readFile(argument, file.text)) {
                 std::cerr << "asn1gen: cannot read " << argument << "\n";
                 return 1;

@@ -35,13 +35,38 @@ constexpr Constraint within(const ValueRange (&ranges)[Count]) {
     return {ranges, Count};
 }
 
-/// The road to the contents of a type.
+/// Whether the coder of a primitive shape reads the tag by itself: the universal one of the shape,
+/// which a text is told.
+constexpr bool isTagOfCoder(Shape shape, ASN1TAG tag) {
+    switch (kindOf(shape)) {
+    case ShapeKind::Boolean:
+        return tag == 1;
+    case ShapeKind::Number:
+        return tag == (shape == Shape::Enumerated ? 10u : 2u);
+    case ShapeKind::BigNumber:
+        return tag == 2;
+    case ShapeKind::Null:
+        return tag == 5;
+    case ShapeKind::ObjectIdentifier:
+        return tag == 6;
+    case ShapeKind::OctetString:
+        return tag == 4;
+    case ShapeKind::BitString:
+        return tag == 3;
+    case ShapeKind::Text:
+        return tag < 31;
+    default:
+        return tag == 0; // an open type or a CHOICE
+    }
+}
+
+/// The road to the contents of a type. Tags of more than one octet are read apart.
 constexpr Road roadOf(Shape shape, ASN1TAG tag, ASN1TAG outerTag, bool closesRecursion) {
-    const bool universal = tag >> 30 == 0;
-    return outerTag != 0 || closesRecursion || (isPrimitive(shape) && !universal) ? Road::Tagged
-           : shape == Shape::Choice                                               ? Road::Choice
-           : isPrimitive(shape)                                                   ? Road::Primitive
-                                : Road::Constructed;
+    const bool ownTag = isPrimitive(shape) ? !isTagOfCoder(shape, tag) : (tag & 0x1FFFFFFFu) > 30;
+    return outerTag != 0 || closesRecursion || ownTag ? Road::Tagged
+           : shape == Shape::Choice                   ? Road::Choice
+           : isPrimitive(shape)                       ? Road::Primitive
+                                                      : Road::Constructed;
 }
 
 /// Chains the objects of a set. Works at compile time and, for sets made later, at run time.
