@@ -327,6 +327,13 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
     if (!empty) {
         out.line();
         out.line("namespace {");
+        // Arcs of another module's object are no constants here.
+        for (const Object* object : set.objects) {
+            if (object->module != set.module) {
+                out.line("constexpr unsigned " + set.name + "_" + object->name + "_arcs[] = {" +
+                         arcsText(object->arcs, ", ") + "};");
+            }
+        }
         out.line("constexpr " + data + "ObjectDescription " + set.name + "_objects[] = {");
         for (const Object* object : set.objects) {
             const bool builtin = object->type != nullptr && object->type->builtin;
@@ -335,8 +342,8 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
                     ? std::string("nullptr")
                     : "&" + (builtin ? data : std::string()) + descriptorName(*object->type);
             out.line("    {\"" + object->name + "\", " +
-                     from(object->module, "objects::" + object->name + "_arcs") + ", " +
-                     std::to_string(object->arcs.size()) + ", " + type + "},");
+                     (object->module == set.module ? "objects::" : set.name + "_") + object->name +
+                     "_arcs" + ", " + std::to_string(object->arcs.size()) + ", " + type + "},");
         }
         out.line("};");
         out.line("constexpr " + data + "ObjectChains " + set.name + "_chains(" + set.name +
