@@ -1,9 +1,9 @@
 #include <stdexcept>
 
 #include <brevantis/asn1/values/util/one_element.h>
-#include <brevantis/support/error.h>
 
 #include "entry.h"
+#include "refusal.h"
 #include "support/message_classes.h"
 
 // Messages of the value classes: the first octet chooses the class. Values throw what their headers
@@ -12,18 +12,7 @@
 namespace {
 
 using Brevantis::CBlob;
-
-/// Runs an operation that may refuse.
-/// @return whether it did what it was asked
-template <class Operation>
-bool succeeds(Operation operation) {
-    try {
-        operation();
-        return true;
-    } catch (const ATL::CAtlException&) {
-        return false;
-    }
-}
+using fuzz::succeeds;
 
 template <class Value>
 auto show(const Value& value, int /*first*/) -> decltype(value.toString(), void()) {

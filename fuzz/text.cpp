@@ -10,6 +10,7 @@
 #include <brevantis/support.h>
 
 #include "entry.h"
+#include "refusal.h"
 #include "support/coding.h"
 #include "support/time_texts.h"
 
@@ -20,20 +21,9 @@ namespace {
 
 using namespace Brevantis;
 using namespace Brevantis::ASN1;
+using fuzz::succeeds;
 using tests::Context;
 using tests::HeapText;
-
-/// Runs an operation that may refuse.
-/// @return whether it did what it was asked
-template <class Operation>
-bool succeeds(Operation operation) {
-    try {
-        operation();
-        return true;
-    } catch (const ATL::CAtlException&) {
-        return false;
-    }
-}
 
 std::wstring wideOf(const std::string& text) {
     return towstring(HeapText(text).get());

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "support/coding.h"
+#include "support/element.h"
 #include "support/locked_list.h"
 
 // How much memory a message can ask for. It is the lists that make a message grow, so each list
@@ -22,14 +23,7 @@ namespace {
 using namespace asn1data;
 using tests::append;
 using tests::Octets;
-
-Octets withHeader(ASN1TAG tag, const Octets& contents) {
-    unsigned char header[ASN1LongestHeader];
-    const unsigned size = rtWriteHeader(tag, static_cast<int>(contents.size()), header);
-    Octets octets(header, header + size);
-    append(octets, contents);
-    return octets;
-}
+using tests::withHeader;
 
 /// Makes small messages of any type, from its description. What no message was found for is left
 /// out; what comes out need not be valid.

@@ -108,8 +108,8 @@ TEST(Stack, IsSmallAtTheDeepestNesting) {
         {"encode", 224,
          [&] { status = std::min(0, family::encode(writer, type, value, ASN1TagExplicit)); }},
         {"release", 96, [&] { family::release(reader, type, value); }},
-        {"walk", 416, [&] { status = walk(type, message.data(), message.size(), nobody).status; }},
-        {"findElement", 416,
+        {"walk", 480, [&] { status = walk(type, message.data(), message.size(), nobody).status; }},
+        {"findElement", 480,
          [&] {
              status =
                  findElement(type, message.data(), message.size(), innermost.path.c_str()).status;

@@ -8,6 +8,7 @@
 #include <brevantis/asn1/runtime/object_identifier_coding.h>
 
 #include "support/coding.h"
+#include "support/element.h"
 #include "support/value_builder.h"
 
 namespace tests {
@@ -68,18 +69,6 @@ const Way& longestWay(const TypeDescription& type, unsigned left) {
     return found != known.end() ? found->second : known[key] = findWay(type, left);
 }
 
-void append(Octets& to, const Octets& octets) {
-    to.insert(to.end(), octets.begin(), octets.end());
-}
-
-Octets wrapped(ASN1TAG tag, const Octets& contents) {
-    unsigned char header[ASN1LongestHeader];
-    const unsigned size = rtWriteHeader(tag, static_cast<int>(contents.size()), header);
-    Octets element(header, header + size);
-    append(element, contents);
-    return element;
-}
-
 /// An encoded value with the tag of its element.
 Octets tagged(const ElementDescription& element, const Octets& value) {
     if (element.tagging == Tagging::Untagged) {
@@ -88,9 +77,9 @@ Octets tagged(const ElementDescription& element, const Octets& value) {
     ASN1Header header{};
     if (element.tagging == Tagging::Explicit ||
         rtReadHeader(value.data(), static_cast<unsigned>(value.size()), &header) != 0) {
-        return wrapped(element.tag, value);
+        return withHeader(element.tag, value);
     }
-    return wrapped(element.tag, Octets(value.begin() + header.size, value.end()));
+    return withHeader(element.tag, Octets(value.begin() + header.size, value.end()));
 }
 
 Octets written(ASN1CTXT* ctxt, int count) {
@@ -135,7 +124,7 @@ Octets elementOf(const TypeDescription& type, const Way& way, const ElementDescr
         const Octets value = deepest(*way.object->type, left - 1);
         return tagged(element, type.table->value == OpenValue::OpenType
                                    ? value
-                                   : wrapped(element.type->tag, value));
+                                   : withHeader(element.type->tag, value));
     }
     return element.presence == Presence::Mandatory ? tagged(element, anyValue(*element.type))
                                                    : Octets();
@@ -161,8 +150,8 @@ Octets deepest(const TypeDescription& type, unsigned left) {
             append(contents, elementOf(type, way, type.elements[i], left));
         }
     }
-    const Octets value = type.tag != 0 ? wrapped(type.tag, contents) : contents;
-    return type.outerTag != 0 ? wrapped(type.outerTag, value) : value;
+    const Octets value = type.tag != 0 ? withHeader(type.tag, contents) : contents;
+    return type.outerTag != 0 ? withHeader(type.outerTag, value) : value;
 }
 
 } // namespace

@@ -176,10 +176,15 @@ void Emitter::opening(Writer& out, const File& file) {
     out.line();
 }
 
-char guardCharacter(char c) {
-    const bool letter = c >= 'a' && c <= 'z';
-    const bool kept = (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-    return letter ? static_cast<char>(c - 'a' + 'A') : kept ? c : '_';
+void openGuard(Writer& out, std::string place) {
+    for (char& c : place) {
+        const bool letter = c >= 'a' && c <= 'z';
+        const bool kept = (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+        c = letter ? static_cast<char>(c - 'a' + 'A') : kept ? c : '_';
+    }
+    out.line("#ifndef " + place);
+    out.line("#define " + place);
+    out.line();
 }
 
 void Emitter::includes(Writer& out, const Modules& modules) {
@@ -239,13 +244,7 @@ void Emitter::moduleComment(Writer& out, const Module& module) {
 std::string Emitter::header(const File& file) {
     Writer out;
     opening(out, file);
-    std::string guard = output_.includePrefix + "_" + file.node->stem + "_H";
-    for (char& c : guard) {
-        c = guardCharacter(c);
-    }
-    out.line("#ifndef " + guard);
-    out.line("#define " + guard);
-    out.line();
+    openGuard(out, output_.includePrefix + "_" + file.node->stem + "_H");
     Modules modules;
     for (const auto& module : model_.modules) {
         if (headerOf_.at(module.get()) == &file) {

@@ -108,13 +108,7 @@ $T::~$T() {
 std::string Emitter::privateHeader(const File& file) {
     Writer out;
     opening(out, file);
-    std::string guard = output_.nameSpace + "_" + file.node->stem + "_TYPES_H";
-    for (char& c : guard) {
-        c = guardCharacter(c);
-    }
-    out.line("#ifndef " + guard);
-    out.line("#define " + guard);
-    out.line();
+    openGuard(out, output_.nameSpace + "_" + file.node->stem + "_TYPES_H");
     out.line("#include <brevantis/asn1/asn1data/describe.h>");
     const std::string data = engine("");
     for (const Part& part : partsOf({file.modules.begin(), file.modules.end()})) {

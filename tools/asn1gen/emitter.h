@@ -35,8 +35,9 @@ ControlBase controlBase(const Type& type);
 
 using Modules = std::vector<const Module*>;
 
-/// A character of a file's name in an include guard.
-char guardCharacter(char c);
+/// The lines of an include guard.
+/// @param place what tells the header from others
+void openGuard(Writer& out, std::string place);
 
 /// Types of modules so that each comes behind those that it holds by value.
 std::vector<const Type*> inOrderOfUse(const Modules& modules);
