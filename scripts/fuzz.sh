@@ -122,7 +122,7 @@ for target in "${targets[@]}"; do
         grep -E '^(finding|SUMMARY|==[0-9]+==ERROR)|Test unit written' "$fuzz/logs/$target" || true
     fi
 done
-reached=$(cat "$fuzz"/reached/* 2>/dev/null | sort -u | wc -l)
+reached=$( (cat "$fuzz"/reached/* 2>/dev/null || true) | sort -u | wc -l)
 printf '%s executions, %s of %s types reached, %s findings\n' "$executions" "$reached" \
     "$(grep -c . "$fuzz/fuzz/types.txt")" "$findings"
 if $coverage; then
