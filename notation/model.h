@@ -71,6 +71,9 @@ struct Element {
     std::optional<std::string> defaultText;
     bool ambiguous = false; ///< it may begin as another element does
     bool hasSlot = false;   ///< an OCTET STRING with the slot of its typed value behind it
+
+    /// The tag that stands for an alternative of a CHOICE, 0 where only its first octet tells.
+    unsigned matchTag() const;
 };
 
 /// How a table constraint finds its identifier and its value.
@@ -133,6 +136,14 @@ struct Type {
                 shape == Shape::FixedBitString || shape == Shape::Null);
     }
     bool hasPresence() const;
+    /// Elements that have to be there.
+    unsigned mandatoryCount() const;
+    /// Whether a union holds the type's value by pointer.
+    bool isIndirect() const { return !traitsOf(shape).scalar; }
+    /// Whether the type's record takes part in the ownership of memory.
+    bool ownsContext() const { return hasRecord() && holdsMemory; }
+    /// What a broken constraint of the type names.
+    std::string parameter() const;
 };
 
 struct Identifier {

@@ -7,14 +7,9 @@
 
 #include "emitter.h"
 #include <notation/diagnostics.h>
+#include <notation/reader.h>
 
 namespace asn1gen {
-
-/// A schema file.
-struct SourceFile {
-    std::string name; ///< as diagnostics show it
-    std::string text;
-};
 
 /// What the compiler is asked for.
 struct Options {

@@ -333,7 +333,7 @@ void Emitter::forwardDeclarations(Writer& out, const Modules& modules) {
     std::map<std::string, std::set<std::string>> declarations;
     for (const Module* module : modules) {
         for (const Type* type : module->types) {
-            if (ownsContext(*type) && type->copyable) {
+            if (type->ownsContext() && type->copyable) {
                 declarations[type->module->space].insert("class " + controlName(*type) + ";");
             }
         }
@@ -440,8 +440,8 @@ void Emitter::choiceMembers(Writer& out, const Type& type) {
         }
         out.comment(elementComment(element), 8);
         out.line("        " +
-                 (isIndirect(*element.type) ? pointerType(*element.type, *type.module)
-                                            : memberType(*element.type, *type.module)) +
+                 (element.type->isIndirect() ? pointerType(*element.type, *type.module)
+                                             : memberType(*element.type, *type.module)) +
                  " " + element.member + ";");
     }
     if (!hasMembers) {
@@ -470,7 +470,7 @@ void Emitter::record(Writer& out, const Type& type) {
         namedNumbers(out, type);
         return;
     }
-    const bool owns = ownsContext(type);
+    const bool owns = type.ownsContext();
     const bool isEmpty =
         type.shape == Shape::Null || (type.elements.empty() && type.extensionMember.empty() &&
                                       (type.shape == Shape::Sequence || type.shape == Shape::Set));

@@ -42,22 +42,8 @@ std::string constraintText(const std::vector<Range>& ranges, const std::string& 
     return ranges.empty() ? engine + "unconstrained" : engine + "within(" + rangeName(ranges) + ")";
 }
 
-// The tag that stands for an alternative of a CHOICE, 0 where only its first octet tells.
-unsigned matchTag(const Element& element) {
-    if (element.tagging != Tagging::Untagged) {
-        return element.tag;
-    }
-    return element.type->outerTag != 0 ? 0 : element.type->tag;
-}
-
 std::string truth(bool value) {
     return value ? "true" : "false";
-}
-
-// What a broken constraint of the type names.
-std::string parameterOf(const Type& type) {
-    const std::string count = traitsOf(type.shape).countName;
-    return count.empty() || type.shape == Shape::Choice ? "*pvalue" : "pvalue->" + count;
 }
 
 // The octets of beginsWith, empty when it is any.
@@ -341,7 +327,7 @@ void Emitter::elementTable(Writer& out, const Type& type) {
         const Type& target = element.type->target();
         const std::string expected =
             (target.builtin || target.hasRecord() ? valueName(target) : scalarName(target.shape)) +
-            (choice && isIndirect(*element.type) ? "*" : "");
+            (choice && element.type->isIndirect() ? "*" : "");
         sameType(out, "decltype(" + record + (choice ? "::U::" : "::") + element.member + ")",
                  expected);
     }
@@ -363,7 +349,7 @@ void Emitter::elementTable(Writer& out, const Type& type) {
              {"tagging", data + "Tagging::" + taggings[static_cast<int>(element.tagging)]},
              {"presence", data + "Presence::" + presences[static_cast<int>(element.presence)]},
              {"bit", std::to_string(element.presenceBit)},
-             {"indirect", truth(choice && !null && isIndirect(*element.type))},
+             {"indirect", truth(choice && element.type->isIndirect())},
              {"octet",
               std::to_string(element.tagging == Tagging::Untagged ? 0
                                                                   : identifierOctet(element.tag))},
@@ -371,7 +357,7 @@ void Emitter::elementTable(Writer& out, const Type& type) {
              {"parameter", element.parameter},
              {"number", std::to_string(element.defaultNumber)},
              {"text", element.defaultText ? "\"" + *element.defaultText + "\"" : "nullptr"},
-             {"matched", tagText(matchTag(element))}});
+             {"matched", tagText(element.matchTag())}});
     }
     out.line("};");
 }
@@ -417,10 +403,6 @@ void Emitter::description(Writer& out, const Type& type) {
     const Type& target = type.target();
     const std::string record = recordName(type);
     const std::string data = engine("");
-    std::size_t mandatory = 0;
-    for (const Element& element : target.elements) {
-        mandatory += element.presence == Presence::Mandatory ? 1 : 0;
-    }
     // A list begins with its count, and has no other member to be found.
     const std::string content = traitsOf(type.shape).dataName;
     const std::string count = content.empty() ? "" : traitsOf(type.shape).countName;
@@ -487,9 +469,9 @@ void Emitter::description(Writer& out, const Type& type) {
     }
     row("elements", target.elements.empty() ? "nullptr" : tableName(target, "_elements"));
     row("elementCount", std::to_string(target.elements.size()));
-    row("mandatoryCount", std::to_string(mandatory));
+    row("mandatoryCount", std::to_string(target.mandatoryCount()));
     row("constraint", constraintText(type.constraint, data));
-    row("parameter", "\"" + parameterOf(type) + "\"");
+    row("parameter", "\"" + type.parameter() + "\"");
     row("element", target.element == nullptr ? "nullptr"
                    : target.element->builtin ? "&" + data + descriptorName(*target.element)
                                              : "&" + tableName(*target.element));
@@ -509,7 +491,7 @@ void Emitter::description(Writer& out, const Type& type) {
 }
 
 void Emitter::recordDefinitions(Writer& out, const Type& type) {
-    if (!ownsContext(type)) {
+    if (!type.ownsContext()) {
         return;
     }
     const Values values = namesOf(type);

@@ -24,11 +24,6 @@ std::string recordName(const Type& type);  ///< `ASN1T_X`; of the aliased type i
 std::string controlName(const Type& type); ///< `ASN1C_X`
 std::string scalarName(Shape shape);       ///< of a value that is no record of its own
 
-/// Whether a union holds the type's value by pointer.
-bool isIndirect(const Type& type);
-/// Whether the type's record takes part in the ownership of memory.
-bool ownsContext(const Type& type);
-
 /// What the type's control class is derived from: the shapes differ by it.
 enum class ControlBase { Plain, List, BitString, FixedBitString, Time, Null, Alias };
 ControlBase controlBase(const Type& type);

@@ -25,14 +25,6 @@ std::string controlName(const Type& type) {
     return "ASN1C_" + type.name;
 }
 
-bool isIndirect(const Type& type) {
-    return !traitsOf(type.shape).scalar;
-}
-
-bool ownsContext(const Type& type) {
-    return type.hasRecord() && type.holdsMemory;
-}
-
 ControlBase controlBase(const Type& type) {
     if (type.shape == Shape::Null) {
         return ControlBase::Null;
@@ -68,7 +60,7 @@ std::vector<const Type*> heldByValue(const Type& type) {
     };
     for (const Element& element : type.elements) {
         // What a union points to need not be complete, yet another name has to be known.
-        if (type.shape != Shape::Choice || !isIndirect(*element.type) ||
+        if (type.shape != Shape::Choice || !element.type->isIndirect() ||
             !element.type->target().hasRecord()) {
             hold(element.type);
         }
@@ -106,7 +98,7 @@ std::vector<const Type*> pointedTo(const Module& module) {
             continue;
         }
         for (const Element& element : type->elements) {
-            if (type->shape == Shape::Choice && isIndirect(*element.type)) {
+            if (type->shape == Shape::Choice && element.type->isIndirect()) {
                 point(*element.type);
             }
         }

@@ -1,0 +1,26 @@
+#ifndef BREVANTIS_NOTATION_READER_H
+#define BREVANTIS_NOTATION_READER_H
+
+#include <string>
+#include <vector>
+
+#include "diagnostics.h"
+#include "model.h"
+
+namespace notation {
+
+/// A schema file.
+struct SourceFile {
+    std::string name; ///< as diagnostics show it
+    std::string text;
+};
+
+/// Reads modules that belong together, in any order.
+/// @param model an empty one, which receives them with everything settled; its files are those of
+///        @p files in their order
+/// @return false when @p diagnostics tells why, and then the model is no good
+bool readModules(const std::vector<SourceFile>& files, Model& model, Diagnostics& diagnostics);
+
+} // namespace notation
+
+#endif
