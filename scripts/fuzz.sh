@@ -119,7 +119,7 @@ for target in "${targets[@]}"; do
     if [[ -e $fuzz/findings/$target.failed ]]; then
         findings=$((findings + 1))
         printf '%-16s FINDING, see %s\n' "$target" "$fuzz/logs/$target"
-        grep -E '^(finding|SUMMARY|==[0-9]+==ERROR)|Test unit written' "$fuzz/logs/$target" || true
+        grep -E '^(finding|SUMMARY|Base64|==[0-9]+==ERROR)|Test unit written' "$fuzz/logs/$target" || true
     fi
 done
 reached=$( (cat "$fuzz"/reached/* 2>/dev/null || true) | sort -u | wc -l)

@@ -10,6 +10,7 @@
 
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/value_visit.h>
+#include <brevantis/asn1/runtime/big_integer.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/list.h>
 #include <brevantis/asn1/runtime/object_identifier.h>
@@ -317,7 +318,15 @@ void ValueBuilder::fillRecord(const TypeDescription& type, void* record) {
         }
         const Constraint& constraint =
             element.constraint.count != 0 ? element.constraint : element.type->constraint;
-        fill(*element.type, constraint, Builder::element(type, record, i));
+        void* const value = Builder::element(type, record, i);
+        fill(*element.type, constraint, value);
+        if (element.presence == Presence::Default && element.defaultText != nullptr) {
+            // The DEFAULT is not encoded, and is read back in its own words.
+            const char*& digits = at<const char*>(value, 0);
+            if (rtBigIntStrCompare(ctxt_, digits, element.defaultText) == 0) {
+                digits = element.defaultText;
+            }
+        }
     }
     if (type.extensionOffset != NoOffset) {
         for (unsigned count = below(4); count-- > 0;) {
