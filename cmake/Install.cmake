@@ -15,6 +15,7 @@ if(TARGET brevantis_asn1_text)
         EXPORT_NAME asn1_text INSTALL_RPATH "$ORIGIN")
 endif()
 install(TARGETS ${libraries} brevantis_asn1gen EXPORT brevantis_asn1_targets)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/asn1gen.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(EXPORT brevantis_asn1_targets
     NAMESPACE Brevantis:: DESTINATION ${package_directory})
 

@@ -69,7 +69,8 @@ void Checker::run() {
 }
 
 // A record cannot hold itself; the way round has to lead over a list, an array or a CHOICE.
-void Checker::checkByValueRecursion(const Type& type) {
+// Returns how many records deep a value is.
+std::size_t Checker::checkByValueRecursion(const Type& type) {
     const auto onPath = std::find(path_.begin(), path_.end(), &type);
     if (onPath != path_.end()) {
         std::string cycle;
@@ -78,28 +79,41 @@ void Checker::checkByValueRecursion(const Type& type) {
         }
         diagnostics_.error(type.at, "a value of '" + type.name + "' would hold itself: " + cycle +
                                         type.name);
-        return;
+        return 0;
     }
-    if (visited_[&type]++ > 0) {
-        return;
+    if (const auto known = recordDepths_.find(&type); known != recordDepths_.end()) {
+        return known->second;
     }
-    if (path_.size() >= DeepestRecord) {
-        diagnostics_.error(type.at, "values hold each other more than " +
-                                        std::to_string(DeepestRecord) + " deep");
-        return;
-    }
+    std::size_t depth = 0;
     path_.push_back(&type);
+    const auto goInto = [&](const Type& inner) {
+        if (path_.size() <= DeepestRecord) {
+            depth = std::max(depth, checkByValueRecursion(inner));
+        } else {
+            depth = DeepestRecord;
+        }
+    };
     if (type.aliasOf != nullptr) {
-        checkByValueRecursion(*type.aliasOf);
+        goInto(*type.aliasOf);
     } else if (isByValue(type)) {
         for (const Element& element : type.elements) {
-            checkByValueRecursion(*element.type);
+            goInto(*element.type);
         }
         if (type.element != nullptr) {
-            checkByValueRecursion(*type.element);
+            goInto(*type.element);
         }
     }
     path_.pop_back();
+    if (++depth > DeepestRecord) {
+        if (!tooDeep_) {
+            diagnostics_.error(type.at, "values hold each other more than " +
+                                            std::to_string(DeepestRecord) + " deep");
+        }
+        tooDeep_ = true;
+        depth = 0; // told once is enough
+    }
+    recordDepths_[&type] = depth;
+    return depth;
 }
 
 void Checker::finish(Type& type) {
@@ -564,7 +578,8 @@ bool Checker::isAmbiguous(const Beginnings& first, const Beginnings& second) {
 
 // X.680, 25.6 for a SEQUENCE, 27.3 for a SET, 29.3 for a CHOICE.
 void Checker::checkAmbiguity(const Type& type) {
-    if (type.builtin || type.aliasOf != nullptr || type.ambiguous) {
+    if (type.builtin || type.aliasOf != nullptr || type.ambiguous ||
+        type.elements.size() > MostElements) {
         return;
     }
     std::vector<Beginnings> tags;

@@ -34,7 +34,7 @@ private:
                                    long long high);
     void finishDefault(const Type& type, Element& element);
 
-    void checkByValueRecursion(const Type& type);
+    std::size_t checkByValueRecursion(const Type& type);
     bool computeHoldsMemory(const Type& type);
     bool valuesHoldMemory(const Type& target);
     void markRecursion();
@@ -58,7 +58,8 @@ private:
     Diagnostics& diagnostics_;
     Number number_;
     std::vector<const Type*> path_;
-    std::map<const Type*, int> visited_;
+    std::map<const Type*, std::size_t> recordDepths_;
+    bool tooDeep_ = false;
     std::map<const Type*, bool> memory_;
     std::map<const Type*, Beginnings> beginnings_;
     std::size_t choiceDepth_ = 0;

@@ -89,7 +89,11 @@ void Resolver::expand(std::unique_ptr<TypeNode>& node) {
     }
     node->expanded = true;
     if (expanding_ > LongestChain) {
-        diagnostics_.error(node->at, "types are told by each other more than 1000 deep");
+        if (!tooDeep_) {
+            diagnostics_.error(node->at, "types are told by each other more than 1000 deep");
+        }
+        tooDeep_ = true;
+        node->kind = TypeNode::Null;
         return;
     }
     const struct Level {

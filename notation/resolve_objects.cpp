@@ -323,13 +323,31 @@ void Resolver::resolveObject(Object& object, Assignment& assignment) {
 void Resolver::resolveSet(ObjectSet& set, const Assignment& assignment) {
     if (!set.resolved) {
         set.resolved = true;
-        addMembers(set, assignment.body, *set.module, 0);
+        addMembers(set, assignment.body, *set.module);
+    }
+}
+
+// The objects of another set, once each.
+void Resolver::addMembersOf(ObjectSet& set, const Symbol& other) {
+    if (evaluating_.size() > LongestChain) {
+        diagnostics_.error(other.assignment->at, "sets hold each other more than " +
+                                                     std::to_string(LongestChain) + " deep");
+        return;
+    }
+    evaluating_.insert(&set);
+    resolveSet(*other.set, *other.assignment);
+    evaluating_.erase(&set);
+    const std::set<const Object*> known(set.objects.begin(), set.objects.end());
+    for (const Object* object : other.set->objects) {
+        if (known.count(object) == 0) {
+            set.objects.push_back(object);
+        }
     }
 }
 
 // Objects and other sets, one or the other or both of them. What the members have in common
 // (INTERSECTION) or is left out (EXCEPT) is not looked at: an object more resolves a value more.
-void Resolver::addMembers(ObjectSet& set, const Tokens& body, const Module& home, unsigned depth) {
+void Resolver::addMembers(ObjectSet& set, const Tokens& body, const Module& home) {
     Parser parser(body, home.node, diagnostics_);
     try {
         parser.expect("{");
@@ -366,8 +384,8 @@ void Resolver::addMembers(ObjectSet& set, const Tokens& body, const Module& home
             if (member == nullptr) {
                 continue;
             }
-            if (member->set != nullptr && depth < 20) {
-                addMembers(set, member->assignment->body, *member->set->module, depth + 1);
+            if (member->set != nullptr && member->set->objectClass == set.objectClass) {
+                addMembersOf(set, *member);
                 continue;
             }
             if (member->object == nullptr || member->object->objectClass != set.objectClass) {

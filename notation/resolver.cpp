@@ -5,15 +5,9 @@
 #include "builtin_types.h"
 #include "names.h"
 #include "parser.h"
+#include "remarks.h"
 
 namespace notation {
-namespace {
-
-const char* const remarkKeys[] = {"value",   "storage",   "capacity",        "end-of-contents",
-                                  "no-copy", "name",      "keep-extensions", "standard",
-                                  "shared",  "ambiguous", "template"};
-
-} // namespace
 
 const char* const ChainTooLong =
     "a value stands for another, which stands for another, more than 1000 times";
@@ -107,12 +101,16 @@ void Resolver::run() {
 
 // Names that stand for nothing but each other.
 void Resolver::breakNameCycles() {
-    std::set<const Type*> checked;
+    std::map<const Type*, std::size_t> lengths; // of the chains that have been followed
     for (Type& type : model_.types) {
         std::vector<Type*> path;
         std::set<const Type*> onPath;
-        for (Type* name = &type; name != nullptr && checked.count(name) == 0;
-             name = name->aliasOf) {
+        std::size_t further = 0;
+        for (Type* name = &type; name != nullptr; name = name->aliasOf) {
+            if (const auto known = lengths.find(name); known != lengths.end()) {
+                further = known->second;
+                break;
+            }
             if (onPath.insert(name).second) {
                 path.push_back(name);
                 continue;
@@ -127,14 +125,17 @@ void Resolver::breakNameCycles() {
             path.back()->aliasOf = nullptr;
             break;
         }
-        if (path.size() > LongestChain) {
+        if (!path.empty() && path.size() + further > LongestChain) {
             diagnostics_.error(type.at, "'" + type.name +
                                             "' stands for another name, which stands "
                                             "for another, more than " +
                                             std::to_string(LongestChain) + " times");
             path.back()->aliasOf = nullptr;
+            further = 0;
         }
-        checked.insert(onPath.begin(), onPath.end());
+        for (std::size_t i = 0; i < path.size(); ++i) {
+            lengths[path[i]] = path.size() - i + further;
+        }
     }
 }
 
@@ -528,8 +529,8 @@ void Resolver::checkRemarks() {
                 continue;
             }
             const bool known =
-                std::any_of(std::begin(remarkKeys), std::end(remarkKeys),
-                            [&remark](const char* key) { return remark.key == key; });
+                std::any_of(remarkKinds().begin(), remarkKinds().end(),
+                            [&remark](const RemarkKind& kind) { return remark.key == kind.key; });
             diagnostics_.error(remark.at, known
                                               ? "the remark '" + remark.key + "' does not fit here"
                                               : "the remark '" + remark.key + "' is unknown");

@@ -104,7 +104,8 @@ private:
                     const Location& at, bool first);
     void resolveObject(Object& object, Assignment& assignment);
     void resolveSet(ObjectSet& set, const Assignment& assignment);
-    void addMembers(ObjectSet& set, const Tokens& body, const Module& home, unsigned depth);
+    void addMembers(ObjectSet& set, const Tokens& body, const Module& home);
+    void addMembersOf(ObjectSet& set, const Symbol& other);
     void declareClass(Module& module, Assignment& assignment, ObjectClass& objectClass);
 
     Remark* takeRemark(const Place& place, const char* key) const;
@@ -122,6 +123,7 @@ private:
     std::map<std::string, Instance> instances_;
     std::set<const void*> evaluating_;
     std::size_t expanding_ = 0;
+    bool tooDeep_ = false; ///< told once
     std::size_t filling_ = 0;
     std::map<const Assignment*, std::optional<long long>> numbers_;
     std::map<const Assignment*, std::vector<unsigned>> arcs_;

@@ -46,51 +46,64 @@ std::string saidOf(const std::string& body) {
     return diagnostics.entries().empty() ? "" : diagnostics.entries().front().sentence;
 }
 
+/// Lines that each stand for the one behind them, in which `#` is the number of a line and `$` that
+/// of the next.
+std::string chain(const std::string& line, const std::string& last, bool backwards) {
+    enum { Many = 20000 };
+    std::string all;
+    for (int i = 0; i <= Many; ++i) {
+        const int number = backwards ? Many - i : i;
+        for (const char c : number == Many ? last : line) {
+            all += c == '#'   ? std::to_string(number)
+                   : c == '$' ? std::to_string(number + 1)
+                              : std::string(1, c);
+        }
+        all += '\n';
+    }
+    return all;
+}
+
 // What is endless ends in a sentence, what is merely long in linear time.
 TEST(Diagnostics, DepthAndChains) {
-    enum { Many = 20000 };
     const auto repeated = [](const std::string& text) {
         std::string all;
-        for (int i = 0; i < Many; ++i) {
+        for (int i = 0; i < 20000; ++i) {
             all += text;
         }
         return all;
     };
-    EXPECT_NE(saidOf("A ::= " + repeated("SEQUENCE OF ") + "BOOLEAN\n").find("nests more than"),
-              std::string::npos);
-    EXPECT_NE(saidOf("A ::= " + repeated("CHOICE { a ") + "BOOLEAN\n").find("nests more than"),
-              std::string::npos);
-    EXPECT_NE(saidOf("A ::= INTEGER " + repeated("(") + "\n").find("nests more than"),
-              std::string::npos);
-    const auto chain = [](const char* each, const char* last) {
-        std::string all;
-        for (int i = 0; i < Many; ++i) {
-            const std::string next = std::to_string(i + 1);
-            std::string line = each;
-            for (std::size_t at; (at = line.find('#')) != std::string::npos;) {
-                line.replace(at, 1, next);
-            }
-            for (std::size_t at; (at = line.find('@')) != std::string::npos;) {
-                line.replace(at, 1, std::to_string(i));
-            }
-            all += line + "\n";
-        }
-        std::string line = last;
-        line.replace(line.find('@'), 1, std::to_string(int{Many}));
-        return all + line + "\n";
-    };
-    EXPECT_NE(saidOf(chain("v@ INTEGER ::= v#", "v@ INTEGER ::= 1")).find("more than 1000"),
-              std::string::npos);
-    EXPECT_NE(saidOf(chain("v@ OBJECT IDENTIFIER ::= { v# 1 }", "v@ OBJECT IDENTIFIER ::= { 1 2 }"))
-                  .find("more than 1000"),
-              std::string::npos);
-    EXPECT_NE(saidOf(chain("A@ ::= A#", "A@ ::= BOOLEAN")).find("more than 1000"),
-              std::string::npos);
-    EXPECT_NE(saidOf(chain("A@ ::= SEQUENCE { a A# }", "A@ ::= BOOLEAN")).find("more than 1000"),
-              std::string::npos);
-    EXPECT_NE(saidOf(chain("A@ ::= CHOICE { a A# }", "A@ ::= BOOLEAN")).find("more than 1000"),
-              std::string::npos);
-    EXPECT_EQ(saidOf(chain("A@ ::= SEQUENCE OF A#", "A@ ::= BOOLEAN")), "");
+    const std::string deep[] = {"A ::= " + repeated("SEQUENCE OF ") + "BOOLEAN\n",
+                                "A ::= " + repeated("CHOICE { a ") + "BOOLEAN\n",
+                                "A ::= INTEGER " + repeated("(") + "\n"};
+    for (const std::string& body : deep) {
+        EXPECT_NE(saidOf(body).find("nests more than"), std::string::npos);
+    }
+    const struct {
+        const char* line;
+        const char* last;
+    } chains[] = {
+        {"v# INTEGER ::= v$", "v# INTEGER ::= 1"},
+        {"v# OBJECT IDENTIFIER ::= { v$ 1 }", "v# OBJECT IDENTIFIER ::= { 1 2 }"},
+        {"A# ::= A$", "A# ::= BOOLEAN"},
+        {"A# ::= SEQUENCE { a A$ }", "A# ::= BOOLEAN"},
+        {"A# ::= CHOICE { a A$ }", "A# ::= BOOLEAN"},
+        {"A# ::= CHOICE { a a < A$ }", "A# ::= CHOICE { a BOOLEAN }"},
+        {"A# { T } ::= SEQUENCE { a A$ { T } }",
+         "A# { T } ::= SEQUENCE { a T }\nA ::= A0 { BOOLEAN }"},
+        {"S# TYPE-IDENTIFIER ::= { S$ | s }",
+         "S# TYPE-IDENTIFIER ::= { s }\ns TYPE-IDENTIFIER ::= { NULL IDENTIFIED BY { 1 2 } "
+         "}\nT ::= SEQUENCE { i TYPE-IDENTIFIER.&id ({S0}), v TYPE-IDENTIFIER.&Type "
+         "({S0}{@i}) }"}};
+    for (const auto& [line, last] : chains) {
+        EXPECT_NE(saidOf(chain(line, last, false)).find("more than 1000"), std::string::npos)
+            << line;
+    }
+    for (const std::size_t which : {2u, 3u}) {
+        EXPECT_NE(
+            saidOf(chain(chains[which].line, chains[which].last, true)).find("more than 1000"),
+            std::string::npos);
+    }
+    EXPECT_EQ(saidOf(chain("A# ::= SEQUENCE OF A$", "A# ::= BOOLEAN", false)), "");
     EXPECT_NE(saidOf("F { T } ::= SEQUENCE { a SEQUENCE OF F { F { T } } }\nA ::= F { BOOLEAN }\n")
                   .find("more than 1000"),
               std::string::npos);

@@ -1,11 +1,14 @@
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include <gtest/gtest.h>
+
+#include <notation/remarks.h>
 
 #include "compiler.h"
 #include "writer.h"
@@ -170,6 +173,13 @@ TEST_F(Program, LeavesUnchangedFilesAlone) {
 TEST_F(Program, TellsSuccessFromFailure) {
     EXPECT_EQ(run("--help"), 0);
     EXPECT_EQ(output().rfind("usage: asn1gen", 0), 0u);
+    for (const notation::RemarkKind& kind : notation::remarkKinds()) {
+        EXPECT_NE(output().find("--@ " + kind.key), std::string::npos) << kind.key;
+    }
+    EXPECT_EQ(run("--version"), 0);
+    EXPECT_EQ(output(), "asn1gen " BREVANTIS_VERSION "\n");
+    EXPECT_EQ(run(usual() + directory_.string()), 1);
+    EXPECT_NE(output().find("is a folder"), std::string::npos);
     EXPECT_EQ(run(""), 1);
     EXPECT_EQ(run("--unknown"), 1);
     EXPECT_EQ(run(usual() + "missing.asn1"), 1);
@@ -177,6 +187,19 @@ TEST_F(Program, TellsSuccessFromFailure) {
     EXPECT_EQ(run(usual() + bad.string()), 1);
     EXPECT_EQ(output(), bad.string() + ":2:7: error: type 'B' is neither defined nor imported.\n");
     EXPECT_FALSE(fs::exists(directory_ / "h"));
+    // A warning is told though all is well.
+    const fs::path odd = write("odd.asn1", module("a M\n X ::= 1\n"));
+    EXPECT_EQ(run(usual() + odd.string()), 0);
+    EXPECT_NE(output().find(":2:1: warning: "), std::string::npos) << output();
+}
+
+// The manual page is written by hand.
+TEST(Manual, TellsEveryRemark) {
+    std::string page = readFile(MANUAL_PAGE);
+    page.erase(std::remove(page.begin(), page.end(), '\\'), page.end());
+    for (const notation::RemarkKind& kind : notation::remarkKinds()) {
+        EXPECT_NE(page.find("--@ " + kind.key), std::string::npos) << kind.key;
+    }
 }
 
 } // namespace

@@ -19,7 +19,7 @@ asn1data::IdentifierRange allIdentifiers() noexcept;
 constexpr const char* Definitions = R"(
 
 asn1data::TypeRange allTypes() noexcept {
-    return {sortedTypes, $types};
+    return {$sortedTypes, $types};
 }
 
 const asn1data::TypeDescription* findType(const char* name) noexcept {
@@ -115,6 +115,7 @@ std::string Emitter::catalogue() {
     out.line("} // namespace");
     out.lines(Definitions,
               {{"types", std::to_string(types.size())},
+               {"sortedTypes", types.empty() ? "nullptr" : "sortedTypes"},
                {"sets", std::to_string(sets.size())},
                {"sortedSets", sets.empty() ? "nullptr" : "sortedSets"},
                {"identifiers", std::to_string(identifiers.size())},

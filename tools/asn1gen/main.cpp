@@ -1,33 +1,50 @@
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <sstream>
+
+#include <notation/remarks.h>
 
 #include "compiler.h"
 
 namespace {
 
 const char* const help =
-    "usage: asn1gen --namespace NAME --header-dir DIR --include-prefix PATH --source-dir DIR\n"
-    "               [--export-macro NAME] [--catalogue] MODULE.asn1...\n"
-    "\n"
-    "Compiles ASN.1 modules (X.680 to X.683) that import from each other, in any order. For each "
-    "file\n"
-    "M.asn1 it writes M.h with the records, control classes and functions of its types, M.cpp with "
-    "their\n"
-    "descriptions, and M_types.h, which M.cpp needs. A file that would not change is left alone.\n"
-    "\n"
-    "  --namespace NAME       namespace of what is generated\n"
-    "  --header-dir DIR       where the headers go\n"
-    "  --include-prefix PATH  how they are included: <PATH/M.h>\n"
-    "  --source-dir DIR       where the sources go\n"
-    "  --export-macro NAME    marks what a shared library exports\n"
-    "  --catalogue            also write catalogue.cpp, which finds every description by name\n"
-    "  --help                 print this and exit\n"
-    "\n"
-    "Exit status: 0, or 1 after messages of the form FILE:LINE:COLUMN: error: SENTENCE. What was "
-    "read\n"
-    "otherwise than it stands is told in the same form as a warning.\n";
+    R"(usage: asn1gen --namespace NAME --header-dir DIR --include-prefix PATH --source-dir DIR
+               [--export-macro NAME] [--catalogue] MODULE.asn1...
+
+Compiles ASN.1 modules (X.680 to X.683) that import from each other, in any order. For each file
+M.asn1 it writes M.h with the records, control classes and functions of its types, M.cpp with their
+descriptions, and M_types.h, which M.cpp needs. A file that would not change is left alone.
+
+  --namespace NAME       namespace of what is generated
+  --header-dir DIR       where the headers go
+  --include-prefix PATH  how they are included: <PATH/M.h>
+  --source-dir DIR       where the sources go
+  --export-macro NAME    marks what a shared library exports
+  --catalogue            also write catalogue.cpp, which finds every description by name
+  --help                 print this and exit
+  --version              print the version and exit
+
+Remarks, at the end of the line of what they are for:
+
+)";
+
+const char* const statuses = R"(
+Exit status: 0, or 1 after messages of the form FILE:LINE:COLUMN: error: SENTENCE. What was read
+otherwise than it stands is told in the same form as a warning.
+)";
+
+void printHelp() {
+    std::cout << help;
+    for (const notation::RemarkKind& kind : notation::remarkKinds()) {
+        const std::string remark = "--@ " + kind.key + (kind.value.empty() ? "" : " ") + kind.value;
+        std::cout << "  " << std::left << std::setw(22) << remark << ' ' << std::setw(22) << kind.on
+                  << ' ' << kind.meaning << '\n';
+    }
+    std::cout << statuses;
+}
 
 bool readFile(const std::string& name, std::string& text) {
     std::ifstream in(name, std::ios::binary);
@@ -68,7 +85,11 @@ int run(const std::vector<std::string>& arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (argument == "--help") {
-            std::cout << help;
+            printHelp();
+            return 0;
+        }
+        if (argument == "--version") {
+            std::cout << "asn1gen " ASN1GEN_VERSION "\n";
             return 0;
         }
         if (argument == "--catalogue") {
@@ -108,8 +129,8 @@ int run(const std::vector<std::string>& arguments) {
     asn1gen::Diagnostics diagnostics;
     const std::map<std::string, std::string> generated =
         asn1gen::compile(files, options, diagnostics);
+    diagnostics.print(std::cerr);
     if (diagnostics.failed()) {
-        diagnostics.print(std::cerr);
         return 1;
     }
     for (const auto& [name, text] : generated) {
