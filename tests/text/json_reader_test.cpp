@@ -177,4 +177,17 @@ TEST(JsonReader, LeavesNothingBehindWhenMemoryIsOut) {
     EXPECT_GT(failures, 10);
 }
 
+TEST(JsonReader, KnowsNamesOfOnesOwn) {
+    IdentifierNames names;
+    ASSERT_EQ(names.read("OID = 1 2 3 4\nDescription = my own"), "");
+    OctetStore der;
+    JsonFailure failure;
+    for (const char* json : {R"("my own")", R"({"oid": "1.2.3.4", "name": "my own"})"}) {
+        const asn1data::TypeDescription& type = asn1data::builtin::objectIdentifier;
+        EXPECT_TRUE(encodeJson(type, json, der, failure, {}, names)) << failureText(failure);
+        EXPECT_EQ(tests::toHex(der), "06 03 2A 03 04");
+        EXPECT_FALSE(encodeJson(type, json, der, failure));
+    }
+}
+
 } // namespace

@@ -68,4 +68,34 @@ TEST(Names, DottedFormHasItsBounds) {
     EXPECT_FALSE(readDotted(most + ".3", identifier));
 }
 
+TEST(Names, OfOnesOwnStandInFront) {
+    IdentifierNames names;
+    EXPECT_EQ(
+        names.read("# comment\r\nOID = 1 2 3 4\r\nComment = C\r\nDescription = own (1 2 3 4)\r\n"
+                   "OID = 06 03 55 04 03\nWarning\nDescription = common (name)\n"
+                   "OID = 2.5.4.4\nDescription = id_kp_serverAuth"),
+        "");
+    ASN1OBJID identifier{};
+    const struct {
+        const char* dots;
+        const char* name;
+    } rows[] = {{"1.2.3.4", "own"},
+                {"2.5.4.3", "common (name)"},
+                {"2.5.4.4", "id_kp_serverAuth"},
+                {"2.5.4.5", "id_at_serialNumber"}};
+    for (const auto& row : rows) {
+        ASSERT_TRUE(readDotted(row.dots, identifier));
+        EXPECT_STREQ(names.nameOf(identifier), row.name);
+        EXPECT_TRUE(names.find(row.name, identifier));
+        EXPECT_EQ(dottedText(identifier), row.dots);
+    }
+    EXPECT_TRUE(names.find("id_at_commonName", identifier));
+    EXPECT_STREQ(IdentifierNames::ofLibrary().nameOf(identifier), "id_at_commonName");
+    for (const char* bad :
+         {"OID = 1 2 x", "OID = 06 03 55 04", "OID = 06 03 55 04 03 04", "OID =", "OID = 06 0z",
+          "Description = of nothing", "OID = 1 2 3\nDescription =", "name = 1 2 3"}) {
+        EXPECT_NE(names.read(bad), "") << bad;
+    }
+}
+
 } // namespace

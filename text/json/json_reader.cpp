@@ -65,8 +65,8 @@ public:
     using binary_t = nlohmann::json::binary_t;
 
     Reader(ASN1CTXT* ctxt, const TypeDescription& type, std::string_view text, JsonFailure& failure,
-           const JsonLimits& limits)
-        : builder_(ctxt), primitives_(builder_, *this), tokens_(text), failure_(failure),
+           const JsonLimits& limits, const IdentifierNames& names)
+        : builder_(ctxt), primitives_(builder_, *this, names), tokens_(text), failure_(failure),
           limits_(limits) {
         root_.type = &type;
     }
@@ -663,15 +663,15 @@ std::string failureText(const JsonFailure& failure) {
 }
 
 void* readJson(ASN1CTXT* ctxt, const TypeDescription& type, std::string_view json,
-               JsonFailure& failure, const JsonLimits& limits) {
-    return Reader(ctxt, type, json, failure, limits).run();
+               JsonFailure& failure, const JsonLimits& limits, const IdentifierNames& names) {
+    return Reader(ctxt, type, json, failure, limits, names).run();
 }
 
 bool encodeJson(const TypeDescription& type, std::string_view json, OctetStore& der,
-                JsonFailure& failure, const JsonLimits& limits) {
+                JsonFailure& failure, const JsonLimits& limits, const IdentifierNames& names) {
     der.clear();
     EncodeBuffer buffer;
-    void* const value = readJson(buffer.context(), type, json, failure, limits);
+    void* const value = readJson(buffer.context(), type, json, failure, limits, names);
     if (value == nullptr) {
         return false;
     }

@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include <brevantis/asn1/text/names.h>
 #include <brevantis/asn1/text/value.h>
 
 #include "encode_buffer.h"
@@ -80,10 +79,10 @@ void writeBigNumber(JsonStream& json, const WalkElement& element) {
     json.closeString();
 }
 
-void writeIdentifier(JsonStream& json, const ASN1OBJID& identifier) {
+void writeIdentifier(JsonStream& json, const ASN1OBJID& identifier, const IdentifierNames& names) {
     json.beginObject();
     at(json, "oid").string(dottedText(identifier));
-    at(json, "name").stringOrNull(identifierName(identifier));
+    at(json, "name").stringOrNull(names.nameOf(identifier));
     json.end();
 }
 
@@ -203,7 +202,7 @@ void JsonWriter::writeValue(const WalkElement& element) {
         writeBigNumber(json_, element);
         break;
     case ValueKind::Identifier:
-        writeIdentifier(json_, *element.value.identifier);
+        writeIdentifier(json_, *element.value.identifier, names_);
         break;
     case ValueKind::Time:
         if (const auto iso = isoTime(element)) {

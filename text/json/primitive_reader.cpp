@@ -179,7 +179,7 @@ bool PrimitiveReader::endFields(const Target& target) {
     }
     case ValueKind::Identifier: {
         ASN1OBJID named{};
-        const bool known = fields_.name && findIdentifier(*fields_.name, named);
+        const bool known = fields_.name && names_.find(*fields_.name, named);
         if (fields_.name && !known) {
             return fail("a name that is known, or null", inQuotes(*fields_.name));
         }
@@ -299,7 +299,7 @@ bool PrimitiveReader::setNumber(const Target& target, const Integer& number,
 
 bool PrimitiveReader::setIdentifier(const Target& target, const std::string& text) {
     ASN1OBJID identifier{};
-    if (!readDotted(text, identifier) && !findIdentifier(text, identifier)) {
+    if (!readDotted(text, identifier) && !names_.find(text, identifier)) {
         return fail(wantedText(target), inQuotes(text));
     }
     *static_cast<ASN1TObjId*>(target.value) = identifier;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <brevantis/asn1/asn1data/builder.h>
-#include <brevantis/asn1/runtime/object_identifier.h>
+#include <brevantis/asn1/text/names.h>
 
 #include "token.h"
 
@@ -16,8 +16,9 @@ namespace asn1text {
 /// does not fit is told to the refusals, and the call returns false.
 class PrimitiveReader {
 public:
-    PrimitiveReader(asn1data::Builder& builder, Refusals& refusals)
-        : builder_(builder), refusals_(refusals) {}
+    /// @param names that identifiers may have
+    PrimitiveReader(asn1data::Builder& builder, Refusals& refusals, const IdentifierNames& names)
+        : builder_(builder), refusals_(refusals), names_(names) {}
 
     /// A value of one token.
     bool set(const Target& target, const Token& token);
@@ -75,6 +76,7 @@ private:
 
     asn1data::Builder& builder_;
     Refusals& refusals_;
+    const IdentifierNames& names_;
     Fields fields_;
 };
 

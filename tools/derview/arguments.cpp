@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "escape.h"
+#include "file_octets.h"
 #include "format.h"
 
 namespace derview {
@@ -64,6 +65,21 @@ void addType(CLI::App& app, const std::string& name, const TypeDescription*& typ
         ->type_name("TYPE");
 }
 
+/// Adds the names of a file.
+void readNames(const std::string& path, IdentifierNames& names) {
+    std::string problem;
+    try {
+        const FileOctets file(path);
+        const void* const text = file.octets().data();
+        problem = names.read({static_cast<const char*>(text), file.octets().size()});
+    } catch (const std::system_error& error) {
+        problem = error.code().message();
+    }
+    if (!problem.empty()) {
+        throw CLI::ValidationError("--oids", "'" + path + "': " + problem);
+    }
+}
+
 /// @return what is wrong with the number of a message; empty when nothing is
 std::string checkNumber(const std::string& word) {
     const bool isNumber = word.find_first_not_of("0123456789") == std::string::npos &&
@@ -91,6 +107,17 @@ void addOptions(CLI::App& app, Arguments& arguments) {
     arguments.format = formats.front().second;
     addChoice(app, "--format", arguments.format, formats,
               "How they are shown; der encodes them again");
+    app.add_option_function<std::vector<std::string>>(
+           "--oids",
+           [&arguments](const std::vector<std::string>& paths) {
+               for (const std::string& path : paths) {
+                   readNames(path, arguments.names);
+               }
+           },
+           "Names of identifiers, as dumpasn1 is told them")
+        ->type_name("FILE")
+        ->expected(1)
+        ->take_all();
     app.add_flag("--lines", arguments.lines, "JSON: one message a line");
     app.add_flag("--offsets", arguments.offsets,
                  "Tree: offset, octets of header and of contents in front of each line");

@@ -7,6 +7,7 @@
 
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/asn1data/reading_policy.h>
+#include <brevantis/asn1/text/names.h>
 
 #include "input_reader.h"
 #include "terminal.h"
@@ -37,6 +38,7 @@ struct Arguments {
     const asn1data::TypeDescription* describe = nullptr;
     ColorChoice color = ColorChoice::Auto;
     std::size_t width = 0; ///< columns; 0: as wide as the terminal
+    IdentifierNames names; ///< of identifiers
 
     /// How strictly messages are read.
     asn1data::ReadingPolicy policy() const {

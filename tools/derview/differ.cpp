@@ -32,7 +32,7 @@ struct Field {
 /// Collects the values of a message.
 class FieldCollector : public asn1data::WalkVisitor {
 public:
-    explicit FieldCollector(std::size_t room) : room_(room) {}
+    FieldCollector(std::size_t room, const IdentifierNames& names) : room_(room), names_(names) {}
 
     WalkAction enter(const WalkElement& element) override {
         ends_.enter(element);
@@ -67,7 +67,7 @@ public:
 
 private:
     void add(const WalkElement& element, const char* place) {
-        const ValueText value = valueText(element, room_);
+        const ValueText value = valueText(element, room_, names_);
         fields.push_back({asn1data::pathText(*element.step) + place, element.type,
                           comparable(element),
                           value.text + (value.rest != 0 ? " " + restText(value.rest) : "")});
@@ -90,6 +90,7 @@ private:
     static constexpr std::size_t Endless = std::numeric_limits<std::size_t>::max();
 
     std::size_t room_;
+    const IdentifierNames& names_;
     asn1data::ContentsEnd ends_;
     bool justEntered_ = false;
 };
@@ -100,9 +101,10 @@ bool isWhole(const DiffSide& side) {
 }
 
 /// Collects the values of a message as far as it goes, and writes what it breaks off at.
-std::vector<Field> collect(Output& output, const DiffSide& side, std::size_t room) {
+std::vector<Field> collect(Output& output, const DiffSide& side, std::size_t room,
+                           const IdentifierNames& names) {
     const Message& message = side.message;
-    FieldCollector collector(room);
+    FieldCollector collector(room, names);
     EndFilter present(message.octets.size(), collector);
     const asn1data::WalkResult result = asn1data::walk(
         side.type, message.shown.data(), message.shown.size(), present, message.policy);
@@ -165,7 +167,8 @@ private:
 
 } // namespace
 
-bool diffMessages(Output& output, const DiffSide& one, const DiffSide& other, std::size_t width) {
+bool diffMessages(Output& output, const DiffSide& one, const DiffSide& other, std::size_t width,
+                  const IdentifierNames& names) {
     const std::string title = one.message.place + " and " + other.message.place;
     if (&one.type != &other.type) {
         output.write(Style::Bad, title + ": " + one.type.name + " and " + other.type.name);
@@ -183,8 +186,8 @@ bool diffMessages(Output& output, const DiffSide& one, const DiffSide& other, st
     output.write(Style::Heading, title + ": " + one.type.name);
     output.write("\n");
     constexpr std::size_t marks = 4;
-    const std::vector<Field> left = collect(output, one, width - marks);
-    const std::vector<Field> right = collect(output, other, width - marks);
+    const std::vector<Field> left = collect(output, one, width - marks, names);
+    const std::vector<Field> right = collect(output, other, width - marks, names);
     if (same) {
         output.write("the same octets\n");
         return false;

@@ -1,6 +1,8 @@
 #ifndef DERVIEW_DIFFER_H
 #define DERVIEW_DIFFER_H
 
+#include <brevantis/asn1/text/names.h>
+
 #include "message.h"
 #include "output.h"
 
@@ -16,8 +18,10 @@ struct DiffSide {
 /// Compares two messages field by field, by path, and writes what differs. It keeps the paths of
 /// both in memory. A damaged message is compared as far as it decodes.
 /// @param width columns that a line should keep to
+/// @param names of identifiers
 /// @return whether they decode and are the same, octet for octet
-bool diffMessages(Output& output, const DiffSide& one, const DiffSide& other, std::size_t width);
+bool diffMessages(Output& output, const DiffSide& one, const DiffSide& other, std::size_t width,
+                  const IdentifierNames& names);
 
 } // namespace derview
 

@@ -1,11 +1,9 @@
 #include "identifier_text.h"
 
-#include <brevantis/asn1/text/names.h>
-
 namespace derview {
 
-std::string identifierText(const ASN1OBJID& identifier) {
-    const char* const name = identifierName(identifier);
+std::string identifierText(const ASN1OBJID& identifier, const IdentifierNames& names) {
+    const char* const name = names.nameOf(identifier);
     const std::string dotted = dottedText(identifier);
     return name != nullptr ? std::string(name) + " (" + dotted + ")" : dotted;
 }

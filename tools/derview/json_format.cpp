@@ -31,7 +31,7 @@ void JsonFormat::begin(const View& view) {
     json_.key("size");
     json_.number(static_cast<long long>(view.size()));
     json_.key("value");
-    value_.emplace(json_);
+    value_.emplace(json_, names_);
 }
 
 void JsonFormat::endValue() {

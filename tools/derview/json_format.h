@@ -14,7 +14,8 @@ class JsonFormat : public Format {
 public:
     explicit JsonFormat(const FormatContext& context)
         : json_(context.output,
-                context.arguments.lines ? JsonLayout::OneLine : JsonLayout::Indented) {}
+                context.arguments.lines ? JsonLayout::OneLine : JsonLayout::Indented),
+          names_(context.arguments.names) {}
 
     void begin(const View& view) override;
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override {
@@ -37,6 +38,7 @@ private:
     void writeError(const asn1data::WalkFailure& failure);
 
     JsonStream json_;
+    const IdentifierNames& names_;
     const View* view_ = nullptr;
     std::optional<JsonWriter> value_; ///< while its message is gone through
     bool hasTrailing_ = false;        ///< behind the typed value in an OCTET STRING

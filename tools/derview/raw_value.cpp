@@ -29,10 +29,11 @@ const TypeDescription* builtinType(unsigned char identifier) {
 
 class OneValue : public asn1data::WalkVisitor {
 public:
-    explicit OneValue(std::size_t room) : room_(room) {}
+    OneValue(std::size_t room, const IdentifierNames& names) : room_(room), names_(names) {}
 
     WalkAction primitive(const WalkElement& element) override {
-        result = RawValue{element.type->name, valueKind(element), valueText(element, room_)};
+        result =
+            RawValue{element.type->name, valueKind(element), valueText(element, room_, names_)};
         return WalkAction::Continue;
     }
 
@@ -40,11 +41,13 @@ public:
 
 private:
     std::size_t room_;
+    const IdentifierNames& names_;
 };
 
 } // namespace
 
-std::optional<RawValue> rawValueText(const WalkElement& element, std::size_t room) {
+std::optional<RawValue> rawValueText(const WalkElement& element, std::size_t room,
+                                     const IdentifierNames& names) {
     const asn1data::WalkValue& raw = element.value;
     const TypeDescription* const type = raw.octetCount != 0 ? builtinType(raw.octets[0]) : nullptr;
     if (type == nullptr) {
@@ -52,7 +55,7 @@ std::optional<RawValue> rawValueText(const WalkElement& element, std::size_t roo
     }
     constexpr std::size_t separator = 2;
     const std::size_t name = std::string_view(type->name).size() + separator;
-    OneValue visitor(room > name ? room - name : 0);
+    OneValue visitor(room > name ? room - name : 0, names);
     const asn1data::WalkResult result = asn1data::walk(*type, raw.octets, raw.octetCount, visitor);
     return result.status == 0 && result.consumed == raw.octetCount ? visitor.result : std::nullopt;
 }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include <brevantis/asn1/text/names.h>
 #include <brevantis/asn1/text/value.h>
 
 #include "cut_text.h"
@@ -19,7 +20,8 @@ struct RawValue {
 
 /// Reads an unknown element as the primitive that its universal tag stands for.
 /// @return nothing when it is none, or not a well-formed one
-std::optional<RawValue> rawValueText(const asn1data::WalkElement& element, std::size_t room);
+std::optional<RawValue> rawValueText(const asn1data::WalkElement& element, std::size_t room,
+                                     const IdentifierNames& names);
 
 } // namespace derview
 

@@ -167,7 +167,7 @@ void Session::diff() {
         }
         const DiffSide leftSide{*left, *leftType.type, decoderResult(*left, *leftType.type)};
         const DiffSide rightSide{*right, *rightType.type, decoderResult(*right, *rightType.type)};
-        good_ = diffMessages(output_, leftSide, rightSide, width_) && good_;
+        good_ = diffMessages(output_, leftSide, rightSide, width_, arguments_.names) && good_;
         tellTrailing(leftSide);
         tellTrailing(rightSide);
     }

@@ -156,10 +156,11 @@ void TreeFormat::writeOctets(Octets octets, std::size_t column) {
 void TreeFormat::writeValue(const WalkElement& element, std::size_t column) {
     constexpr std::size_t endless = std::numeric_limits<std::size_t>::max();
     const ValueKind kind = valueKind(element);
-    column = findRoom(column, std::min(columnsOf(valueText(element, LeastRoom).text), LeastRoom));
+    column = findRoom(column,
+                      std::min(columnsOf(valueText(element, LeastRoom, names_).text), LeastRoom));
     const std::size_t room = full_ ? endless : roomAt(column);
     if (kind == ValueKind::Raw) {
-        if (const auto known = rawValueText(element, room)) {
+        if (const auto known = rawValueText(element, room, names_)) {
             if (known->kind != ValueKind::Null) {
                 output_.write(Style::Quiet, known->typeName + ": ");
                 column = findRoom(column + known->typeName.size() + 2,
@@ -177,8 +178,8 @@ void TreeFormat::writeValue(const WalkElement& element, std::size_t column) {
     }
     // A digest or a serial number is worth a second line.
     constexpr std::size_t neverCut = 66;
-    const ValueText value = valueText(element, std::max(room, neverCut));
-    writeText(kind, value.rest == 0 ? value : valueText(element, room), column);
+    const ValueText value = valueText(element, std::max(room, neverCut), names_);
+    writeText(kind, value.rest == 0 ? value : valueText(element, room, names_), column);
 }
 
 void TreeFormat::writeText(ValueKind kind, const ValueText& value, std::size_t column) {

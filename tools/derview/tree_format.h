@@ -16,8 +16,8 @@ namespace derview {
 class TreeFormat : public Format {
 public:
     explicit TreeFormat(const FormatContext& context)
-        : output_(context.output), width_(context.width), offsets_(context.arguments.offsets),
-          full_(context.arguments.full) {}
+        : output_(context.output), width_(context.width), names_(context.arguments.names),
+          offsets_(context.arguments.offsets), full_(context.arguments.full) {}
 
     void begin(const View& view) override;
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
@@ -52,6 +52,7 @@ private:
 
     Output& output_;
     std::size_t width_; ///< columns
+    const IdentifierNames& names_;
     bool offsets_;      ///< in front of each line: offset, octets of header and of contents
     bool full_;         ///< nothing is cut; long values go on in further lines
     bool first_ = true; ///< no message has been written yet

@@ -11,7 +11,7 @@ namespace derview {
 
 using asn1data::WalkElement;
 
-ValueText valueText(const WalkElement& element, std::size_t room) {
+ValueText valueText(const WalkElement& element, std::size_t room, const IdentifierNames& names) {
     switch (valueKind(element)) {
     case ValueKind::Null:
         return {"NULL"};
@@ -22,7 +22,7 @@ ValueText valueText(const WalkElement& element, std::size_t room) {
     case ValueKind::BigNumber:
         return bigNumberText(element, room);
     case ValueKind::Identifier:
-        return {identifierText(*element.value.identifier)};
+        return {identifierText(*element.value.identifier, names)};
     case ValueKind::Time:
         if (auto text = timeText(element)) {
             return {*text};

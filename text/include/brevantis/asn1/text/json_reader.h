@@ -8,6 +8,7 @@
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/runtime/context.h>
 #include <brevantis/asn1/text/export.h>
+#include <brevantis/asn1/text/names.h>
 #include <brevantis/asn1/text/octets.h>
 
 /// @file
@@ -46,21 +47,24 @@ struct JsonLimits {
 /// @param type what the value is
 /// @param json one value, or one object of derview with the value in it
 /// @param failure receives why there is none
+/// @param names that identifiers may have
 /// @return the record that @p type describes, which lives as long as the heap; null after a
 /// failure,
 ///         and then what was read so far lies on the heap
 /// @throws std::bad_alloc
 BREVANTIS_ASN1_TEXT_API void* readJson(ASN1CTXT* ctxt, const asn1data::TypeDescription& type,
                                        std::string_view json, JsonFailure& failure,
-                                       const JsonLimits& limits = {});
+                                       const JsonLimits& limits = {},
+                                       const IdentifierNames& names = IdentifierNames::ofLibrary());
 
 /// Encodes what a text tells.
 /// @param der receives the message; empty after a failure
 /// @return whether there is one
 /// @throws std::bad_alloc
-BREVANTIS_ASN1_TEXT_API bool encodeJson(const asn1data::TypeDescription& type,
-                                        std::string_view json, OctetStore& der,
-                                        JsonFailure& failure, const JsonLimits& limits = {});
+BREVANTIS_ASN1_TEXT_API bool
+encodeJson(const asn1data::TypeDescription& type, std::string_view json, OctetStore& der,
+           JsonFailure& failure, const JsonLimits& limits = {},
+           const IdentifierNames& names = IdentifierNames::ofLibrary());
 
 } // namespace asn1text
 

@@ -9,6 +9,7 @@
 #include <brevantis/asn1/text/export.h>
 #include <brevantis/asn1/text/json_stream.h>
 #include <brevantis/asn1/text/labels.h>
+#include <brevantis/asn1/text/names.h>
 
 /// @file
 /// Messages as JSON, in the form that docs/derview-json.md tells.
@@ -20,7 +21,10 @@ namespace asn1text {
 class BREVANTIS_ASN1_TEXT_API JsonWriter : public asn1data::WalkVisitor {
 public:
     /// @param json receives the value where it stands
-    explicit JsonWriter(JsonStream& json) : json_(json), depth_(json.depth()) {}
+    /// @param names of identifiers; they outlive the object
+    explicit JsonWriter(JsonStream& json,
+                        const IdentifierNames& names = IdentifierNames::ofLibrary())
+        : json_(json), names_(names), depth_(json.depth()) {}
 
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
@@ -39,6 +43,7 @@ private:
     void writeTrailing(const asn1data::WalkElement& element, std::size_t count);
 
     JsonStream& json_;
+    const IdentifierNames& names_;
     std::size_t depth_; ///< of the JSON around
     Labels labels_;
     asn1data::ContentsEnd ends_;

@@ -1,6 +1,7 @@
 #ifndef BREVANTIS_ASN1_TEXT_NAMES_H
 #define BREVANTIS_ASN1_TEXT_NAMES_H
 
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -36,6 +37,36 @@ BREVANTIS_ASN1_TEXT_API const char* identifierSource(const ASN1OBJID& identifier
 /// @param identifier receives the arcs
 /// @return whether there is one
 BREVANTIS_ASN1_TEXT_API bool findIdentifier(std::string_view name, ASN1OBJID& identifier) noexcept;
+
+/// Names of identifiers: one's own, and behind them those of the library.
+class BREVANTIS_ASN1_TEXT_API IdentifierNames {
+public:
+    /// Those of the library alone.
+    static const IdentifierNames& ofLibrary() noexcept;
+
+    /// Adds a name, in front of those that the identifier or the name has already.
+    /// @throws std::bad_alloc
+    void add(const ASN1OBJID& identifier, std::string_view name);
+
+    /// Adds the names of a configuration file of the program dumpasn1: for each identifier a line
+    /// "OID = 2 5 29 14" (its arcs, or its encoding in hexadecimal digits, "06 03 55 1D 0E") and a
+    /// line "Description = name", on which arcs may stand in parentheses; other lines between them
+    /// and comments behind "#" are passed over.
+    /// @return nothing, or what is wrong: "line 7: no object identifier"
+    /// @throws std::bad_alloc
+    std::string read(std::string_view configuration);
+
+    /// @return a text that lives as long as the object; null when the identifier has no name
+    /// @throws std::bad_alloc
+    const char* nameOf(const ASN1OBJID& identifier) const;
+
+    /// @return whether the name has an identifier
+    bool find(std::string_view name, ASN1OBJID& identifier) const;
+
+private:
+    std::map<std::string, std::string, std::less<>> names_; ///< by the dotted form
+    std::map<std::string, std::string, std::less<>> dots_;  ///< by the name
+};
 
 } // namespace asn1text
 
