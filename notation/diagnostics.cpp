@@ -14,18 +14,21 @@ void Diagnostics::add(const Location& at, const std::string& sentence, bool warn
     }
 }
 
-void Diagnostics::print(std::ostream& out) const {
-    // Files keep the order in which they were first complained about.
+std::vector<Diagnostics::Entry> Diagnostics::sorted() const {
     std::map<std::string, std::size_t> order;
     for (const Entry& entry : entries_) {
         order.emplace(entry.at.file, order.size());
     }
-    std::vector<Entry> sorted = entries_;
-    std::stable_sort(sorted.begin(), sorted.end(), [&order](const Entry& a, const Entry& b) {
+    std::vector<Entry> entries = entries_;
+    std::stable_sort(entries.begin(), entries.end(), [&order](const Entry& a, const Entry& b) {
         return std::tuple(order[a.at.file], a.at.line, a.at.column) <
                std::tuple(order[b.at.file], b.at.line, b.at.column);
     });
-    for (const Entry& entry : sorted) {
+    return entries;
+}
+
+void Diagnostics::print(std::ostream& out) const {
+    for (const Entry& entry : sorted()) {
         out << entry.at.file << ':' << entry.at.line << ':' << entry.at.column
             << (entry.warning ? ": warning: " : ": error: ") << entry.sentence << ".\n";
     }

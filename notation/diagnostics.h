@@ -35,6 +35,8 @@ public:
     /// Whether there are errors; warnings do not count.
     bool failed() const { return failed_; }
     const std::vector<Entry>& entries() const { return entries_; }
+    /// They in the order of the text; files in the order in which they were first complained about.
+    std::vector<Entry> sorted() const;
 
     /// Prints "file:line:column: error: sentence." for each entry, or "warning", in the order of
     /// the text.

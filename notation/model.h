@@ -46,6 +46,12 @@ struct Range {
 
 using Octets = std::bitset<256>;
 
+/// What a value takes in memory, in octets.
+struct Extent {
+    unsigned size = 0;
+    unsigned alignment = 0; ///< 0: not settled
+};
+
 struct Module;
 struct Type;
 struct ObjectSet;
@@ -71,6 +77,10 @@ struct Element {
     std::optional<std::string> defaultText;
     bool ambiguous = false; ///< it may begin as another element does
     bool hasSlot = false;   ///< an OCTET STRING with the slot of its typed value behind it
+
+    // Settled by layOutRecords.
+    unsigned offset = 0;     ///< in the record; of the union in a CHOICE
+    unsigned slotOffset = 0; ///< of the typed value, with `hasSlot`
 
     /// The tag that stands for an alternative of a CHOICE, 0 where only its first octet tells.
     unsigned matchTag() const;
@@ -119,6 +129,13 @@ struct Type {
     bool holdsMemory = false;
     bool closesRecursion = false;
     Octets identifiers;
+
+    // Settled by layOutRecords.
+    Extent extent;
+    unsigned countOffset = 0;    ///< of the count, or of a CHOICE's selector
+    unsigned dataOffset = 0;     ///< of what the count is of, or of the union
+    unsigned presenceOffset = 0; ///< of `m`, with OPTIONAL elements
+    unsigned extensionOffset = 0;
 
     /// The type that the name stands for in the end.
     const Type& target() const { return aliasOf != nullptr ? aliasOf->target() : *this; }
