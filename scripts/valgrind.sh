@@ -21,7 +21,8 @@ check() {
     name=$(basename "$program")
     # Some programs have allocation functions of their own, which are to be left in place.
     timeout "$seconds" valgrind -q --soname-synonyms=somalloc=nouserintercepts \
-        --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite "$program" --gtest_brief=1 >"$logs/$name" 2>&1 || status=$?
+        --suppressions="$root/scripts/valgrind.supp" --error-exitcode=99 --leak-check=full \
+        --errors-for-leak-kinds=definite "$program" --gtest_brief=1 >"$logs/$name" 2>&1 || status=$?
     case $status in
         0) printf '%-32s good\n' "$name" ;;
         124) printf '%-32s not in %s seconds\n' "$name" "$seconds" ;;
@@ -32,7 +33,7 @@ check() {
     esac
 }
 export -f check
-export seconds logs
+export seconds logs root
 
 printf '%s\0' "$root"/build/release/bin/*_test | xargs -0 -n 1 -P "$jobs" bash -c 'check "$1"' check
 [[ ! -e $logs/bad ]]
