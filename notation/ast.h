@@ -233,6 +233,7 @@ struct ImportNode {
 /// What the modules of a file have in common.
 struct FileNode {
     std::string name; ///< as given
+    // The compiler's own, for what it makes of the file.
     std::string stem; ///< file name without directory and extension
     std::string digest;
     TokenStream stream;

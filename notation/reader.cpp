@@ -7,29 +7,14 @@
 #include "resolver.h"
 
 namespace notation {
-namespace {
-
-std::string stemOf(const std::string& file) {
-    const std::size_t slash = file.find_last_of("/\\");
-    const std::string name = slash == std::string::npos ? file : file.substr(slash + 1);
-    return name.substr(0, name.rfind('.'));
-}
-
-} // namespace
 
 bool readModules(const std::vector<SourceFile>& files, Model& model, Diagnostics& diagnostics) {
     std::set<std::string> names;
-    std::set<std::string> stems;
     for (const SourceFile& source : files) {
         File& file = model.files.emplace_back();
         file.node = std::make_shared<FileNode>();
         file.node->name = source.name;
-        file.node->stem = stemOf(source.name);
         file.node->stream = tokenize(source.name, source.text, diagnostics);
-        const Location start{source.name, 1, 1};
-        if (!stems.insert(file.node->stem).second) {
-            diagnostics.error(start, "a second file '" + file.node->stem + "'");
-        }
         std::size_t next = 0;
         do {
             auto module = std::make_unique<Module>();

@@ -405,10 +405,13 @@ bool Reader::envelopeValue(const Token& token) {
     if (frames_.back().key != "type") {
         return true;
     }
-    const TypeDescription* const told =
-        token.kind == Token::Kind::Text ? asn1data::findType(token.text->c_str()) : nullptr;
-    const bool same = told == root_.type || (told != nullptr && told->aliasOf == root_.type) ||
-                      (root_.type->aliasOf != nullptr && told == root_.type->aliasOf);
+    const auto isCalled = [&token](const TypeDescription* type) {
+        return type != nullptr && *token.text == type->name;
+    };
+    const bool isText = token.kind == Token::Kind::Text;
+    const TypeDescription* const told = isText ? asn1data::findType(token.text->c_str()) : nullptr;
+    const bool same = isText && (isCalled(root_.type) || isCalled(root_.type->aliasOf) ||
+                                 (told != nullptr && told->aliasOf == root_.type));
     return same || fail("the type " + std::string(root_.type->name), foundText(token));
 }
 

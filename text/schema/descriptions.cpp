@@ -96,6 +96,13 @@ void Descriptions::describe() {
     }
 }
 
+asn1data::IdentifierDescription Descriptions::describe(const notation::Identifier& identifier) {
+    auto* const id = arena_.array<ASN1OBJID>(1);
+    id->numids = static_cast<unsigned>(identifier.arcs.size());
+    std::copy(identifier.arcs.begin(), identifier.arcs.end(), id->subid);
+    return {arena_.text(identifier.name), id};
+}
+
 const TypeDescription* Descriptions::of(const notation::Type& type) const {
     return type.builtin ? builtinType(type.name) : types_.at(&type);
 }

@@ -30,6 +30,8 @@ public:
     /// Describes all that was added: types and sets name each other.
     void describe();
 
+    asn1data::IdentifierDescription describe(const notation::Identifier& identifier);
+
     const asn1data::TypeDescription* of(const notation::Type& type) const;
     const asn1data::ObjectSetDescription* of(const notation::ObjectSet& set) const;
 

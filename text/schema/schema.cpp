@@ -26,6 +26,7 @@ struct Schema::Tables {
     Arena arena;
     std::vector<const TypeDescription*> types;
     std::vector<const ObjectSetDescription*> sets;
+    std::vector<asn1data::IdentifierDescription> identifiers;
     /// By `Module.Type`, and by `Type` where that is all.
     std::map<std::string, const TypeDescription*, std::less<>> byName;
 };
@@ -170,12 +171,23 @@ private:
             for (const notation::ObjectSet* set : module->sets) {
                 tables.sets.push_back(descriptions.of(*set));
             }
+            for (const notation::Identifier& identifier : module->identifiers) {
+                tables.identifiers.push_back(descriptions.describe(identifier));
+            }
         }
         const auto byName = [](const auto* one, const auto* other) {
             return std::strcmp(one->name, other->name) < 0;
         };
         std::sort(tables.types.begin(), tables.types.end(), byName);
         std::stable_sort(tables.sets.begin(), tables.sets.end(), byName);
+        std::stable_sort(tables.identifiers.begin(), tables.identifiers.end(),
+                         [](const auto& one, const auto& other) {
+                             const ASN1OBJID& left = *one.identifier;
+                             const ASN1OBJID& right = *other.identifier;
+                             return std::lexicographical_compare(
+                                 left.subid, left.subid + left.numids, right.subid,
+                                 right.subid + right.numids);
+                         });
     }
 
     void refuse(const std::string& sentence) {
@@ -201,6 +213,10 @@ const TypeDescription* Schema::findType(std::string_view name) const {
 
 asn1data::ObjectSetRange Schema::objectSets() const noexcept {
     return {tables_->sets.data(), tables_->sets.size()};
+}
+
+asn1data::IdentifierRange Schema::identifiers() const noexcept {
+    return {tables_->identifiers.data(), tables_->identifiers.size()};
 }
 
 std::string messageText(const SchemaMessage& message) {

@@ -1,6 +1,7 @@
 #include "compiler.h"
 
 #include <cstdint>
+#include <set>
 
 namespace asn1gen {
 namespace {
@@ -18,15 +19,28 @@ std::string digestOf(const std::string& text) {
     return digest;
 }
 
+std::string stemOf(const std::string& file) {
+    const std::size_t slash = file.find_last_of("/\\");
+    const std::string name = slash == std::string::npos ? file : file.substr(slash + 1);
+    return name.substr(0, name.rfind('.'));
+}
+
 } // namespace
 
 std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
                                            const Options& options, Diagnostics& diagnostics) {
+    std::set<std::string> stems;
+    for (const SourceFile& file : files) {
+        if (!stems.insert(stemOf(file.name)).second) {
+            diagnostics.error({file.name, 1, 1}, "a second file '" + stemOf(file.name) + "'");
+        }
+    }
     Model model;
     if (!readModules(files, model, diagnostics)) {
         return {};
     }
     for (std::size_t i = 0; i < files.size(); ++i) {
+        model.files[i].node->stem = stemOf(files[i].name);
         model.files[i].node->digest = digestOf(files[i].text);
     }
     std::map<std::string, std::string> generated;

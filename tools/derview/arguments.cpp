@@ -1,6 +1,8 @@
 #include "arguments.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 
 #include <CLI/CLI.hpp>
@@ -49,13 +51,14 @@ void addChoice(CLI::App& app, const std::string& name, Value& value, const Choic
         ->type_name(words);
 }
 
-/// An option that takes the name of a type.
+/// An option that takes the name of a type: of the modules given, or of the catalogue.
 void addType(CLI::App& app, const std::string& name, const TypeDescription*& type,
-             const std::string& description) {
+             const Arguments& arguments, const std::string& description) {
     app.add_option_function<std::string>(
            name,
-           [name, &type](const std::string& word) {
-               type = asn1data::findType(word.c_str());
+           [name, &type, &arguments](const std::string& word) {
+               type = arguments.schema != nullptr ? arguments.schema->findType(word) : nullptr;
+               type = type != nullptr ? type : asn1data::findType(word.c_str());
                if (type == nullptr) {
                    throw CLI::ValidationError(name, "'" + escapeName(word) +
                                                         "' is no type; --list-types tells them");
@@ -63,6 +66,51 @@ void addType(CLI::App& app, const std::string& name, const TypeDescription*& typ
            },
            description)
         ->type_name("TYPE");
+}
+
+/// The modules of a file, or of all files of modules in a folder.
+void addModules(const std::string& path, std::vector<SchemaText>& texts) {
+    namespace fs = std::filesystem;
+    std::vector<std::string> paths = {path};
+    std::error_code none;
+    if (fs::is_directory(path, none)) {
+        paths.clear();
+        for (const auto& entry : fs::directory_iterator(path)) {
+            const fs::path ending = entry.path().extension();
+            if (ending == ".asn1" || ending == ".asn") {
+                paths.push_back(entry.path().string());
+            }
+        }
+        std::sort(paths.begin(), paths.end());
+    }
+    for (const std::string& each : paths) {
+        const FileOctets file(each);
+        const Octets octets = file.octets();
+        texts.push_back({each, std::string(octets.begin(), octets.end())});
+    }
+}
+
+/// Reads modules. What is wrong with them is told on standard error.
+void readModules(const std::vector<std::string>& paths, Arguments& arguments) {
+    std::vector<SchemaText> texts;
+    for (const std::string& path : paths) {
+        try {
+            addModules(path, texts);
+        } catch (const std::system_error& error) {
+            throw CLI::ValidationError("--schema", "'" + path + "': " + error.code().message());
+        }
+    }
+    std::vector<SchemaMessage> messages;
+    arguments.schema = readSchema(texts, messages);
+    if (arguments.schema == nullptr) {
+        for (const SchemaMessage& message : messages) {
+            std::fprintf(stderr, "%s\n", escapeName(messageText(message)).c_str());
+        }
+        throw CLI::ValidationError("--schema", "the modules cannot be read");
+    }
+    for (const asn1data::IdentifierDescription& each : arguments.schema->identifiers()) {
+        arguments.names.add(*each.identifier, each.name);
+    }
 }
 
 /// Adds the names of a file.
@@ -89,7 +137,14 @@ std::string checkNumber(const std::string& word) {
 
 void addOptions(CLI::App& app, Arguments& arguments) {
     app.add_option("FILE", arguments.files, "Files to read; none or \"-\" is standard input");
-    addType(app, "--type", arguments.type, "What the messages are; recognised if left out");
+    // In front of the options that go by it: they are looked at in this order.
+    app.add_option_function<std::vector<std::string>>(
+           "--schema",
+           [&arguments](const std::vector<std::string>& paths) { readModules(paths, arguments); },
+           "ASN.1 modules with types of one's own, or a folder of them")
+        ->type_name("FILE");
+    addType(app, "--type", arguments.type, arguments,
+            "What the messages are; recognised if left out");
     addChoice<InputForm>(app, "--input", arguments.input,
                          {{"auto", InputForm::Auto},
                           {"der", InputForm::Der},
@@ -117,6 +172,7 @@ void addOptions(CLI::App& app, Arguments& arguments) {
            "Names of identifiers, as dumpasn1 is told them")
         ->type_name("FILE")
         ->expected(1)
+        ->allow_extra_args(false)
         ->take_all();
     app.add_flag("--lines", arguments.lines, "JSON: one message a line");
     app.add_flag("--offsets", arguments.offsets,
@@ -133,7 +189,7 @@ void addOptions(CLI::App& app, Arguments& arguments) {
     app.add_flag("--der", arguments.der, "Refuse what is not DER");
     app.add_flag("--diff", arguments.diff, "Compare the messages of two files, field by field");
     app.add_flag("--list-types", arguments.listTypes, "Names of all types");
-    addType(app, "--describe", arguments.describe, "The ASN.1 of a type");
+    addType(app, "--describe", arguments.describe, arguments, "The ASN.1 of a type");
     addChoice<ColorChoice>(app, "--color", arguments.color,
                            {{"auto", ColorChoice::Auto},
                             {"always", ColorChoice::Always},
@@ -151,6 +207,10 @@ const char* contradiction(const Arguments& arguments) {
                       (arguments.describe != nullptr ? 1 : 0);
     if (modes > 1) {
         return "--check and --lint, --at, --diff, --list-types and --describe exclude each other";
+    }
+    if (arguments.schema != nullptr && arguments.type == nullptr && !arguments.listTypes &&
+        arguments.describe == nullptr) {
+        return "--schema needs --type, --list-types or --describe";
     }
     if ((arguments.listTypes || arguments.describe != nullptr) && !arguments.files.empty()) {
         return "--list-types and --describe take no files";

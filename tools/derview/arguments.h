@@ -1,6 +1,7 @@
 #ifndef DERVIEW_ARGUMENTS_H
 #define DERVIEW_ARGUMENTS_H
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/asn1data/reading_policy.h>
 #include <brevantis/asn1/text/names.h>
+#include <brevantis/asn1/text/schema.h>
 
 #include "input_reader.h"
 #include "terminal.h"
@@ -20,6 +22,8 @@ struct FormatDescription;
 struct Arguments {
     std::vector<std::string> files; ///< "-" is standard input; never empty
     InputForm input = InputForm::Auto;
+    /// Types of one's own; null without.
+    std::shared_ptr<const Schema> schema;
     const asn1data::TypeDescription* type = nullptr; ///< null: recognised
     const FormatDescription* format = nullptr;       ///< how messages are written; never null
     bool lines = false;

@@ -175,7 +175,8 @@ void Session::diff() {
 
 int Session::run() {
     if (arguments_.listTypes) {
-        listTypes(output_);
+        listTypes(output_,
+                  arguments_.schema != nullptr ? arguments_.schema->types() : asn1data::allTypes());
     } else if (arguments_.describe != nullptr) {
         describeType(output_, *arguments_.describe);
     } else if (arguments_.diff) {

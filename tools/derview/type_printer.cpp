@@ -14,6 +14,10 @@ namespace {
 
 constexpr std::size_t NameColumns = 42;
 
+bool hasStandard(const TypeDescription& type) {
+    return type.standard != nullptr && *type.standard != '\0';
+}
+
 std::string identifierOf(const asn1data::ObjectDescription& object) {
     ASN1OBJID identifier{};
     for (unsigned i = 0; i < object.arcCount && i < std::size(identifier.subid); ++i) {
@@ -39,11 +43,11 @@ void describeObjects(Output& output, const asn1data::ObjectSetDescription& objec
 
 } // namespace
 
-void listTypes(Output& output) {
-    for (const TypeDescription* const type : asn1data::allTypes()) {
+void listTypes(Output& output, const asn1data::TypeRange& types) {
+    for (const TypeDescription* const type : types) {
         const std::string_view name = type->name;
         output.write(Style::Name, name);
-        if (type->standard != nullptr) {
+        if (hasStandard(*type)) {
             output.fill(name.size() < NameColumns - 2 ? NameColumns - name.size() : 2);
             output.write(Style::Quiet, type->standard);
         }
@@ -52,7 +56,7 @@ void listTypes(Output& output) {
 }
 
 void describeType(Output& output, const TypeDescription& type) {
-    if (type.standard != nullptr) {
+    if (hasStandard(type)) {
         output.write(Style::Quiet, std::string("-- ") + type.standard + "\n");
     }
     output.write(Style::Name, type.name);

@@ -8,7 +8,7 @@
 namespace derview {
 
 /// Writes the name of each type and where it is published, a line each.
-void listTypes(Output& output);
+void listTypes(Output& output, const asn1data::TypeRange& types);
 
 /// Writes a type's ASN.1, what its open value can be, and where it is published.
 void describeType(Output& output, const asn1data::TypeDescription& type);

@@ -12,10 +12,10 @@ _derview() {
         --format) words="tree json der" ;;
         --input) words="auto der pem base64 hex" ;;
         --color) words="auto always never" ;;
-        --at | --message | --oids | --width) return ;;
+        --at | --message | --oids | --schema | --width) return ;;
         *)
             if [[ $current == -* ]]; then
-                words="--help --version --type --input --message --format --oids --lines --offsets --full --at --raw
+                words="--help --version --schema --type --input --message --format --oids --lines --offsets --full --at --raw
                     --check --lint --tolerant --exact --der --diff --list-types --describe --color --width"
             fi
             ;;

@@ -5,6 +5,7 @@ end
 
 complete -c derview -s h -l help -f -d 'tell how it is used'
 complete -c derview -l version -f -d 'tell the version'
+complete -c derview -l schema -r -F -d 'ASN.1 modules with types of one\'s own'
 complete -c derview -l type -x -a '(__derview_types)' -d 'what the messages are'
 complete -c derview -l input -x -a 'auto der pem base64 hex' -d 'how the files hold them'
 complete -c derview -l message -x -d 'look at one message of each file only'

@@ -71,6 +71,9 @@ public:
     /// All object sets, sorted by name.
     asn1data::ObjectSetRange objectSets() const noexcept;
 
+    /// Identifiers that the modules give names, sorted by their arcs.
+    asn1data::IdentifierRange identifiers() const noexcept;
+
 private:
     friend class SchemaReader;
     struct Tables;
