@@ -8,15 +8,18 @@ is an object there is a dict here. Every thread has a handle of its own.
 from __future__ import annotations
 
 import json
+import os
 from typing import Any, Dict, Iterator, List, NamedTuple, Optional, Union
 
-from ._library import Asn1Error, Handle, Octets, handle, library_version, type_names
+from . import _library
+from ._library import Asn1Error, Handle, Octets, handle, library_version
 
 __all__ = [
     "Asn1Error",
     "Message",
     "Span",
     "Value",
+    "add_schema",
     "check",
     "decode",
     "encode",
@@ -56,7 +59,20 @@ def version() -> str:
 
 def types() -> List[str]:
     """Names of all types, sorted."""
-    return list(type_names())
+    return handle().type_names()
+
+
+def add_schema(*paths: Union[str, "os.PathLike[str]"], **texts: str) -> None:
+    """Reads ASN.1 modules, which may import from each other: their types are known from now on.
+
+    paths: of files of modules; texts: modules by the name that failures show
+    Asn1Error tells where a module is wrong, a line each.
+    """
+    files = dict(texts)
+    for path in paths:
+        with open(path, encoding="utf-8", errors="replace") as file:
+            files[os.fspath(path)] = file.read()
+    _library.add_schema(files)
 
 
 def recognise(octets: Octets, label: Optional[str] = None) -> str:

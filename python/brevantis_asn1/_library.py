@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import ctypes
 import functools
+import itertools
 import os
 import threading
 from ctypes import POINTER, byref, c_char_p, c_int, c_size_t, c_uint, c_void_p
@@ -12,6 +13,11 @@ from typing import Dict, Iterator, List, Optional, Tuple, Union
 Octets = Union[bytes, bytearray, memoryview]
 
 _WRITE = ctypes.CFUNCTYPE(c_int, c_void_p, c_void_p, c_size_t)
+
+
+class _SchemaText(ctypes.Structure):
+    _fields_ = [("name", c_char_p), ("text", c_char_p), ("size", c_size_t)]
+
 
 _FUNCTIONS = {
     "basn1_version": (c_char_p, []),
@@ -22,6 +28,9 @@ _FUNCTIONS = {
     "basn1_find_type": (c_void_p, [c_char_p]),
     "basn1_type_at": (c_void_p, [c_size_t]),
     "basn1_type_name": (c_char_p, [c_void_p]),
+    "basn1_add_schema": (c_int, [c_void_p, POINTER(_SchemaText), c_size_t]),
+    "basn1_schema_type": (c_void_p, [c_void_p, c_char_p]),
+    "basn1_schema_type_at": (c_void_p, [c_void_p, c_size_t]),
     "basn1_recognise": (c_int, [c_void_p, c_char_p, c_size_t, c_char_p, POINTER(c_void_p)]),
     "basn1_check": (c_int, [c_void_p, c_void_p, c_char_p, c_size_t]),
     "basn1_to_der": (
@@ -99,17 +108,6 @@ def _types() -> Dict[str, int]:
         found[library.basn1_type_name(pointer).decode()] = pointer
 
 
-def type_names() -> List[str]:
-    return list(_types())
-
-
-def _type(name: str) -> int:
-    pointer = _types().get(name)
-    if pointer is None:
-        raise ValueError("there is no type " + repr(name))
-    return pointer
-
-
 def _octets(octets: Octets) -> bytes:
     return octets if isinstance(octets, bytes) else bytes(octets)
 
@@ -121,6 +119,8 @@ class Handle:
         self._library = _library()
         self._handle = c_void_p()
         self._policy = 0
+        self._types = _types()
+        self.schemas = 0
         if self._library.basn1_open(byref(self._handle)) != 0:
             raise MemoryError
 
@@ -138,6 +138,29 @@ class Handle:
         )
         offset = self._library.basn1_failure_offset(self._handle)
         raise Asn1Error(whole, status, name, offset, path, expected, found)
+
+    def add_schema(self, texts: Dict[str, str]) -> None:
+        coded = [(name.encode(), text.encode("utf-8")) for name, text in texts.items()]
+        files = (_SchemaText * len(coded))(*((name, text, len(text)) for name, text in coded))
+        self._require(self._library.basn1_add_schema(self._handle, files, len(coded)))
+        self.schemas += 1
+        self._types = dict(_types())
+        for index in itertools.count():
+            pointer = self._library.basn1_schema_type_at(self._handle, index)
+            if pointer is None:
+                break
+            self._types[self._library.basn1_type_name(pointer).decode()] = pointer
+
+    def type_names(self) -> List[str]:
+        return sorted(self._types)
+
+    def _type(self, name: str) -> int:
+        pointer = self._types.get(name)
+        if pointer is None:
+            pointer = self._library.basn1_schema_type(self._handle, name.encode())
+        if pointer is None:
+            raise ValueError("there is no type " + repr(name))
+        return pointer
 
     def _set_policy(self, policy: int) -> None:
         if policy != self._policy:
@@ -162,7 +185,7 @@ class Handle:
         message = _octets(octets)
         self._set_policy(policy)
         self._require(
-            self._library.basn1_check(self._handle, _type(type), message, len(message))
+            self._library.basn1_check(self._handle, self._type(type), message, len(message))
         )
 
     def to_json(self, octets: Octets, type: str, indented: bool, policy: int) -> str:
@@ -176,7 +199,7 @@ class Handle:
 
         self._require(
             self._library.basn1_to_json(
-                self._handle, _type(type), message, len(message), indented, _WRITE(write), None
+                self._handle, self._type(type), message, len(message), indented, _WRITE(write), None
             )
         )
         return b"".join(pieces).decode("ascii")
@@ -192,7 +215,7 @@ class Handle:
         octets, size = c_void_p(), c_size_t()
         self._require(
             self._library.basn1_from_json(
-                self._handle, _type(type), coded, len(coded), byref(octets), byref(size)
+                self._handle, self._type(type), coded, len(coded), byref(octets), byref(size)
             )
         )
         return self._take(octets, size)
@@ -203,7 +226,7 @@ class Handle:
         der, size = c_void_p(), c_size_t()
         self._require(
             self._library.basn1_to_der(
-                self._handle, _type(type), message, len(message), byref(der), byref(size)
+                self._handle, self._type(type), message, len(message), byref(der), byref(size)
             )
         )
         return self._take(der, size)
@@ -214,7 +237,7 @@ class Handle:
         self._require(
             self._library.basn1_find(
                 self._handle,
-                _type(type),
+                self._type(type),
                 message,
                 len(message),
                 path.encode(),
@@ -229,7 +252,7 @@ class Handle:
         path = c_char_p()
         self._require(
             self._library.basn1_path_at(
-                self._handle, _type(type), message, len(message), offset, byref(path)
+                self._handle, self._type(type), message, len(message), offset, byref(path)
             )
         )
         return (path.value or b"").decode()
@@ -258,11 +281,21 @@ class Handle:
 
 
 _local = threading.local()
+_lock = threading.Lock()
+_schemas: List[Dict[str, str]] = []
 
 
 def handle() -> Handle:
-    """The handle of this thread."""
+    """The handle of this thread, with all schemas that were added."""
     used = getattr(_local, "handle", None)
     if used is None:
         used = _local.handle = Handle()
+    while used.schemas < len(_schemas):
+        used.add_schema(_schemas[used.schemas])
     return used
+
+
+def add_schema(texts: Dict[str, str]) -> None:
+    with _lock:
+        handle().add_schema(texts)
+        _schemas.append(texts)

@@ -175,6 +175,40 @@ static void check_messages(basn1_handle* handle) {
 }
 
 /* Null in every place is a status or null. */
+static void check_schemas(basn1_handle* handle) {
+    static const unsigned char message[] = {0x30, 0x08, 0x02, 0x01, 0x05,
+                                            0x06, 0x03, 0x2A, 0x03, 0x04};
+    static const char json[] =
+        "{\"number\":5,\"kind\":{\"oid\":\"1.2.3.4\",\"name\":\"id_mine\"}}\n";
+    static const char own[] =
+        "Own DEFINITIONS ::= BEGIN IMPORTS Number FROM Other;\n"
+        "id-mine OBJECT IDENTIFIER ::= { 1 2 3 4 }\n"
+        "Extension ::= SEQUENCE { number Number, kind OBJECT IDENTIFIER } END";
+    static const char other[] = "Other DEFINITIONS ::= BEGIN Number ::= INTEGER (0..9) END";
+    const basn1_schema_text texts[] = {{"own", own, sizeof own - 1},
+                                       {"other", other, sizeof other - 1}};
+    struct text text = {"", 0, -1};
+    unsigned char* der = NULL;
+    size_t size = 0;
+    CHECK(basn1_schema_type(handle, "Extension") == basn1_find_type("Extension"));
+    CHECK(basn1_schema_type_at(handle, 0) == NULL);
+    CHECK(basn1_add_schema(handle, texts, 1) == BASN1_BAD_VALUE);
+    CHECK(is_text(basn1_failure_text(handle, BASN1_FAILURE_PATH), "own:1:47"));
+    CHECK(basn1_schema_type_at(handle, 0) == NULL);
+    CHECK(basn1_add_schema(handle, texts, 2) == 0);
+    CHECK(is_text(basn1_type_name(basn1_schema_type_at(handle, 1)), "Number"));
+    CHECK(basn1_schema_type_at(handle, 2) == NULL);
+    CHECK(basn1_schema_type(handle, "Certificate") == basn1_find_type("Certificate"));
+    const basn1_type* type = basn1_schema_type(handle, "Extension");
+    CHECK(type == basn1_schema_type_at(handle, 0) &&
+          type == basn1_schema_type(handle, "Own.Extension"));
+    CHECK(basn1_to_json(handle, type, message, sizeof message, 0, collect, &text) == 0);
+    CHECK(is_text(text.octets, json));
+    CHECK(basn1_from_json(handle, type, json, sizeof json - 1, &der, &size) == 0);
+    CHECK(size == sizeof message && memcmp(der, message, size) == 0);
+    basn1_free(der);
+}
+
 static void check_null(basn1_handle* handle, const basn1_type* type) {
     enum { WRONG = BASN1_INVALID_PARAMETER };
     unsigned char* der = NULL;
@@ -214,6 +248,15 @@ static void check_null(basn1_handle* handle, const basn1_type* type) {
     CHECK(basn1_from_json(handle, type, NULL, 0, &der, &size) == BASN1_BAD_VALUE);
     CHECK(basn1_from_json(handle, type, "{}", 2, NULL, &size) == WRONG);
     CHECK(basn1_from_json(handle, type, "{}", 2, &der, NULL) == WRONG);
+    const basn1_schema_text unnamed = {NULL, "", 0};
+    const basn1_schema_text absent = {"own", NULL, 1};
+    CHECK(basn1_add_schema(NULL, &unnamed, 1) == WRONG);
+    CHECK(basn1_add_schema(handle, NULL, 1) == WRONG);
+    CHECK(basn1_add_schema(handle, &unnamed, 0) == WRONG);
+    CHECK(basn1_add_schema(handle, &unnamed, 1) == WRONG);
+    CHECK(basn1_add_schema(handle, &absent, 1) == WRONG);
+    CHECK(basn1_schema_type(NULL, "A") == NULL && basn1_schema_type(handle, NULL) == NULL);
+    CHECK(basn1_schema_type_at(NULL, 0) == NULL);
     CHECK(basn1_find(NULL, type, extension, 2, "", &size, &size) == WRONG);
     CHECK(basn1_find(handle, NULL, extension, 2, "", &size, &size) == WRONG);
     CHECK(basn1_find(handle, type, NULL, 2, "", &size, &size) == WRONG);
@@ -247,6 +290,7 @@ int main(void) {
     check_elements(handle, type);
     check_failures(handle, type);
     check_messages(handle);
+    check_schemas(handle);
     check_null(handle, type);
     basn1_close(handle);
     puts(failures == 0 ? "all as expected" : "FAILED");

@@ -71,6 +71,21 @@ TEST(CInterface, TellsThatMemoryIsOut) {
     EXPECT_GT(failures, 20);
 }
 
+TEST(CInterface, ReadsNoSchemaWhenMemoryIsOut) {
+    const std::string own = "Own DEFINITIONS ::= BEGIN\n"
+                            "C ::= CLASS { &id OBJECT IDENTIFIER, &T } WITH SYNTAX { &T BY &id }\n"
+                            "S C ::= { { A BY { 1 2 3 } } }\n"
+                            "A ::= SEQUENCE { id C.&id ({S}), a [0] C.&T ({S}{@id}) OPTIONAL } END";
+    const basn1_schema_text text = {"own", own.data(), own.size()};
+    const long failures = tests::failEveryAllocation([&] {
+        Handle handle;
+        const int status = basn1_add_schema(handle.handle, &text, 1);
+        EXPECT_EQ(basn1_schema_type_at(handle.handle, 0) != nullptr, status == 0);
+        require(status);
+    });
+    EXPECT_GT(failures, 100);
+}
+
 TEST(CInterface, TellsFailuresWhenMemoryIsOut) {
     const basn1_type* const type = basn1_find_type("Extension");
     const long failures = tests::failEveryAllocation([&] {

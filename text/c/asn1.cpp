@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <climits>
+#include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include <brevantis/asn1/asn1data/reading_policy.h>
 #include <brevantis/asn1/runtime.h>
@@ -12,6 +14,7 @@
 #include <brevantis/asn1/text/message.h>
 #include <brevantis/asn1/text/path_at.h>
 #include <brevantis/asn1/text/recognition.h>
+#include <brevantis/asn1/text/schema.h>
 
 #include "json/encode_buffer.h"
 
@@ -83,6 +86,8 @@ struct basn1_handle {
     asn1data::ReadingPolicy policy;
     std::size_t memoryLimit = 0;
     asn1text::JsonLimits textLimits;
+    std::vector<std::unique_ptr<const asn1text::Schema>> schemas;
+    asn1text::IdentifierNames names; ///< with those of the schemas
 
     int status = 0; ///< of the last call, and what it tells of a failure
     std::size_t offset = 0;
@@ -128,6 +133,20 @@ struct basn1_handle {
                         return asn1data::writeFound(failure, text, size);
                     }),
                     std::move(where));
+    }
+
+    int failOn(const std::vector<asn1text::SchemaMessage>& messages) {
+        const auto first = std::find_if(messages.begin(), messages.end(),
+                                        [](const auto& message) { return !message.warning; });
+        path = first->file + (first->line == 0 ? ""
+                                               : ":" + std::to_string(first->line) + ":" +
+                                                     std::to_string(first->column));
+        expected = "modules that can be read";
+        found = first->sentence;
+        for (const asn1text::SchemaMessage& message : messages) {
+            whole += (whole.empty() ? "" : "\n") + messageText(message);
+        }
+        return status = ASN1S_BAD_VALUE;
     }
 
     int failOn(asn1text::JsonFailure failure) {
@@ -246,7 +265,7 @@ int fromJson(basn1_handle& handle, const TypeDescription& type, std::string_view
     setMemoryLimit(handle, output.context());
     asn1text::JsonFailure failure;
     void* const value =
-        asn1text::readJson(output.context(), type, json, failure, handle.textLimits);
+        asn1text::readJson(output.context(), type, json, failure, handle.textLimits, handle.names);
     return value == nullptr ? handle.failOn(std::move(failure))
                             : encode(handle, output, type, value, der, size);
 }
@@ -338,6 +357,61 @@ const basn1_type* basn1_type_at(size_t index) {
     return index < types.size() ? handleOf(&types[index]) : nullptr;
 }
 
+int basn1_add_schema(basn1_handle* handle, const basn1_schema_text* texts, size_t count) {
+    const bool given = texts != nullptr && count != 0 &&
+                       std::all_of(texts, texts + count, [](const basn1_schema_text& each) {
+                           return each.name != nullptr && isGiven(each.text, each.size);
+                       });
+    return guarded(handle, given, [&] {
+        std::vector<asn1text::SchemaText> files;
+        for (const basn1_schema_text* each = texts; each != texts + count; ++each) {
+            files.push_back({each->name, std::string(each->text, each->size)});
+        }
+        std::vector<asn1text::SchemaMessage> messages;
+        auto schema = asn1text::readSchema(files, messages);
+        if (schema == nullptr) {
+            return handle->failOn(messages);
+        }
+        asn1text::IdentifierNames names = handle->names;
+        for (const asn1data::IdentifierDescription& named : schema->identifiers()) {
+            names.add(*named.identifier, named.name);
+        }
+        handle->schemas.push_back(std::move(schema));
+        handle->names = std::move(names);
+        return 0;
+    });
+}
+
+const basn1_type* basn1_schema_type(const basn1_handle* handle, const char* name) {
+    if (handle == nullptr || name == nullptr) {
+        return nullptr;
+    }
+    try {
+        for (auto schema = handle->schemas.rbegin(); schema != handle->schemas.rend(); ++schema) {
+            if (const TypeDescription* const type = (*schema)->findType(name)) {
+                return handleOf(type);
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+    return basn1_find_type(name);
+}
+
+const basn1_type* basn1_schema_type_at(const basn1_handle* handle, size_t index) {
+    if (handle == nullptr) {
+        return nullptr;
+    }
+    for (const auto& schema : handle->schemas) {
+        const asn1data::TypeRange types = schema->types();
+        if (index < types.size()) {
+            return handleOf(&types[index]);
+        }
+        index -= types.size();
+    }
+    return nullptr;
+}
+
 const char* basn1_type_name(const basn1_type* type) {
     return type != nullptr ? description(type).name : nullptr;
 }
@@ -389,7 +463,7 @@ int basn1_to_json(basn1_handle* handle, const basn1_type* type, const unsigned c
         const WalkResult result = asn1text::writeJson(description(type), {message, size}, sink,
                                                       indented != 0 ? asn1text::JsonLayout::Indented
                                                                     : asn1text::JsonLayout::OneLine,
-                                                      handle->policy);
+                                                      handle->policy, handle->names);
         return result.status != 0
                    ? handle->failOn(description(type), {message, size}, result.failure)
                    : expectEnd(*handle, result.consumed, {message, size});

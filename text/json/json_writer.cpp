@@ -225,9 +225,10 @@ void JsonWriter::writeValue(const WalkElement& element) {
 }
 
 asn1data::WalkResult writeJson(const TypeDescription& type, Octets message, Sink& sink,
-                               JsonLayout layout, const asn1data::ReadingPolicy& policy) {
+                               JsonLayout layout, const asn1data::ReadingPolicy& policy,
+                               const IdentifierNames& names) {
     JsonStream json(sink, layout);
-    JsonWriter writer(json);
+    JsonWriter writer(json, names);
     const asn1data::WalkResult result =
         asn1data::walk(type, message.data(), message.size(), writer, policy);
     writer.end();

@@ -179,15 +179,14 @@ private:
             return std::strcmp(one->name, other->name) < 0;
         };
         std::sort(tables.types.begin(), tables.types.end(), byName);
-        std::stable_sort(tables.sets.begin(), tables.sets.end(), byName);
-        std::stable_sort(tables.identifiers.begin(), tables.identifiers.end(),
-                         [](const auto& one, const auto& other) {
-                             const ASN1OBJID& left = *one.identifier;
-                             const ASN1OBJID& right = *other.identifier;
-                             return std::lexicographical_compare(
-                                 left.subid, left.subid + left.numids, right.subid,
-                                 right.subid + right.numids);
-                         });
+        std::sort(tables.sets.begin(), tables.sets.end(), byName);
+        const auto byArcs = [](const auto& one, const auto& other) {
+            const ASN1OBJID& left = *one.identifier;
+            const ASN1OBJID& right = *other.identifier;
+            return std::lexicographical_compare(left.subid, left.subid + left.numids, right.subid,
+                                                right.subid + right.numids);
+        };
+        std::sort(tables.identifiers.begin(), tables.identifiers.end(), byArcs);
     }
 
     void refuse(const std::string& sentence) {

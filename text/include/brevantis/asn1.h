@@ -62,10 +62,18 @@ enum {
 
 /** What calls have in common: policies, limits, and why the last call failed. */
 typedef struct basn1_handle basn1_handle;
-/** A type of the catalogue; a constant. */
+/** A type: of the catalogue, and then a constant, or of a handle's schemas, and then it lives as
+ * long as that. */
 typedef struct basn1_type basn1_type;
 /** Messages of an input that are taken off it one by one. */
 typedef struct basn1_messages basn1_messages;
+
+/** A file of ASN.1 modules, for basn1_add_schema. */
+typedef struct basn1_schema_text {
+    const char* name; /**< terminated; as failures show it */
+    const char* text; /**< which need not be terminated: one module or several */
+    size_t size;
+} basn1_schema_text;
 
 /** Takes a piece of text, which is not terminated and lives until it returns.
  * @return 0 to go on; anything else ends the call with BASN1_STOPPED */
@@ -80,7 +88,8 @@ BASN1_API const char* basn1_status_name(int status);
 /** Makes a handle. @param handle receives it, null after a failure; end it with basn1_close */
 BASN1_API int basn1_open(basn1_handle** handle);
 
-/** Ends a handle. Messages that are open on it are to be closed before. Null is ignored. */
+/** Ends a handle, and the types of its schemas. Messages that are open on it are to be closed
+ * before. Null is ignored. */
 BASN1_API void basn1_close(basn1_handle* handle);
 
 /** Sets how messages are read from now on. @param policies bits BASN1_...; 0 for none */
@@ -100,6 +109,21 @@ BASN1_API const char* basn1_type_name(const basn1_type* type);
 
 /** The right-hand side of a type's ASN.1 assignment; a constant. Null for null. */
 BASN1_API const char* basn1_type_notation(const basn1_type* type);
+
+/** Reads ASN.1 modules (X.680 to X.683, and what X.208 had), which may import from each other, and
+ * adds their types to those of a handle. Values of their identifiers get their names in JSON.
+ * @param texts @p count of them, which can go afterwards
+ * @return BASN1_BAD_VALUE for modules that cannot be read: the whole text of the failure is all
+ * there is to say, a line each, as "own.asn1:3:9: error: type 'Nmae' is neither defined nor
+ *         imported."; its path is the first place, "own.asn1:3:9". Types that were there stay */
+BASN1_API int basn1_add_schema(basn1_handle* handle, const basn1_schema_text* texts, size_t count);
+
+/** Finds a type of a handle: of the schemas added, the last one first, by "Type" or "Module.Type",
+ * or else of the catalogue. @return null when there is none, and when memory is out */
+BASN1_API const basn1_type* basn1_schema_type(const basn1_handle* handle, const char* name);
+
+/** The types of the schemas added, one schema behind another. @return null behind the last one */
+BASN1_API const basn1_type* basn1_schema_type_at(const basn1_handle* handle, size_t index);
 
 /** Finds out what a message is.
  * @param label of its PEM block, or null

@@ -57,13 +57,14 @@ private:
 /// @param message at most 0x7FFFFFFF octets
 /// @param sink receives the text piece by piece, a line end behind it
 /// @param policy how the message is read
+/// @param names of identifiers
 /// @return how the walk ended: after a failure the text goes as far as the message could be read,
 ///         and is whole JSON
 /// @throws std::bad_alloc, and what the sink throws
-BREVANTIS_ASN1_TEXT_API asn1data::WalkResult writeJson(const asn1data::TypeDescription& type,
-                                                       Octets message, Sink& sink,
-                                                       JsonLayout layout = JsonLayout::Indented,
-                                                       const asn1data::ReadingPolicy& policy = {});
+BREVANTIS_ASN1_TEXT_API asn1data::WalkResult
+writeJson(const asn1data::TypeDescription& type, Octets message, Sink& sink,
+          JsonLayout layout = JsonLayout::Indented, const asn1data::ReadingPolicy& policy = {},
+          const IdentifierNames& names = IdentifierNames::ofLibrary());
 
 /// Writes a record as JSON, by encoding it and writing the message.
 /// @param value the record that @p type describes, not changed
