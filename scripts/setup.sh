@@ -15,7 +15,9 @@ fail() {
 # elsewhere serves as well as the distribution's.
 is_provided() {
     case $1 in
+        abigail-tools) command -v abidiff ;;
         clang) command -v clang++ ;;
+        xz-utils) command -v xz ;;
         llvm) command -v llvm-cov ;;
         g++) command -v c++ || command -v g++ ;;
         cmake) command -v cmake ;;
@@ -64,9 +66,14 @@ install_missing() {
 }
 
 # build PRESET CMAKE_ARGUMENT... -- TARGET...
+# With BREVANTIS_DEBUG_INFO=ON in the environment the libraries have debug information, so that one
+# build serves scripts/abi.sh too.
 build() {
     local preset=$1 arguments=()
     shift
+    if [[ $preset == release && -n ${BREVANTIS_DEBUG_INFO:-} ]]; then
+        arguments+=("-DBREVANTIS_DEBUG_INFO=$BREVANTIS_DEBUG_INFO")
+    fi
     while (($# > 0)) && [[ $1 != -- ]]; do
         arguments+=("$1")
         shift

@@ -1,50 +1,44 @@
 #!/usr/bin/env bash
-# Installs the build tree to an empty place and builds a program against what arrived there, once
-# with CMake's package and once with pkg-config where that is present.
+# Installs the build tree to an empty place and builds programs against what arrived there, with
+# CMake's package and with pkg-config where that is present; then the smallest part of it alone.
 #
 # Usage: install_test.sh CMAKE BUILD_TREE COMPILER COMPILER_FLAGS
 set -euo pipefail
 
 cmake=$1 build_tree=$2 compiler=$3 flags=$4
-consumer=$(cd "$(dirname "${BASH_SOURCE[0]}")/consumer" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-prefix=$work/installed
-
-quietly() {
-    "$@" >"$work/log" 2>&1 || {
-        cat "$work/log"
-        exit 1
-    }
-}
+# shellcheck source=tests/install/use_installed.sh
+source "$(dirname "${BASH_SOURCE[0]}")/use_installed.sh"
 
 quietly "$cmake" --install "$build_tree" --prefix "$work/first"
 # Nothing of it may hang on the place where it was put first.
-mv "$work/first" "$prefix"
+mv "$work/first" "$work/installed"
+use_with_cmake "$work/installed" "$flags"
+use_with_pkg_config "$work/installed" "$flags"
 
-quietly "$cmake" -S "$consumer" -B "$work/build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
-    -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_PREFIX_PATH="$prefix"
-quietly "$cmake" --build "$work/build"
-[[ $("$work/build/consumer") == identical ]]
-[[ $("$work/build/json") == '{"rdnSequence":[]}' ]]
-[[ $("$work/build/value_classes") == C=RU,O=x ]]
-[[ $("$work/build/own_module") == 300702011980026D6D ]]
-echo "CMake package: works"
-
-if command -v pkg-config >/dev/null; then
-    pc_file=$(find "$prefix" -name brevantis-asn1.pc)
-    PKG_CONFIG_PATH=$(dirname "$pc_file")
-    export PKG_CONFIG_PATH
-    read -r -a needed <<<"$(pkg-config --cflags --libs brevantis-asn1)"
-    read -r -a given <<<"$flags"
-    "$compiler" -std=c++17 "${given[@]}" "$consumer/consumer.cpp" "${needed[@]}" -o "$work/consumer"
-    library_directory=$(pkg-config --variable=libdir brevantis-asn1)
-    [[ $(LD_LIBRARY_PATH=$library_directory "$work/consumer") == identical ]]
-    read -r -a needed <<<"$(pkg-config --cflags --libs brevantis-asn1-text)"
-    "$compiler" -std=c++17 "${given[@]}" "$consumer/json.cpp" "${needed[@]}" \
-        -Wl,-rpath-link,"$library_directory" -o "$work/json"
-    [[ $(LD_LIBRARY_PATH=$library_directory "$work/json") == '{"rdnSequence":[]}' ]]
-    echo "pkg-config: works"
-else
-    echo "pkg-config: not tried, the command is missing"
+for component in asn1 asn1-development; do
+    quietly "$cmake" --install "$build_tree" --prefix "$work/part" --component $component
+done
+quietly "$cmake" -S "$consumer" -B "$work/of_part" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
+    -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_PREFIX_PATH="$work/part" -DCOMPONENTS=asn1
+quietly "$cmake" --build "$work/of_part"
+expect identical "$work/of_part/consumer"
+if [[ -n $(find "$work/part" -path '*asn1_text*' -o -path '*asn1/text*' -o -path '*/bin/*' -o -path '*/doc/*') ]]; then
+    find "$work/part"
+    echo "FAILED: the component has more than its own"
+    exit 1
 fi
+quietly "$cmake" --install "$build_tree" --prefix "$work/pages" --component documentation
+readme=$(find "$work/pages" -path '*/brevantis_asn1/README.md')
+[[ -n $readme ]]
+# Links of installed pages lead to installed pages, but for those to sources.
+while IFS=: read -r page link; do
+    target=$(dirname "$page")/${link%%#*}
+    if [[ ! -e $target && ! $target =~ \.(1|txt|h|cmake|cpp|sh|py|md\.in|asn1)$ ]]; then
+        echo "FAILED: $page has a link to $link"
+        exit 1
+    fi
+done < <(find "$work/pages" -name '*.md' -exec grep -oHE '\]\([^):]+\)' {} + | sed -E 's/\]\(([^)]*)\)/\1/' |
+    grep -vE ':#')
+echo "components: work"

@@ -57,17 +57,24 @@ TEST(TextConversion, NarrowsWhatTakesOneOctetACharacter) {
     EXPECT_EQ(towstring(1234567), L"1234567");
 }
 
-TEST(OptionalMember, TakesACopyOrNothing) {
-    OptionalMember<CBlob> member;
+/// @param copy takes the member and the argument
+template <class Pointer, class Copy>
+void checkMember(Copy copy) {
+    Pointer member;
     const CBlob source = blob("0102");
-    copy_to_auto_ptr(member, &source);
+    copy(member, &source);
     ASSERT_NE(member.get(), nullptr);
     EXPECT_EQ(*member, source);
     const CBlob* held = member.get();
-    copy_to_auto_ptr(member, held);
+    copy(member, held);
     EXPECT_EQ(member.get(), held);
-    copy_to_auto_ptr<CBlob>(member, nullptr);
+    copy(member, nullptr);
     EXPECT_EQ(member.get(), nullptr);
+}
+
+TEST(OptionalMember, TakesACopyOrNothing) {
+    checkMember<OptionalMember<CBlob>>(copy_to_auto_ptr<CBlob>);
+    checkMember<std::unique_ptr<CBlob>>(copy_to_unique_ptr<CBlob>);
 }
 
 /// Sets a record from a value, copies the record, and reads the copy back.

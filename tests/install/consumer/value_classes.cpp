@@ -81,10 +81,13 @@ bool compared(const Value& a, const Value& b) {
 }
 
 void bridge(ASN1CTXT* ctxt, CBlob& blob, ASN1OBJID& oid, ctxt_handle& handle, CBigInteger& number,
-            std::auto_ptr<CBlob>& optional, ASN1TSeqOfList& records, ASN1BERDecodeBuffer& owner) {
+            OptionalMember<CBlob>& optional, ASN1TSeqOfList& records, ASN1BERDecodeBuffer& owner) {
     use(handle.init());
     handle.release();
+    copy_to_member(optional, &blob);
+#if BREVANTIS_ASN1_HAS_AUTO_PTR
     copy_to_auto_ptr(optional, &blob);
+#endif
     use(str2oid("1.2", &oid), oid2str(blob, &oid), toASN1OBJID("1.2"), toOID(oid));
     const unsigned short units[] = {0, 0};
     use(tostring(L""), tostring(units), tostring(1), towstring(""), towstring(1));

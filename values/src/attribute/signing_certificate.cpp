@@ -77,14 +77,14 @@ void SigningCertificateAttribute<Attribute, CertificateList>::storePolicies(
     const CPolicyInformationList* policies) {
     // Kept: the value is not encoded anew, as encodeWithPolicies does for one of the three.
     // Programs depend on it.
-    copy_to_auto_ptr(content_->policies, policies);
+    copy_to_member(content_->policies, policies);
 }
 
 template <class Attribute, class CertificateList>
 void SigningCertificateAttribute<Attribute, CertificateList>::encodeWithPolicies(
     const CPolicyInformationList* policies) {
     OptionalMember<CPolicyInformationList> other;
-    copy_to_auto_ptr(other, policies);
+    copy_to_member(other, policies);
     exchange(content_->policies, other);
     try {
         encode();

@@ -13,7 +13,7 @@ struct CRevAnnContent::Record {
     Record(const Record& other)
         : status(other.status), certId(other.certId), willBeRevokedAt(other.willBeRevokedAt),
           badSinceDate(other.badSinceDate) {
-        copy_to_auto_ptr<CExtensions>(crlDetails, other.crlDetails.get());
+        copy_to_member(crlDetails, other.crlDetails.get());
     }
     Record& operator=(const Record&) = delete;
 
@@ -91,7 +91,7 @@ void CRevAnnContent::put_badSinceDate(const CDateTime& time) {
 }
 
 void CRevAnnContent::put_crlDetails(const CExtensions* extensions) {
-    copy_to_auto_ptr(record().crlDetails, extensions);
+    copy_to_member(record().crlDetails, extensions);
 }
 
 CBlob CRevAnnContent::encode() const {
