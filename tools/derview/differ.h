@@ -15,8 +15,9 @@ struct DiffSide {
     asn1data::WalkResult decoded; ///< what the decoder makes of it
 };
 
-/// Compares two messages field by field, by path, and writes what differs. It keeps the paths of
-/// both in memory. A damaged message is compared as far as it decodes.
+/// Compares two messages by what their elements are, and writes what differs, a line each for what
+/// only one of them has. It keeps 32 octets an element of both in memory. A damaged message is
+/// compared as far as it decodes.
 /// @param width columns that a line should keep to
 /// @param names of identifiers
 /// @return whether they decode and are the same, octet for octet
