@@ -13,6 +13,11 @@ unsigned tagValue(const TagNode& tag) {
     return (static_cast<unsigned>(tag.tagClass) << 30) | tag.number;
 }
 
+std::string spelledTag(unsigned tag) {
+    static const char* const classes[] = {"UNIVERSAL ", "APPLICATION ", "", "PRIVATE "};
+    return "[" + std::string(classes[tag >> 30]) + std::to_string(tag & 0x1FFFFFFFu) + "]";
+}
+
 Octets bothForms(unsigned tag) {
     Octets octets;
     octets.set(identifierOctet(tag & ~Constructed));
@@ -389,6 +394,9 @@ void Checker::finishDefault(const Type& type, Element& element) {
     if (!number) {
         diagnostics_.error(value.at, target.shape == Shape::Enumerated
                                          ? "the default is not a name of the ENUMERATED"
+                                     : value.kind == ValueNode::Text
+                                         ? "the default of an INTEGER is a number, which stands in "
+                                           "no quotation marks"
                                          : "the default of an INTEGER is a number");
         return;
     }
@@ -596,7 +604,7 @@ void Checker::checkAmbiguity(const Type& type) {
         for (std::size_t k = i + 1; k < type.elements.size(); ++k) {
             const Element& second = type.elements[k];
             if (isAmbiguous(tags[i], tags[k]) && !first.ambiguous && !second.ambiguous) {
-                complainAmbiguity(type, first, second);
+                complainAmbiguity(type, first, second, tags[i], tags[k]);
             }
             if (sequence && second.presence == Presence::Mandatory) {
                 break;
@@ -605,10 +613,29 @@ void Checker::checkAmbiguity(const Type& type) {
     }
 }
 
-void Checker::complainAmbiguity(const Type& type, const Element& first, const Element& second) {
-    const char* const what = type.shape == Shape::Choice ? "alternatives" : "elements";
-    diagnostics_.error(second.at, std::string(what) + " '" + first.name + "' and '" + second.name +
-                                      "' begin with the same identifier octet");
+void Checker::complainAmbiguity(const Type& type, const Element& first, const Element& second,
+                                const Beginnings& ofFirst, const Beginnings& ofSecond) {
+    const std::string what = type.shape == Shape::Choice ? "alternatives" : "elements";
+    std::string sentence =
+        what + " '" + first.name + "' and '" + second.name + "' begin with the same ";
+    if (ofFirst.any || ofSecond.any) {
+        sentence +=
+            "identifier octet: '" + (ofFirst.any ? first.name : second.name) + "' can have any tag";
+    } else {
+        const auto common =
+            std::find_if(ofSecond.tags.begin(), ofSecond.tags.end(),
+                         [&](unsigned tag) { return ofFirst.tags.count(tag) != 0; });
+        const Octets octets = beginsWith(first, true) & beginsWith(second, true);
+        std::string octet;
+        for (unsigned i = 0; i < octets.size() && octet.empty(); ++i) {
+            if (octets.test(i)) {
+                octet = {"0123456789ABCDEF"[i >> 4], "0123456789ABCDEF"[i & 15]};
+            }
+        }
+        sentence += (octet.empty() ? "tag" : "identifier octet, " + octet + " of the tag") + " " +
+                    spelledTag(*common);
+    }
+    diagnostics_.error(second.at, sentence + "; one of them needs a tag of its own");
 }
 
 } // namespace notation

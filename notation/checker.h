@@ -52,7 +52,8 @@ private:
     Beginnings tagsOf(const Element& element);
     static bool isAmbiguous(const Beginnings& first, const Beginnings& second);
     void checkAmbiguity(const Type& type);
-    void complainAmbiguity(const Type& type, const Element& first, const Element& second);
+    void complainAmbiguity(const Type& type, const Element& first, const Element& second,
+                           const Beginnings& ofFirst, const Beginnings& ofSecond);
 
     Model& model_;
     Diagnostics& diagnostics_;

@@ -388,14 +388,17 @@ Tokens Resolver::filledIn(const Assignment& assignment, const ModuleNode& home,
 
 Resolver::Instance* Resolver::instanceOf(const TypeNode& node, const Symbol& symbol) {
     const Assignment& assignment = *symbol.assignment;
-    std::string key = symbol.module->node.name + "." + assignment.name + "{";
+    std::string key = (symbol.module->ofLibrary ? "." : "") + symbol.module->node.name + "." +
+                      assignment.name + "{";
     for (const Token& token : node.arguments) {
         // Names that mean the same make the same type, whoever hands them over.
         const bool name = token.kind == Token::Upper || token.kind == Token::Lower;
         const Symbol* const meant =
             name && token.scope != nullptr ? lookUp(token.scope, token.text) : nullptr;
         key += spelled(&token, &token + 1) + " ";
-        key += meant != nullptr ? "@" + meant->module->node.name + " " : "";
+        key += meant != nullptr
+                   ? (meant->module->ofLibrary ? "@." : "@") + meant->module->node.name + " "
+                   : "";
     }
     const auto [found, isNew] = instances_.emplace(key, Instance());
     Instance& instance = found->second;

@@ -209,6 +209,7 @@ struct ObjectSet {
 struct Module {
     ModuleNode node;
     std::string space; ///< namespace of its own, where a name of its stands in another module too
+    bool ofLibrary = false;   ///< compiled already: its types are used, and nothing is made of it
     std::vector<Type*> types; ///< in order of need
     std::vector<Identifier> identifiers;
     std::vector<const ObjectClass*> classes;
@@ -220,6 +221,7 @@ struct Module {
 struct File {
     std::shared_ptr<FileNode> node;
     std::vector<Module*> modules;
+    bool ofLibrary = false;
 };
 
 struct Model {

@@ -11,11 +11,14 @@ namespace notation {
 /// Hyphens become underscores.
 std::string cppName(const std::string& name);
 
-/// The same for a member or a value, clear of keywords.
+/// The same for a member or a value, clear of keywords and macros.
 std::string memberName(const std::string& name);
 
 /// The same for a value, an object or a set, clear of the namespaces of the tables as well.
 std::string valueMemberName(const std::string& name);
+
+/// The same for an information object class, clear of macros.
+std::string className(const std::string& name);
 
 /// Name of a type that an element describes in place.
 std::string inlineTypeName(const std::string& parent, const std::string& element);

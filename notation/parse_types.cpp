@@ -133,9 +133,6 @@ std::unique_ptr<TypeNode> Parser::parsePlainType() {
 
 void Parser::parseWord(TypeNode& type) {
     const Token word = peek();
-    if (word.kind == Token::Lower) {
-        fail("a type; the names of types begin with a capital");
-    }
     if (word.kind != Token::Upper || word.text == "END") {
         fail("a type");
     }

@@ -1,5 +1,8 @@
 #include "parser.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace notation {
 
 namespace {
@@ -51,16 +54,48 @@ void Parser::expect(const char* spelling) {
 
 void Parser::fail(const std::string& expected) {
     const Token& found = peek();
-    const Token& before = next_ > 0 ? tokens_[next_ - 1] : found;
     const bool atEndOfModule = found.kind == Token::End;
     diagnostics_.error(found.at, "expected " + expected + ", found " +
                                      (atEndOfModule ? std::string("the end of the file")
                                                     : "'" + spelled(&found, &found + 1) + "'") +
-                                     (expected == "'}'" && before.at.line < found.at.line &&
-                                              (found.kind == Token::Lower || found.is("..."))
-                                          ? "; a comma may be missing in front of it"
-                                          : ""));
+                                     hintFor(expected, found));
     throw SyntaxError();
+}
+
+// What is usually meant by what stands at the position.
+std::string Parser::hintFor(const std::string& expected, const Token& found) const {
+    const bool lower = found.kind == Token::Lower;
+    if (((expected == "'}'" || expected == "']'") && (lower || found.is("..."))) ||
+        (expected == "'FROM'" && (lower || found.kind == Token::Upper))) {
+        return "; a comma may be missing in front of it";
+    }
+    const bool behindComma = next_ > 0 && tokens_[next_ - 1].is(",");
+    if (behindComma && (found.is("}") || found.is("]") || found.is("FROM"))) {
+        return "; nothing stands between it and the comma in front of it";
+    }
+    if (found.kind == Token::String) {
+        return "; nothing stands in quotation marks here";
+    }
+    if (expected == "a type" && lower) {
+        std::string capitals = found.text;
+        std::transform(capitals.begin(), capitals.end(), capitals.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+        static const char* const words[] = {"BOOLEAN", "INTEGER", "ENUMERATED", "NULL",
+                                            "OBJECT",  "OCTET",   "BIT",        "SEQUENCE",
+                                            "SET",     "CHOICE",  "ANY"};
+        const bool word =
+            std::find(std::begin(words), std::end(words), capitals) != std::end(words);
+        return "; the names of types begin with a capital" +
+               (word ? ", and '" + capitals + "' has no others" : "");
+    }
+    if (expected == "a type" && found.is("::=")) {
+        return "; the names of types begin with a capital, and a value has its type in front of "
+               "'::='";
+    }
+    if (expected == "the name of an element" && found.kind == Token::Upper) {
+        return "; it begins with a small letter";
+    }
+    return "";
 }
 
 const ModuleNode* Parser::scope() const {
@@ -300,9 +335,7 @@ void Parser::parseBody(ModuleNode& module, Assignment& assignment) {
     } else {
         assignment.kind = Assignment::Type;
         if (peek().kind == Token::Lower && !peek(1).is("<") && !peek(1).is(".")) {
-            diagnostics_.error(peek().at, "expected a type, found '" + peek().text +
-                                              "'; the names of types begin with a capital");
-            throw SyntaxError();
+            fail("a type");
         }
         assignment.type = parseType();
         if (!beginsAssignment() && assignment.type->kind == TypeNode::Reference &&

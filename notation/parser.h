@@ -38,6 +38,7 @@ public:
     bool accept(const char* spelling);
     void expect(const char* spelling);
     [[noreturn]] void fail(const std::string& expected);
+    std::string hintFor(const std::string& expected, const Token& found) const;
 
 private:
     /// Keeps what nests from running out of stack.

@@ -9,18 +9,21 @@
 namespace notation {
 
 bool readModules(const std::vector<SourceFile>& files, Model& model, Diagnostics& diagnostics) {
-    std::set<std::string> names;
+    std::set<std::pair<bool, std::string>> names;
     for (const SourceFile& source : files) {
         File& file = model.files.emplace_back();
         file.node = std::make_shared<FileNode>();
         file.node->name = source.name;
+        file.ofLibrary = source.ofLibrary;
         file.node->stream = tokenize(source.name, source.text, diagnostics);
         std::size_t next = 0;
         do {
             auto module = std::make_unique<Module>();
             module->node.file = file.node;
+            module->ofLibrary = file.ofLibrary;
             next = parseModule(module->node, next, diagnostics);
-            if (!names.insert(module->node.name).second && !module->node.name.empty()) {
+            if (!names.emplace(file.ofLibrary, module->node.name).second &&
+                !module->node.name.empty()) {
                 diagnostics.error(module->node.at, "a second module '" + module->node.name + "'");
             }
             file.modules.push_back(module.get());

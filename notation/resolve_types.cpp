@@ -367,7 +367,13 @@ Type* Resolver::sharedList(const TypeNode& node, Type& element, const Place& pla
                                         "array, or as list without a remark");
     }
     const Shape shape = storage != nullptr ? Shape::Array : Shape::List;
-    if (const auto found = sharedLists_.find({&element, set}); found != sharedLists_.end()) {
+    // A list of a type of the library may be the library's as well.
+    const bool ofLibrary = place.module->ofLibrary;
+    auto found = sharedLists_.find({&element, set, ofLibrary});
+    if (found == sharedLists_.end() && !element.builtin) {
+        found = sharedLists_.find({&element, set, true});
+    }
+    if (found != sharedLists_.end()) {
         if (found->second->shape != shape) {
             diagnostics_.error(node.at, "'" + name + "' is held otherwise at " +
                                             found->second->at.file + ":" +
@@ -376,7 +382,7 @@ Type* Resolver::sharedList(const TypeNode& node, Type& element, const Place& pla
         return found->second;
     }
     Type& type = newType(*place.module, name, node.at);
-    sharedLists_[{&element, set}] = &type;
+    sharedLists_[{&element, set, ofLibrary}] = &type;
     type.shape = shape;
     type.setOf = set;
     type.universalTag = Constructed | (set ? 17u : 16u);

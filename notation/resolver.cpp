@@ -20,7 +20,7 @@ void Resolver::run() {
     std::vector<Module*> all = {&model_.builtinModule};
     for (auto& module : model_.modules) {
         all.push_back(module.get());
-        modulesByName_.emplace(module->node.name, module.get());
+        modulesByName_.emplace(std::pair(module->ofLibrary, module->node.name), module.get());
     }
     for (Module* module : all) {
         modules_[&module->node] = module;
@@ -143,6 +143,9 @@ void Resolver::breakNameCycles() {
 void Resolver::separateNames() {
     std::map<std::string, std::set<Module*>> homes;
     for (const auto& module : model_.modules) {
+        if (module->ofLibrary) {
+            continue;
+        }
         for (const Type* type : module->types) {
             homes["type " + type->name].insert(module.get());
         }
@@ -343,7 +346,7 @@ void Resolver::declareValue(Module& module, const Assignment& assignment) {
 }
 
 void Resolver::declareClass(Module& module, Assignment& assignment, ObjectClass& objectClass) {
-    objectClass.name = cppName(assignment.name);
+    objectClass.name = className(assignment.name);
     objectClass.node = &assignment;
     objectClass.module = &module;
     const auto isIdentifier = [](const ClassFieldNode& field) {
@@ -377,12 +380,11 @@ void Resolver::declareClass(Module& module, Assignment& assignment, ObjectClass&
 
 void Resolver::checkImports(const Module& module) {
     for (const ImportNode& import : module.node.imports) {
-        const auto from = modulesByName_.find(import.module);
-        if (from == modulesByName_.end()) {
-            diagnostics_.error(import.moduleAt,
-                               "module '" + import.module + "' is not among the files");
-        } else if (lookUp(&from->second->node, import.name) == nullptr &&
-                   !isCharacterString(import.name) &&
+        const Module* const from = moduleNamed(&module.node, import.module);
+        if (from == nullptr) {
+            diagnostics_.error(import.moduleAt, "module '" + import.module +
+                                                    "' is not among the files" + hintFor(import));
+        } else if (lookUp(&from->node, import.name) == nullptr && !isCharacterString(import.name) &&
                    symbols_[&model_.builtinModule.node].count(import.name) == 0) {
             // Published modules name what a later version of the other has, mostly without using
             // it.
@@ -394,6 +396,30 @@ void Resolver::checkImports(const Module& module) {
     }
 }
 
+// A module of the library means another one of it, any other means those beside it first.
+Module* Resolver::moduleNamed(const ModuleNode* scope, const std::string& name) const {
+    const auto home = modules_.find(scope);
+    const bool ofLibrary = home != modules_.end() && home->second->ofLibrary;
+    auto found = modulesByName_.find({ofLibrary, name});
+    if (found == modulesByName_.end() && !ofLibrary) {
+        found = modulesByName_.find({true, name});
+    }
+    return found != modulesByName_.end() ? found->second : nullptr;
+}
+
+// Where else a name is that is imported from a module that is not there.
+std::string Resolver::hintFor(const ImportNode& import) {
+    for (const auto& module : model_.modules) {
+        const auto& own = symbols_[&module->node];
+        if (module->ofLibrary && own.count(import.name) != 0) {
+            return "; add the file that holds it, or import '" + import.name + "' from '" +
+                   module->node.name + "', which is installed with the library (" +
+                   module->node.file->name + ")";
+        }
+    }
+    return "; add the file that holds it";
+}
+
 // A module may hand on what it imports itself.
 Resolver::Symbol* Resolver::lookUp(const ModuleNode* scope, const std::string& name,
                                    unsigned depth) {
@@ -402,9 +428,10 @@ Resolver::Symbol* Resolver::lookUp(const ModuleNode* scope, const std::string& n
         return &found->second;
     }
     for (const ImportNode& import : scope->imports) {
-        const auto from = modulesByName_.find(import.module);
-        if (import.name == name && from != modulesByName_.end() && depth < 8) {
-            if (Symbol* symbol = lookUp(&from->second->node, name, depth + 1)) {
+        const Module* const from =
+            import.name == name && depth < 8 ? moduleNamed(scope, import.module) : nullptr;
+        if (from != nullptr) {
+            if (Symbol* symbol = lookUp(&from->node, name, depth + 1)) {
                 return symbol;
             }
         }
@@ -429,7 +456,7 @@ Resolver::Symbol* Resolver::find(const ModuleNode* scope, const std::string& nam
                            std::string(what) + " '" + name + "' is neither defined nor imported");
         return nullptr;
     }
-    const bool given = modulesByName_.count(import->module) != 0;
+    const bool given = moduleNamed(scope, import->module) != nullptr;
     const bool type = name[0] >= 'A' && name[0] <= 'Z';
     if (given && type && std::string(what) == "type") {
         return &builtins["ANY-MISSING"];
@@ -450,12 +477,12 @@ Resolver::Symbol* Resolver::findType(const TypeNode& node) {
     if (node.module.empty()) {
         return find(node.scope, node.reference, node.at, "type");
     }
-    const auto module = modulesByName_.find(node.module);
-    if (module == modulesByName_.end()) {
+    const Module* const module = moduleNamed(node.scope, node.module);
+    if (module == nullptr) {
         diagnostics_.error(node.at, "module '" + node.module + "' is not among the files");
         return nullptr;
     }
-    return find(&module->second->node, node.reference, node.at, "type");
+    return find(&module->node, node.reference, node.at, "type");
 }
 
 // The class that a name stands for, null when it is none.

@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "model.h"
@@ -54,6 +55,8 @@ private:
     void declareAssignment(Module& module, Assignment& assignment);
     void declareValue(Module& module, const Assignment& assignment);
     void checkImports(const Module& module);
+    Module* moduleNamed(const ModuleNode* scope, const std::string& name) const;
+    std::string hintFor(const ImportNode& import);
     Symbol* lookUp(const ModuleNode* scope, const std::string& name, unsigned depth = 0);
     Symbol* find(const ModuleNode* scope, const std::string& name, const Location& at,
                  const char* what);
@@ -116,10 +119,10 @@ private:
     Diagnostics& diagnostics_;
     std::map<const ModuleNode*, std::map<std::string, Symbol>> symbols_;
     std::map<const ModuleNode*, Module*> modules_;
-    std::map<std::string, Module*> modulesByName_;
+    std::map<std::pair<bool, std::string>, Module*> modulesByName_; ///< the library's apart
     std::map<std::pair<const Module*, std::string>, Type*> typesByName_;
     std::map<std::pair<const Module*, std::string>, Location> valuesByName_;
-    std::map<std::pair<const Type*, bool>, Type*> sharedLists_;
+    std::map<std::tuple<const Type*, bool, bool>, Type*> sharedLists_; ///< the library's apart
     std::map<std::string, Instance> instances_;
     std::set<const void*> evaluating_;
     std::size_t expanding_ = 0;

@@ -289,6 +289,31 @@ struct DecodeFlow {
         return i;
     }
 
+    /// The member of a SET or the alternative of a CHOICE that has no tag to compare and can begin
+    /// with this one.
+    static bool mayBegin(const ElementDescription& element, unsigned char octet, ASN1TAG tag) {
+        return element.type->identifiers.contains(octet) &&
+               (!isLong(octet) || beginsWith(*element.type, tag));
+    }
+
+    /// The member that has this tag, or none to compare and may begin with it.
+    /// @return the number of elements when there is none
+    static unsigned memberWith(const TypeDescription& type, unsigned char octet, ASN1TAG tag) {
+        unsigned i = 0;
+        while (i < type.elementCount &&
+               (tag != type.elements[i].matchTag || type.elements[i].matchTag == 0)) {
+            ++i;
+        }
+        if (i == type.elementCount) {
+            i = 0;
+            while (i < type.elementCount &&
+                   (type.elements[i].matchTag != 0 || !mayBegin(type.elements[i], octet, tag))) {
+                ++i;
+            }
+        }
+        return i;
+    }
+
     /// Elements in any order (X.690, 8.11.2), each by its whole tag.
     [[gnu::always_inline]] static int decodeSet(Sink sink, const TypeDescription& type,
                                                 Value record, int length) {
@@ -301,16 +326,12 @@ struct DecodeFlow {
             ASN1TAG tag = 0;
             int elementLength = 0;
             sink.atElement();
+            const unsigned start = ctxt->buffer.byteIndex;
             int status = readHeader(ctxt, tag, elementLength);
             if (status != ASN1S_SUCCESS) {
                 return sink.fail(status, {Expectation::Header});
             }
-            unsigned i = 0;
-            while (i < type.elementCount && tag != (type.elements[i].tagging == Tagging::Untagged
-                                                        ? type.elements[i].type->tag
-                                                        : type.elements[i].tag)) {
-                ++i;
-            }
+            const unsigned i = memberWith(type, ctxt->buffer.data[start], tag);
             if (i == type.elementCount) {
                 return sink.fail(ASN1S_UNKNOWN_SET_MEMBER,
                                  {Expectation::OtherMember, nullptr, &type});
@@ -318,7 +339,13 @@ struct DecodeFlow {
             const ElementDescription& element = type.elements[i];
             const Value value = sink.member(record, element);
             const typename Sink::Step step(sink, type, element);
-            status = decodeTagged(sink, type, element, value, innerTagging(element), elementLength);
+            if (element.matchTag == 0) {
+                ctxt->buffer.byteIndex = start;
+                status = decode(sink, *element.type, value, ASN1TagExplicit, 0);
+            } else {
+                status =
+                    decodeTagged(sink, type, element, value, innerTagging(element), elementLength);
+            }
             if (status != ASN1S_SUCCESS) {
                 return sink.fail(status, {});
             }
@@ -358,9 +385,7 @@ struct DecodeFlow {
             const ElementDescription& alternative = type.elements[i];
             // An alternative without a tag to compare reads its own from the start.
             const bool untagged = alternative.matchTag == 0;
-            if (untagged ? !alternative.type->identifiers.contains(octet) ||
-                               (isLong(octet) && !beginsWith(*alternative.type, tag))
-                         : tag != alternative.matchTag) {
+            if (untagged ? !mayBegin(alternative, octet, tag) : tag != alternative.matchTag) {
                 continue;
             }
             Value value;

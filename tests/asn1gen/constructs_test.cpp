@@ -10,12 +10,14 @@
 #include <constructs/parameters.h>
 
 #include "support/coded_row.h"
+#include "support/value_round_trip.h"
 
 // What the notation's constructs come to: modules with one kind each, and their values on the wire.
 
 namespace constructs {
 
-// No generated header declares it.
+// No generated header declares them.
+asn1data::TypeRange allTypes() noexcept;
 const asn1data::TypeDescription* findType(const char* name) noexcept;
 
 namespace {
@@ -32,6 +34,15 @@ TEST(Constructs, CodeAsTheNotationSays) {
         tests::expectCoded(row, *type, fromHex(row["message"]));
         tests::expectCoded(row, *type, fromHex(row["message"]), ASN1F_NO_COPY);
     });
+}
+
+TEST(Constructs, RandomValuesRoundTrip) {
+    for (const asn1data::TypeDescription* type : allTypes()) {
+        SCOPED_TRACE(type->name);
+        for (unsigned seed = 1; seed <= 16; ++seed) {
+            tests::expectRoundTrip(*type, std::mt19937_64(seed));
+        }
+    }
 }
 
 TEST(Constructs, RangesChooseTheStorage) {

@@ -29,7 +29,7 @@ TEST(Diagnostics, PointsAtEveryMistake) {
         std::vector<asn1gen::SourceFile> files;
         files.reserve(modules.size());
         for (const std::string& name : modules) {
-            files.push_back({name + ".asn1", readFile(name + ".asn1")});
+            files.push_back({name + ".asn1", readFile(name + ".asn1"), false});
         }
         notation::Diagnostics diagnostics;
         EXPECT_TRUE(asn1gen::compile(files, {}, diagnostics).empty());
@@ -42,8 +42,30 @@ TEST(Diagnostics, PointsAtEveryMistake) {
 /// What is said about a module, whose body is given.
 std::string saidOf(const std::string& body) {
     notation::Diagnostics diagnostics;
-    asn1gen::compile({{"m.asn1", "M DEFINITIONS ::= BEGIN\n" + body + "END\n"}}, {}, diagnostics);
+    asn1gen::compile({{"m.asn1", "M DEFINITIONS ::= BEGIN\n" + body + "END\n", false}}, {},
+                     diagnostics);
     return diagnostics.entries().empty() ? "" : diagnostics.entries().front().sentence;
+}
+
+// Modules of the library stand behind those of the run, and are told of where one is missing.
+TEST(Diagnostics, ModulesOfTheLibrary) {
+    const asn1gen::SourceFile library = {
+        "x.asn1", "X DEFINITIONS ::= BEGIN\nName ::= NULL\nOther ::= NULL\nEND\n", true};
+    const auto said = [&library](const std::string& text) {
+        notation::Diagnostics diagnostics;
+        asn1gen::compile({library, {"m.asn1", text}}, {}, diagnostics);
+        std::ostringstream printed;
+        diagnostics.print(printed);
+        return printed.str();
+    };
+    EXPECT_EQ(said("M DEFINITIONS ::= BEGIN IMPORTS Name FROM X;\nA ::= X.Name\nEND\n"), "");
+    EXPECT_EQ(said("M DEFINITIONS ::= BEGIN IMPORTS Name FROM Gone;\nEND\n"),
+              "m.asn1:1:43: error: module 'Gone' is not among the files; add the file that holds "
+              "it, or import 'Name' from 'X', which is installed with the library (x.asn1).\n");
+    EXPECT_EQ(said("M DEFINITIONS ::= BEGIN IMPORTS Other FROM X;\nEND\n"
+                   "X DEFINITIONS ::= BEGIN Name ::= BOOLEAN END\n"),
+              "m.asn1:1:33: warning: module 'X' does not define 'Other'; values of that type are "
+              "left open.\n");
 }
 
 /// Lines that each stand for the one behind them, in which `#` is the number of a line and `$` that

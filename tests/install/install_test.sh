@@ -17,6 +17,32 @@ mv "$work/first" "$work/installed"
 use_with_cmake "$work/installed" "$flags"
 use_with_pkg_config "$work/installed" "$flags"
 
+# Calls that cannot be meant end in a sentence.
+mkdir "$work/wrong"
+while IFS='|' read -r call sentence; do
+    printf 'cmake_minimum_required(VERSION 3.23)\nproject(wrong LANGUAGES CXX)\n%s\n%s\n' \
+        'find_package(brevantis_asn1 REQUIRED)
+add_library(own own.cpp)
+set(all NAMESPACE own INCLUDE_PREFIX own OUTPUT_DIRECTORY generated MODULES CMakeLists.txt)' \
+        "${call//;/$'\n'}" >"$work/wrong/CMakeLists.txt"
+    if "$cmake" -S "$work/wrong" -B "$work/wrong/build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
+        -DCMAKE_PREFIX_PATH="$work/installed" >"$work/log" 2>&1 ||
+        ! tr -s '\n ' ' ' <"$work/log" | grep -qF "$sentence"; then
+        cat "$work/log"
+        echo "FAILED: $call"
+        exit 1
+    fi
+done <<'END'
+asn1gen_modules(other ${all})|there is no target 'other'
+asn1gen_modules(own MODULES a.asn1)|NAMESPACE is missing
+asn1gen_modules(own ${all} EXPORT_MACRO)|what is meant by 'EXPORT_MACRO'?
+asn1gen_modules(own ${all} NAMESPACE a-b)|'a-b' is no namespace of C++
+asn1gen_modules(own ${all} MODULES none.asn1)|'none.asn1' is no file
+asn1gen_modules(own ${all});asn1gen_modules(own ${all})|another call has
+set(CMAKE_CROSSCOMPILING ON);asn1gen_modules(own ${all})|BREVANTIS_ASN1GEN has to name an asn1gen
+END
+echo "wrong calls: told"
+
 for component in asn1 asn1-development; do
     quietly "$cmake" --install "$build_tree" --prefix "$work/part" --component $component
 done

@@ -31,7 +31,7 @@ std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
                                            const Options& options, Diagnostics& diagnostics) {
     std::set<std::string> stems;
     for (const SourceFile& file : files) {
-        if (!stems.insert(stemOf(file.name)).second) {
+        if (!file.ofLibrary && !stems.insert(stemOf(file.name)).second) {
             diagnostics.error({file.name, 1, 1}, "a second file '" + stemOf(file.name) + "'");
         }
     }
@@ -44,8 +44,16 @@ std::map<std::string, std::string> compile(const std::vector<SourceFile>& files,
         model.files[i].node->digest = digestOf(files[i].text);
     }
     std::map<std::string, std::string> generated;
+    for (const auto& module : model.modules) {
+        if (module->ofLibrary) {
+            module->space = LibrarySpace;
+        }
+    }
     Emitter emitter(model, options.output);
     for (const File& file : model.files) {
+        if (file.ofLibrary) {
+            continue;
+        }
         const std::string& stem = file.node->stem;
         generated[options.headerDirectory + "/" + stem + ".h"] = emitter.header(file);
         generated[options.sourceDirectory + "/" + stem + ".cpp"] = emitter.source(file);

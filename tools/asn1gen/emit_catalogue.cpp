@@ -69,9 +69,14 @@ std::string Emitter::catalogue() {
     std::vector<std::pair<const Identifier*, std::string>> identifiers;
     std::vector<std::string> headers;
     for (const File& file : model_.files) {
-        stems.push_back(file.node->stem);
+        if (!file.ofLibrary) {
+            stems.push_back(file.node->stem);
+        }
     }
     for (const auto& module : model_.modules) {
+        if (module->ofLibrary) {
+            continue;
+        }
         const std::string& stem = module->node.file->stem;
         for (const Identifier& identifier : module->identifiers) {
             identifiers.emplace_back(&identifier, from(module.get(), identifier.name));

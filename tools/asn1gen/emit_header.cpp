@@ -221,7 +221,7 @@ void Emitter::includes(Writer& out, const Modules& modules) {
         for (const Module* other : neededHeaders(*module)) {
             const File* const header = headerOf_.at(other);
             if (header != headerOf_.at(module)) {
-                includes.insert("<" + output_.includePrefix + "/" + header->node->stem + ".h>");
+                includes.insert(include(*header));
             }
         }
     }
@@ -254,7 +254,7 @@ std::string Emitter::header(const File& file) {
     if (modules.empty()) {
         const File& shared = *headerOf_.at(file.modules.front());
         out.line("// Its types and those of others hold each other: they are declared together.");
-        out.line("#include <" + output_.includePrefix + "/" + shared.node->stem + ".h>");
+        out.line("#include " + include(shared));
         out.line();
         out.line("#endif");
         return out.text();

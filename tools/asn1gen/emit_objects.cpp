@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "emitter.h"
 #include <notation/names.h>
 
@@ -161,7 +163,7 @@ void $X::free$field(ASN1CTXT* ctxt, Asn1TObject& slot) {
 constexpr const char* SetDescription = R"(
 
 namespace sets {
-constexpr ${data}ObjectSetDescription $X = {
+${constant}${data}ObjectSetDescription $X = {
     /*name=*/"$X",
     /*objectClass=*/"$className",
     /*objects=*/$table,
@@ -175,7 +177,7 @@ constexpr ${data}ObjectSetDescription $X = {
 constexpr const char* SetTable = R"(
 
 namespace sets {
-constexpr ${data}ObjectSetDescription $X = {
+${constant}${data}ObjectSetDescription $X = {
     /*name=*/"$X",
     /*objectClass=*/"$className",
     /*objects=*/$table,
@@ -316,7 +318,13 @@ void Emitter::objectDefinitions(Writer& out, const Object& object) {
 void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
     const std::string data = engine("");
     const bool empty = set.objects.empty();
+    const bool lookedUp =
+        std::any_of(set.objects.begin(), set.objects.end(), [](const Object* object) {
+            return object->type != nullptr && isOfLibrary(*object->type);
+        });
+    const std::string constant = lookedUp ? "const " : "constexpr ";
     const Values values = {{"X", set.name},
+                           {"constant", constant},
                            {"class", from(set.objectClass->module, set.objectClass->name)},
                            {"className", set.objectClass->name},
                            {"data", data},
@@ -334,7 +342,7 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
                          arcsText(object->arcs, ", ") + "};");
             }
         }
-        out.line("constexpr " + data + "ObjectDescription " + set.name + "_objects[] = {");
+        out.line(constant + data + "ObjectDescription " + set.name + "_objects[] = {");
         for (const Object* object : set.objects) {
             const bool builtin = object->type != nullptr && object->type->builtin;
             const std::string type =
@@ -346,7 +354,7 @@ void Emitter::objectSetDefinitions(Writer& out, const ObjectSet& set) {
                      "_arcs" + ", " + std::to_string(object->arcs.size()) + ", " + type + "},");
         }
         out.line("};");
-        out.line("constexpr " + data + "ObjectChains " + set.name + "_chains(" + set.name +
+        out.line(constant + data + "ObjectChains " + set.name + "_chains(" + set.name +
                  "_objects);");
         out.line("}");
     }

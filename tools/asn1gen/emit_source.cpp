@@ -42,6 +42,11 @@ std::string constraintText(const std::vector<Range>& ranges, const std::string& 
     return ranges.empty() ? engine + "unconstrained" : engine + "within(" + rangeName(ranges) + ")";
 }
 
+// A table that names a description of the library gets it when the program starts.
+std::string constant(bool lookedUp) {
+    return lookedUp ? "const " : "constexpr ";
+}
+
 std::string truth(bool value) {
     return value ? "true" : "false";
 }
@@ -146,7 +151,7 @@ std::string Emitter::privateHeader(const File& file) {
 }
 
 void Emitter::sourceIncludes(Writer& out, const File& file) {
-    out.line("#include <" + output_.includePrefix + "/" + file.node->stem + ".h>");
+    out.line("#include " + include(file));
     out.line();
     out.line("#include <cstddef>");
     out.line("#include <type_traits>");
@@ -156,11 +161,14 @@ void Emitter::sourceIncludes(Writer& out, const File& file) {
     std::set<std::string> privateHeaders = {file.node->stem};
     const auto usesModule = [&](const Module* other, bool complete) {
         const File& home = *fileOf_.at(other);
-        if (&home != &file) {
+        if (&home == &file) {
+            return;
+        }
+        if (!home.ofLibrary) {
             privateHeaders.insert(home.node->stem);
-            if (complete) {
-                publicHeaders.insert("<" + output_.includePrefix + "/" + home.node->stem + ".h>");
-            }
+        }
+        if (complete) {
+            publicHeaders.insert(include(home));
         }
     };
     const auto uses = [&](const Type* type, bool complete) {
@@ -331,7 +339,10 @@ void Emitter::elementTable(Writer& out, const Type& type) {
         sameType(out, "decltype(" + record + (choice ? "::U::" : "::") + element.member + ")",
                  expected);
     }
-    out.line("constexpr " + data + "ElementDescription " + type.name + "_elements[] = {");
+    const bool lookedUp =
+        std::any_of(type.elements.begin(), type.elements.end(),
+                    [](const Element& element) { return isOfLibrary(*element.type); });
+    out.line(constant(lookedUp) + data + "ElementDescription " + type.name + "_elements[] = {");
     for (const Element& element : type.elements) {
         static const char* const taggings[] = {"Untagged", "Implicit", "Explicit"};
         static const char* const presences[] = {"Mandatory", "Optional", "Default"};
@@ -388,8 +399,12 @@ void Emitter::tableConstraint(Writer& out, const Type& type) {
     const bool optional = value.presence == Presence::Optional;
     const std::string slot = value.member + (table.kind == Table::OctetString ? "Typed" : "");
     out.line();
-    out.line("constexpr " + data + "TableConstraint " + type.name + "_table = {");
-    out.line("    &" + from(table.set->module, "sets::" + table.set->name) + ",");
+    const bool lookedUp = table.set->module->ofLibrary;
+    out.line(constant(lookedUp) + data + "TableConstraint " + type.name + "_table = {");
+    out.line("    " +
+             (lookedUp ? "&asn1data::librarySet(\"" + table.set->name + "\")"
+                       : "&" + from(table.set->module, "sets::" + table.set->name)) +
+             ",");
     out.line("    " + data + "OpenValue::" + kinds[table.kind] + ",");
     out.line("    offsetof(" + record + ", " + type.elements[table.identifier].member + "),");
     out.line("    offsetof(" + record + ", " + value.member + "),");
@@ -424,7 +439,9 @@ void Emitter::description(Writer& out, const Type& type) {
     if (!type.hasRecord() && type.aliasOf == nullptr) {
         sameType(out, record, scalarName(type.shape));
     }
-    out.line("constexpr " + data + "TypeDescription " + type.name + " = {");
+    const bool lookedUp =
+        isOfLibrary(target) || (target.element != nullptr && isOfLibrary(*target.element));
+    out.line(constant(lookedUp) + data + "TypeDescription " + type.name + " = {");
     const auto row = [&out](const char* field, const std::string& value) {
         out.line("    /*" + std::string(field) + "=*/" + value + ",");
     };
@@ -476,7 +493,8 @@ void Emitter::description(Writer& out, const Type& type) {
                    : target.element->builtin ? "&" + data + descriptorName(*target.element)
                                              : "&" + tableName(*target.element));
     row("aliasOf", type.aliasOf == nullptr ? "nullptr" : "&" + tableName(*type.aliasOf));
-    row("table", target.table ? "&" + tableName(target, "_table") : "nullptr");
+    row("table",
+        target.table ? (isOfLibrary(target) ? "" : "&") + tableName(target, "_table") : "nullptr");
     row("names", target.names.empty() ? "nullptr" : tableName(target, "_names"));
     row("nameCount", std::to_string(target.names.size()));
     row("road", data + "roadOf(" + data + "Shape::" + traitsOf(type.shape).name + ", " +

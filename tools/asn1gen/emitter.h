@@ -19,6 +19,13 @@ struct Output {
     std::string exportMacro; ///< may be empty
 };
 
+/// The library's own modules, where they are imported from.
+constexpr const char* LibrarySpace = "::asn1data";
+constexpr const char* LibraryPrefix = "brevantis/asn1/asn1data";
+
+/// Whether the library has the type: its description is looked up when the program starts.
+bool isOfLibrary(const Type& type);
+
 /// How types are called in C++.
 std::string recordName(const Type& type);  ///< `ASN1T_X`; of the aliased type if it has to
 std::string controlName(const Type& type); ///< `ASN1C_X`
@@ -68,6 +75,7 @@ private:
     std::string valueName(const Type& type) const;      ///< of the value in memory
     std::string descriptorName(const Type& type) const; ///< from the namespace of the module
     std::string tableName(const Type& type, const char* end = "") const; ///< from `types`
+    std::string include(const File& file) const;
 
     // header
     void opening(Writer& out, const File& file);

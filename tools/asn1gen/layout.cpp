@@ -18,6 +18,10 @@ std::string scalarName(Shape shape) {
     return "";
 }
 
+bool isOfLibrary(const Type& type) {
+    return type.module != nullptr && type.module->ofLibrary;
+}
+
 std::string recordName(const Type& type) {
     return "ASN1T_" + type.name;
 }
@@ -173,6 +177,9 @@ Emitter::Emitter(const Model& model, Output output) : model_(model), output_(std
     }
     for (const File& file : model_.files) {
         for (const Module* module : file.modules) {
+            if (file.ofLibrary) {
+                continue; // its headers are there already
+            }
             for (const Module* other : neededHeaders(*module)) {
                 reached[&file].insert(fileOf_[other]);
             }
@@ -213,6 +220,9 @@ std::vector<Emitter::Part> Emitter::partsOf(const Modules& modules) {
 }
 
 std::string Emitter::spaceName(const std::string& space) const {
+    if (space == LibrarySpace) {
+        return space.substr(2);
+    }
     return output_.nameSpace + (space.empty() ? "" : "::" + space);
 }
 
@@ -264,14 +274,26 @@ std::string Emitter::engine(const std::string& name) const {
 }
 
 std::string Emitter::descriptorName(const Type& type) const {
+    if (isOfLibrary(type)) {
+        return tableName(type);
+    }
     return type.builtin ? "builtin::" + type.name : from(type.module, "types::" + type.name);
 }
 
 std::string Emitter::tableName(const Type& type, const char* end) const {
+    if (isOfLibrary(type)) {
+        const std::string found = "asn1data::libraryType(\"" + type.name + "\")";
+        return *end == '\0' ? found : found + "." + (end + 1);
+    }
     return (type.module->space == here_
                 ? type.name
                 : "::" + spaceName(type.module->space) + "::types::" + type.name) +
            end;
+}
+
+std::string Emitter::include(const File& file) const {
+    const std::string& prefix = file.ofLibrary ? LibraryPrefix : output_.includePrefix;
+    return "<" + prefix + "/" + file.node->stem + ".h>";
 }
 
 } // namespace asn1gen

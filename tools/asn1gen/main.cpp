@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
@@ -12,7 +13,7 @@ namespace {
 
 const char* const help =
     R"(usage: asn1gen --namespace NAME --header-dir DIR --include-prefix PATH --source-dir DIR
-               [--export-macro NAME] [--catalogue] MODULE.asn1...
+               [--export-macro NAME] [--catalogue] [--library DIR] MODULE.asn1...
 
 Compiles ASN.1 modules (X.680 to X.683) that import from each other, in any order. For each file
 M.asn1 it writes M.h with the records, control classes and functions of its types, M.cpp with their
@@ -24,6 +25,7 @@ descriptions, and M_types.h, which M.cpp needs. A file that would not change is 
   --source-dir DIR       where the sources go
   --export-macro NAME    marks what a shared library exports
   --catalogue            also write catalogue.cpp, which finds every description by name
+  --library DIR          modules of the library, whose types are used where they are imported
   --help                 print this and exit
   --version              print the version and exit
 
@@ -68,6 +70,21 @@ bool writeFile(const std::string& name, const std::string& text) {
     return out.good();
 }
 
+// Puts the library's modules in front.
+bool readLibrary(const std::string& directory, std::vector<asn1gen::SourceFile>& files) {
+    std::vector<asn1gen::SourceFile> all;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
+        asn1gen::SourceFile file{entry.path().string(), "", true};
+        if (entry.path().extension() == ".asn1" && readFile(file.name, file.text)) {
+            all.push_back(std::move(file));
+        }
+    }
+    std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    files.insert(files.begin(), all.begin(), all.end());
+    return !all.empty();
+}
+
 int usageError(const std::string& sentence) {
     std::cerr << "asn1gen: " << sentence << "; see asn1gen --help\n";
     return 1;
@@ -75,13 +92,15 @@ int usageError(const std::string& sentence) {
 
 int run(const std::vector<std::string>& arguments) {
     asn1gen::Options options;
+    std::string library;
     std::vector<asn1gen::SourceFile> files;
     const std::pair<const char*, std::string*> values[] = {
         {"--namespace", &options.output.nameSpace},
         {"--header-dir", &options.headerDirectory},
         {"--include-prefix", &options.output.includePrefix},
         {"--source-dir", &options.sourceDirectory},
-        {"--export-macro", &options.output.exportMacro}};
+        {"--export-macro", &options.output.exportMacro},
+        {"--library", &library}};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (argument == "--help") {
@@ -97,7 +116,7 @@ int run(const std::vector<std::string>& arguments) {
             continue;
         }
         if (argument.rfind("--", 0) != 0) {
-            asn1gen::SourceFile file{argument, ""};
+            asn1gen::SourceFile file{argument, "", false};
             std::error_code error;
             if (std::filesystem::is_directory(argument, error)) {
                 std::cerr << "asn1gen: " << argument << " is a folder; name the modules in it\n";
@@ -125,6 +144,10 @@ int run(const std::vector<std::string>& arguments) {
     if (files.empty() || options.output.nameSpace.empty() || options.headerDirectory.empty() ||
         options.output.includePrefix.empty() || options.sourceDirectory.empty()) {
         return usageError("an option or the modules are missing");
+    }
+    if (!library.empty() && !readLibrary(library, files)) {
+        std::cerr << "asn1gen: " << library << " holds no modules\n";
+        return 1;
     }
     asn1gen::Diagnostics diagnostics;
     const std::map<std::string, std::string> generated =

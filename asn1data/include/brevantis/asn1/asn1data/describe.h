@@ -89,8 +89,8 @@ struct ElementDescription {
     const char* parameter;   ///< what a broken `constraint` names, as "pvalue->millis"
     long long defaultNumber; ///< DEFAULT of a number or BOOLEAN
     const char* defaultText; ///< DEFAULT of an INTEGER in text form, null otherwise
-    /// CHOICE: the tag that stands for the alternative. 0 where only the first octet tells: the
-    /// alternative is itself a CHOICE, an open type, or of a type with an EXPLICIT tag of its own.
+    /// CHOICE, SET: the tag that tells the element from others. 0 where only what it can begin with
+    /// does: it is itself a CHOICE, an open type, or of a type with an EXPLICIT tag of its own.
     ASN1TAG matchTag;
 };
 

@@ -1,6 +1,8 @@
 #ifndef BREVANTIS_ASN1_ASN1DATA_GENERATED_H
 #define BREVANTIS_ASN1_ASN1DATA_GENERATED_H
 
+#include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 
 #include <brevantis/asn1/asn1data/describe.h>
@@ -11,6 +13,26 @@
 /// What the sources made by asn1gen have in common besides the engine.
 
 namespace asn1data {
+
+/// A type of the library, for modules that import it.
+/// @return the description; where the library is too old to have it, the program ends
+inline const TypeDescription& libraryType(const char* name) noexcept {
+    const TypeDescription* const found = findType(name);
+    if (found == nullptr) {
+        std::abort();
+    }
+    return *found;
+}
+
+/// An object set of the library, likewise.
+inline const ObjectSetDescription& librarySet(const char* name) noexcept {
+    for (const ObjectSetDescription* set : allObjectSets()) {
+        if (std::strcmp(set->name, name) == 0) {
+            return *set;
+        }
+    }
+    std::abort();
+}
 
 /// The identifier octets that a value can begin with, listed.
 constexpr IdentifierSet beginsWith(std::initializer_list<unsigned char> octets) {
