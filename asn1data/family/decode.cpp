@@ -154,6 +154,7 @@ class Storing {
 public:
     using Value = void*;
     static constexpr bool watchesOpenValues = false;
+    static constexpr bool canGoOn = false;
 
     explicit Storing(ASN1CTXT* ctxt) : ctxt_(ctxt) {}
 

@@ -32,6 +32,8 @@ struct Expected {
 /// - `primitive`, `addition`, `withinConstraint`, `prepare`, `took`, `selects`, `selected`;
 /// - objects that live as long as something is read: `Step` (on the path to an element),
 ///   `Constructed` (its contents), `List` and `Places` (its elements);
+/// - `canGoOn`: whether it may go on behind a failure, with `goOnBehind` and the like, and
+///   `Constructed::goOn`;
 /// - `watchesOpenValues`: whether it has to know a record with an open value from the start, by an
 ///   `OpenValue` object, or can `resolve` that from the record.
 template <class Sink>
@@ -224,6 +226,25 @@ struct DecodeFlow {
                                   nullptr, &type, first, last - first});
     }
 
+    /// Goes on where a mandatory element should have been. What stands there is a later one, or
+    /// stands in its place, or in front of it.
+    /// @param place behind that element, which is looked for again if the place is one less
+    [[gnu::cold, gnu::noinline]] static int
+    goOnWithout(Sink sink, int status, const TypeDescription& type, unsigned& place) {
+        ASN1CTXT* const ctxt = sink.ctxt();
+        for (unsigned later = place; later < type.elementCount; ++later) {
+            if (beginsHere(ctxt, type.elements[later])) {
+                return sink.goOnHere(status);
+            }
+        }
+        status = sink.goOnBehindUnread(status);
+        if (status == ASN1S_SUCCESS && ctxt->buffer.byteIndex < ctxt->buffer.size &&
+            beginsHere(ctxt, type.elements[place - 1])) {
+            --place;
+        }
+        return status;
+    }
+
     /// Elements in the order of declaration (X.690, 8.9.2); the place in the declaration only moves
     /// on.
     [[gnu::always_inline]] static int decodeSequence(Sink sink, const TypeDescription& type,
@@ -249,19 +270,34 @@ struct DecodeFlow {
             const bool mandatory = element.presence == Presence::Mandatory;
             if (!mandatory || element.tagging != Tagging::Untagged) {
                 if (!beginsHere(ctxt, element)) {
-                    if (mandatory) {
-                        return failAt(sink, ASN1S_TAG_NOT_FOUND, type, next);
+                    if (!mandatory) {
+                        continue;
                     }
+                    int status = failAt(sink, ASN1S_TAG_NOT_FOUND, type, next);
+                    const unsigned missing = place;
+                    if constexpr (Sink::canGoOn) {
+                        status = goOnWithout(sink, status, type, place);
+                    }
+                    if (status != ASN1S_SUCCESS) {
+                        return status;
+                    }
+                    found += place == missing ? 1 : 0;
                     continue;
                 }
             }
             sink.atElement();
             const typename Sink::Step step(sink, type, element, next);
-            const int status = decodeElement(sink, type, element, sink.member(record, element));
-            if (status != ASN1S_SUCCESS) {
-                return status;
+            int status = decodeElement(sink, type, element, sink.member(record, element));
+            if (status == ASN1S_SUCCESS) {
+                sink.took(type, element, record);
+            } else {
+                if constexpr (Sink::canGoOn) {
+                    status = sink.goOnBehind(status);
+                }
+                if (status != ASN1S_SUCCESS) {
+                    return status;
+                }
             }
-            sink.took(type, element, record);
             found += mandatory ? 1 : 0;
             next = place;
         }
@@ -333,8 +369,15 @@ struct DecodeFlow {
             }
             const unsigned i = memberWith(type, ctxt->buffer.data[start], tag);
             if (i == type.elementCount) {
-                return sink.fail(ASN1S_UNKNOWN_SET_MEMBER,
-                                 {Expectation::OtherMember, nullptr, &type});
+                status =
+                    sink.fail(ASN1S_UNKNOWN_SET_MEMBER, {Expectation::OtherMember, nullptr, &type});
+                if constexpr (Sink::canGoOn) {
+                    status = sink.goOnBehindMember(status);
+                }
+                if (status != ASN1S_SUCCESS) {
+                    return status;
+                }
+                continue;
             }
             const ElementDescription& element = type.elements[i];
             const Value value = sink.member(record, element);
@@ -347,16 +390,22 @@ struct DecodeFlow {
                     decodeTagged(sink, type, element, value, innerTagging(element), elementLength);
             }
             if (status != ASN1S_SUCCESS) {
-                return sink.fail(status, {});
+                sink.fail(status, {});
+            } else {
+                status = sink.withinConstraint(*element.type, value, element.constraint,
+                                               element.parameter);
             }
-            status =
-                sink.withinConstraint(*element.type, value, element.constraint, element.parameter);
+            if (status == ASN1S_SUCCESS && seen.has(i)) {
+                status = sink.fail(ASN1S_DUPLICATE_SET_MEMBER,
+                                   {Expectation::OtherMember, nullptr, &type});
+            }
+            if constexpr (Sink::canGoOn) {
+                if (status != ASN1S_SUCCESS) {
+                    status = sink.goOnBehind(status);
+                }
+            }
             if (status != ASN1S_SUCCESS) {
                 return status;
-            }
-            if (seen.has(i)) {
-                return sink.fail(ASN1S_DUPLICATE_SET_MEMBER,
-                                 {Expectation::OtherMember, nullptr, &type});
             }
             seen.add(i);
             sink.took(type, element, record);
@@ -430,7 +479,12 @@ struct DecodeFlow {
                 return sink.fail(ASN1S_NO_MEMORY, {Expectation::Memory});
             }
             const typename Sink::Step step(sink, type, elements.count());
-            const int status = decode(sink, *type.element, place, ASN1TagExplicit, 0);
+            int status = decode(sink, *type.element, place, ASN1TagExplicit, 0);
+            if constexpr (Sink::canGoOn) {
+                if (status != ASN1S_SUCCESS) {
+                    status = sink.goOnBehind(status);
+                }
+            }
             if (status != ASN1S_SUCCESS) {
                 return status;
             }
@@ -535,9 +589,19 @@ struct DecodeFlow {
         typename Sink::Constructed constructed(sink, type, length);
         int status = constructed.isEntered() ? decodeContents<shape>(sink, type, value, length)
                                              : constructed.stepOver();
+        if constexpr (Sink::canGoOn) {
+            if (status != ASN1S_SUCCESS) {
+                status = constructed.goOn(status);
+            }
+        }
         if (status == ASN1S_SUCCESS && type.stepsOverEndOfContents &&
             length == ASN1IndefiniteLength && tagging == ASN1TagExplicit) {
             status = stepOverEndOfContents(sink);
+        }
+        if constexpr (Sink::canGoOn) {
+            if (status != ASN1S_SUCCESS) {
+                constructed.abandon();
+            }
         }
         return status == ASN1S_SUCCESS ? constructed.leave() : status;
     }

@@ -59,6 +59,10 @@ WalkAction WalkVisitor::tolerated(const WalkFailure& /*failure*/) {
     return WalkAction::Continue;
 }
 
+WalkAction WalkVisitor::fault(const WalkFault& /*fault*/) {
+    return WalkAction::Continue;
+}
+
 WalkResult walk(const TypeDescription& type, const unsigned char* message, std::size_t size,
                 WalkVisitor& visitor) {
     return family::walkPlainly(type, message, size, visitor, {});

@@ -28,7 +28,7 @@ namespace asn1data::family {
     failure.pathCut =
         writePath(here->step, failure.path, sizeof failure.path) >= sizeof failure.path;
     findFound(status, expectation, type);
-    if (openValue != nullptr) {
+    if (openValue != nullptr && !goesOn()) { // else its record may still be read whole
         openValue->reportRaw();
     }
     return status;

@@ -126,9 +126,12 @@ int OpenValueWalk::resolve() {
         const unsigned short flags = walker_.ctxt.flags;
         failing_ = behind;
         status = readAgain(object_);
-        if (status == ASN1S_SUCCESS) {
+        if (status == ASN1S_SUCCESS || walker_.goesOn()) {
             walker_.ctxt.buffer = behind;
             walker_.ctxt.flags = flags;
+        }
+        if (status < 0) {
+            status = walker_.goOnHere(status);
         }
     }
     if (status == ASN1S_SUCCESS && entered_) {
@@ -147,9 +150,12 @@ int OpenValueWalk::readAgain(const ObjectDescription* object) {
     walker_.ctxt.flags = flags_;
     walker_.object = object;
     walker_.atElement();
+    const unsigned char* const reached = walker_.reached_;
+    walker_.reached_ = walker_.elementStart;
     const StepWalk step(walker_, type_, element);
     walker_.rereads = true;
     const int status = walker_.readElement(type_, element);
+    walker_.reach(reached);
     walker_.rereads = false;
     walker_.object = nullptr;
     return status;

@@ -24,6 +24,8 @@ Walker::Walker(const unsigned char* message, unsigned size, WalkVisitor& visitor
     : base(message), visitor_(visitor), interest_(visitor.interest()), failure_(failure) {
     static const unsigned char nothing = 0;
     base = message != nullptr ? message : &nothing;
+    interest_.containers = interest_.containers || interest_.faults;
+    interest_.values = interest_.values || interest_.faults;
     rtInitReader(&ctxt, base, size);
     ctxt.flags = ASN1F_NO_COPY;
     if (size != 0) { // without octets there is no size to state
@@ -47,8 +49,17 @@ int Walker::run(const TypeDescription& type) {
     atElement();
     WalkPlace root(nullptr, nullptr, 0, StepKind::Message, nullptr, nullptr, nullptr, elementStart);
     here = &root;
-    const int status = DecodeFlow<Walking>::decode(Walking(*this), type, {}, ASN1TagExplicit, 0);
+    reached_ = base;
+    scopeEnd = ctxt.buffer.data + ctxt.buffer.size;
+    int status = DecodeFlow<Walking>::decode(Walking(*this), type, {}, ASN1TagExplicit, 0);
+    if (status < 0) {
+        status = goOn(status, scopeEnd);
+    }
     here = nullptr;
+    if (status == ASN1S_SUCCESS && first_.status != ASN1S_SUCCESS) {
+        failure_ = first_;
+        status = first_.status;
+    }
     return status;
 }
 
@@ -99,6 +110,7 @@ WalkScope Walker::scopeBehind() const {
 bool Walker::enter(const TypeDescription& type, const WalkScope& scope, const WalkOctets* octets) {
     if (interest_.containers) {
         describe(&type, scope);
+        reach(scope.contents);
         WalkElement& element = here->element;
         element.value = WalkValue{};
         if (octets != nullptr) {
@@ -172,6 +184,7 @@ int Walker::readRaw() {
                                                           const WalkScope& scope) {
     if (interest_.values) {
         describe(type, scope);
+        reach(octets());
         stopped = visitor_.primitive(here->element) == WalkAction::Stop;
     }
     return stopped ? int{WalkStopped} : int{ASN1S_SUCCESS};
@@ -346,6 +359,7 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, W
     const bool segmented = whole.data == nullptr;
     const unsigned char* const outerBase = base;
     const bool outerAssembled = assembled;
+    const unsigned char* const outerReached = reached_;
     if (segmented) {
         ctxt.buffer.byteIndex = header.position;
         ctxt.flags = header.flags;
@@ -355,6 +369,7 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, W
             return fail(status, {Expectation::Memory, &type});
         }
         base = whole.data;
+        reached_ = whole.data;
         assembled = true;
     }
     const int status = resolved(whole, whole.data);
@@ -367,6 +382,7 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, W
     }
     if (segmented) {
         base = outerBase;
+        reached_ = outerReached;
         assembled = outerAssembled;
     }
     ctxt.buffer = behind;
@@ -375,31 +391,23 @@ int Walker::resolveOctets(const TypeDescription& type, const WalkScope& scope, W
     return leave();
 }
 
-/// Goes through the octets of an open value. A failure leaves the context on them, success brings
-/// it back behind the raw value.
+/// Goes through the octets of an open value. Unless the walk goes on behind faults, a failure
+/// leaves the context on them; success brings it back behind the raw value.
 /// @param element first octet of the element that they are
 int Walker::resolved(WalkOctets value, const unsigned char* element) {
     const ObjectDescription* const selected = object;
     const ASN1Buffer behind = ctxt.buffer;
     const unsigned short flags = ctxt.flags;
+    const bool again = rereads;
     if (value.count == 0) {
         ctxt.buffer = openValue->failing_;
         return fail(ASN1S_END_OF_BUFFER, {Expectation::Octets, selected->type});
     }
     const StepWalk step(*this, *selected, element);
-    valueStart = value.data;
-    int status = xd_setp(&ctxt, value.data, static_cast<int>(value.count), nullptr, nullptr);
-    if (status != ASN1S_SUCCESS) {
-        return fail(status, {Expectation::Header, selected->type});
+    int status = readResolved(value, *selected);
+    if (status < 0) {
+        status = goOn(status, value.data + value.count);
     }
-    const Nesting nesting(&ctxt, true);
-    if (nesting.tooDeep()) {
-        return fail(ASN1S_NO_MEMORY, {Expectation::LessNesting, selected->type});
-    }
-    const bool again = rereads;
-    object = nullptr;
-    rereads = false;
-    status = DecodeFlow<Walking>::decode(Walking(*this), *selected->type, {}, ASN1TagExplicit, 0);
     if (status == ASN1S_SUCCESS) {
         rereads = again;
         object = selected;
@@ -408,6 +416,25 @@ int Walker::resolved(WalkOctets value, const unsigned char* element) {
         ctxt.flags = flags;
         number = 0;
     }
+    return status;
+}
+
+int Walker::readResolved(WalkOctets value, const ObjectDescription& selected) {
+    valueStart = value.data;
+    int status = xd_setp(&ctxt, value.data, static_cast<int>(value.count), nullptr, nullptr);
+    if (status != ASN1S_SUCCESS) {
+        return fail(status, {Expectation::Header, selected.type});
+    }
+    const Nesting nesting(&ctxt, true);
+    if (nesting.tooDeep()) {
+        return fail(ASN1S_NO_MEMORY, {Expectation::LessNesting, selected.type});
+    }
+    object = nullptr;
+    rereads = false;
+    const unsigned char* const outerEnd = scopeEnd;
+    scopeEnd = value.data + value.count;
+    status = DecodeFlow<Walking>::decode(Walking(*this), *selected.type, {}, ASN1TagExplicit, 0);
+    scopeEnd = outerEnd;
     return status;
 }
 

@@ -1,6 +1,7 @@
 #ifndef BREVANTIS_ASN1DATA_FAMILY_WALKER_H
 #define BREVANTIS_ASN1DATA_FAMILY_WALKER_H
 
+#include <algorithm>
 #include <type_traits>
 
 #include <brevantis/asn1/asn1data/reading_policy.h>
@@ -138,6 +139,18 @@ public:
     int checkConstraint(const TypeDescription& type, const Constraint& constraint,
                         const char* parameter);
 
+    /// Whether the walk goes on behind faults.
+    bool goesOn() const { return interest_.faults; }
+    /// Goes on behind the element that begins at a place, if it ends in the one around it.
+    /// @param status that it failed with
+    /// @return 0, WalkStopped, or the status
+    int goOnBehind(int status, const unsigned char* element);
+    /// Goes on at the end of the contents at hand, if that is known.
+    /// @param length of the contents; if it is definite, they end at `scopeEnd`
+    int goOnAtEnd(int status, int length);
+    /// Goes on where the walk stands: nothing is lost.
+    int goOnHere(int status) { return goOn(status, octets()); }
+
     /// Counts an element, if there is a limit.
     /// @return whether it is beyond the limit
     bool isBeyondLimit() {
@@ -161,6 +174,7 @@ public:
 
     ASN1CTXT ctxt;
     WalkPlace* here = nullptr;                   ///< of the element at hand
+    const unsigned char* scopeEnd = nullptr;     ///< where what is read now ends; if it goes on
     const unsigned char* elementStart = nullptr; ///< of the element that a step leads to next
     const unsigned char* valueStart = nullptr;   ///< of the innermost header
     const unsigned char* base;                   ///< offset 0
@@ -197,6 +211,15 @@ private:
     int resolveOctets(const TypeDescription& type, const WalkScope& scope, WalkOctets value,
                       const WalkHeader& header);
     int resolved(WalkOctets value, const unsigned char* element);
+    int readResolved(WalkOctets value, const ObjectDescription& selected);
+    bool goesOnBehind(int status) const;
+    int goOn(int status, const unsigned char* end);
+    /// The octets up to a place have been reported.
+    void reach(const unsigned char* end) {
+        if (interest_.faults) {
+            reached_ = std::max(reached_, end);
+        }
+    }
     void expectCandidates();
     void findFound(int status, Expectation expectation, const TypeDescription* type);
 
@@ -207,6 +230,8 @@ private:
     unsigned trials_ = 0; ///< open values, inside each other, that are read to see whether they can
     unsigned faults_ = 0; ///< open values that were found to stay raw
     bool trusts_ = false; ///< open values are known to decode
+    const unsigned char* reached_ = nullptr; ///< behind what was reported last
+    WalkFailure first_{};                    ///< fault that the walk has gone on behind
 
     friend class OpenValueWalk;
 };
@@ -315,6 +340,7 @@ class Walking {
 public:
     struct Value {};
     static constexpr bool watchesOpenValues = true;
+    static constexpr bool canGoOn = true;
 
     explicit Walking(Walker& walker) : walker_(&walker) {}
 
@@ -343,6 +369,16 @@ public:
     bool makeArray(const TypeDescription& /*type*/, Value /*value*/, int /*size*/) const {
         return true;
     }
+    int goOnBehind(int status) const {
+        return walker_->goOnBehind(status, walker_->here->element.data);
+    }
+    int goOnBehindMember(int status) const {
+        return walker_->goOnBehind(status, walker_->elementStart);
+    }
+    int goOnBehindUnread(int status) const {
+        return walker_->goOnBehind(status, walker_->octets());
+    }
+    int goOnHere(int status) const { return walker_->goOnHere(status); }
     int primitive(const TypeDescription& type, Value /*value*/, ASN1TagType tagging,
                   int length) const {
         return type.shape == Shape::OpenType ? walker_->openType(type)
@@ -372,7 +408,18 @@ public:
                 walker.openValue->enters(length);
             }
             entered_ = fits_ && (!reported_ || walker.enter(type, length));
+            if (walker.goesOn()) {
+                bindScope();
+            }
         }
+        ~Constructed() {
+            if (walker_.goesOn()) {
+                walker_.scopeEnd = outerEnd_;
+            }
+        }
+        Constructed(const Constructed&) = delete;
+        Constructed& operator=(const Constructed&) = delete;
+
         bool isEntered() const { return entered_; }
         int stepOver() {
             return fits_ ? walker_.stepOver(type_, length_)
@@ -382,7 +429,7 @@ public:
             if (!entered_) {
                 return ASN1S_SUCCESS;
             }
-            walker_.stepped = false;
+            walker_.stepped = walker_.goesOn() && isCut_;
             if (!reported_) {
                 return ASN1S_SUCCESS;
             }
@@ -392,11 +439,42 @@ public:
             }
             return walker_.leave();
         }
+        /// After a failure inside: goes on at the end, if that is known.
+        int goOn(int status) {
+            if (walker_.goesOn() && entered_ && ends_) {
+                status = walker_.goOnAtEnd(status, length_);
+                isCut_ = status == ASN1S_SUCCESS;
+            }
+            return status;
+        }
+        /// After a failure that ends the element: it is left all the same.
+        void abandon() {
+            if (entered_ && reported_ && walker_.goesOn() && !walker_.stopped) {
+                if (type_.table != nullptr) {
+                    walker_.openValue->reportRaw();
+                }
+                walker_.leave();
+            }
+        }
 
     private:
+        void bindScope() {
+            outerEnd_ = walker_.scopeEnd;
+            isCut_ = false;
+            const bool definite = length_ != ASN1IndefiniteLength;
+            ends_ = !definite || (length_ >= 0 && length_ <= outerEnd_ - walker_.octets());
+            if (definite && ends_) {
+                walker_.scopeEnd = walker_.octets() + length_;
+            }
+        }
+
         Walker& walker_;
         const TypeDescription& type_;
+        // Told where the walk goes on behind faults only.
+        const unsigned char* outerEnd_ = nullptr; ///< of what is around
         int length_;
+        bool ends_ = false;  ///< in what is around, as far as the length tells
+        bool isCut_ = false; ///< not all of it was read
         bool reported_;
         bool fits_;
         bool entered_;

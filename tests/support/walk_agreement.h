@@ -1,6 +1,9 @@
 #ifndef TESTS_SUPPORT_WALK_AGREEMENT_H
 #define TESTS_SUPPORT_WALK_AGREEMENT_H
 
+#include <algorithm>
+#include <vector>
+
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/reading_policy.h>
 #include <gtest/gtest.h>
@@ -39,6 +42,90 @@ private:
     }
 };
 
+/// Checks of a walk that goes on behind faults that each octet is reported.
+class CoveringVisitor : public CountingVisitor {
+public:
+    explicit CoveringVisitor(std::size_t size) : covered_(size) {}
+
+    asn1data::WalkInterest interest() const override { return {true, true, true}; }
+    asn1data::WalkAction enter(const asn1data::WalkElement& element) override {
+        cover(element.assembled, element.offset, element.headerLength);
+        return CountingVisitor::enter(element);
+    }
+    asn1data::WalkAction leave(const asn1data::WalkElement& element) override {
+        if (element.encapsulates || element.object != nullptr) {
+            cover(element.assembled, element.offset, sizeOf(element));
+        }
+        return CountingVisitor::leave(element);
+    }
+    asn1data::WalkAction primitive(const asn1data::WalkElement& element) override {
+        cover(element.assembled, element.offset, sizeOf(element));
+        return CountingVisitor::primitive(element);
+    }
+    asn1data::WalkAction fault(const asn1data::WalkFault& fault) override {
+        ++faults;
+        EXPECT_LT(fault.failure.status, 0);
+        cover(fault.assembled, fault.offset, fault.size);
+        return asn1data::WalkAction::Continue;
+    }
+
+    /// The first octet that has not been reported, but for end-of-contents.
+    std::size_t uncovered(const Octets& message) const {
+        std::size_t place = 0;
+        while (place < message.size() && (covered_[place] || message[place] == 0)) {
+            ++place;
+        }
+        return place;
+    }
+
+    unsigned faults = 0;
+
+private:
+    /// As the header has it: behind a typed open value octets may be left over, which nobody reads.
+    /// All that is left where nobody closes an element of indefinite length.
+    std::size_t sizeOf(const asn1data::WalkElement& element) const {
+        const std::size_t left = covered_.size() - element.offset;
+        const bool inMessage = !element.assembled && element.offset < covered_.size();
+        const unsigned size = inMessage ? asn1data::elementSize(element, element.data + left) : 0;
+        if (element.contentLength == ASN1IndefiniteLength) {
+            return size != 0 ? size : left;
+        }
+        const auto told = element.headerLength + static_cast<std::size_t>(element.contentLength);
+        return element.object != nullptr ? std::max<std::size_t>(size, told) : told;
+    }
+    void cover(bool assembled, std::size_t offset, std::size_t size) {
+        for (std::size_t i = offset; !assembled && i < offset + size; ++i) {
+            ASSERT_LT(i, covered_.size());
+            covered_[i] = true;
+        }
+    }
+
+    std::vector<bool> covered_;
+};
+
+/// Walks a message to its end, over all faults in it.
+/// @param plain how a walk ends that stops at the first one
+inline void expectWalkGoesOn(const asn1data::TypeDescription& type, const Octets& message,
+                             const asn1data::WalkResult& plain, unsigned elements) {
+    const Reader walked(message);
+    const unsigned char* const octets = const_cast<Reader&>(walked)->buffer.data;
+    CoveringVisitor visitor(message.size());
+    const asn1data::WalkResult result = asn1data::walk(type, octets, message.size(), visitor);
+    EXPECT_EQ(result.status, plain.status);
+    EXPECT_EQ(asn1data::failureText(result.failure), asn1data::failureText(plain.failure));
+    EXPECT_EQ(visitor.faults != 0, plain.status != 0);
+    EXPECT_EQ(visitor.depth, 0U);
+    // Of a value of indefinite length, and of one that is cut off, the decoder may look at less.
+    const bool definite = std::find(message.begin(), message.end(), 0x80) == message.end();
+    if (plain.status != 0 && definite) {
+        EXPECT_GE(visitor.uncovered(message) + 3, result.consumed);
+    }
+    if (plain.status == 0) {
+        EXPECT_EQ(visitor.elements, elements);
+        EXPECT_EQ(result.consumed, plain.consumed);
+    }
+}
+
 /// Decodes and walks a message, which stands in a block of exactly its size.
 /// @param policy in force in both
 /// @return the status that both give
@@ -69,6 +156,9 @@ inline int expectWalkAgrees(const asn1data::TypeDescription& type, const Octets&
     const WalkResult result = walk(type, octets, message.size(), visitor, policy);
     EXPECT_EQ(result.status, status) << failureText(result.failure);
     EXPECT_EQ(result.failure.status, status);
+    if (policy.flags == 0 && policy.elementLimit == 0 && policy.depthLimit == 64) {
+        expectWalkGoesOn(type, message, result, visitor.elements);
+    }
     if (status == 0) {
         EXPECT_EQ(result.consumed, reader.position());
         EXPECT_EQ(visitor.depth, 0u);

@@ -108,9 +108,13 @@ enum class WalkAction : unsigned char {
 struct WalkInterest {
     bool containers = true; ///< `enter` and `leave` are called
     bool values = true;     ///< `primitive` is called
+    /// The walk goes on behind faults, and `fault` is called; `enter`, `leave` and `primitive` then
+    /// are in any case.
+    bool faults = false;
 };
 
 struct WalkFailure;
+struct WalkFault;
 
 /// Is told what a walk comes across, in the order of the message. One exception: the octets of an
 /// open value are reported when the record around them has been read whole, for only then does the
@@ -139,6 +143,10 @@ public:
     /// An open value that ASN1F_TOLERATE_OPEN_VALUES leaves raw, which is reported next.
     /// @param failure why; lives until the visitor returns
     virtual WalkAction tolerated(const WalkFailure& failure);
+
+    /// A fault that the walk goes on behind.
+    /// @return Stop to end the walk; anything else goes on
+    virtual WalkAction fault(const WalkFault& fault);
 };
 
 /// Size of a whole element in octets, header, EXPLICIT tags and end-of-contents included.
@@ -211,6 +219,25 @@ struct WalkFailure {
     char path[PathSize];              ///< terminated text, as writePath gives it
 };
 
+/// A fault that a walk goes on behind, because its visitor asks for that (WalkInterest::faults).
+///
+/// A fault costs the element that it is in, where that ends inside the one around it, or else what
+/// is left of that one: its octets are told here, as far as nothing of them has been reported, and
+/// the elements behind them are read by their types again. Of a mandatory element that is missing
+/// nothing is told but that. Elements that were entered are left in any case, also those that
+/// nobody knows the end of; then what is left of the element around is told.
+///
+/// So each octet of a message belongs to the header of an element that was entered, to a primitive,
+/// to what is told here, to end-of-contents octets, or stands behind the message; an open value
+/// that is read at the end of its record may have been told here in front of it.
+struct WalkFault {
+    const WalkFailure& failure; ///< lives until the visitor returns
+    const unsigned char* data;  ///< octets that are reported in no other way
+    unsigned offset;            ///< of the first of them
+    unsigned size;              ///< 0 when the element had been reported already
+    bool assembled;             ///< as in WalkElement
+};
+
 /// What was expected, in English: "INTEGER (02)", "one of [0] version, serialNumber INTEGER (02)",
 /// "a size of 1..64", "end of contents". The text is cut as writePath cuts it.
 /// @return the length of the whole text without its terminator
@@ -235,7 +262,9 @@ BREVANTIS_ASN1_API std::string failureText(const WalkFailure& failure);
 
 /// How a walk ended.
 struct WalkResult {
-    int status;        ///< 0 when the message was accepted or the visitor stopped, else negative
+    /// 0 when the message was accepted or the visitor stopped, else negative; that of the first
+    /// fault where the walk went on behind faults.
+    int status;
     bool stopped;      ///< the visitor stopped it
     unsigned consumed; ///< octets that the message takes; what is behind them was not looked at
     WalkFailure failure;
