@@ -74,7 +74,16 @@ std::string escapeSequence(std::uint32_t code) {
 
 EscapedText escape(Octets octets, CharacterCoding coding, std::size_t room, bool quoted) {
     EscapedText result;
+    const bool oneOctet = coding == CharacterCoding::Utf8 || coding == CharacterCoding::Latin1;
     for (std::size_t place = 0; place < octets.size();) {
+        const unsigned char octet = octets[place];
+        if (oneOctet && octet >= 0x20 && octet < 0x7F &&
+            (!quoted || (octet != '"' && octet != '\\')) && result.columns < room) {
+            result.text += static_cast<char>(octet);
+            ++result.columns;
+            ++place;
+            continue;
+        }
         const Character character = characterAt(octets.subspan(place), coding);
         std::string shown;
         std::size_t columns = 0;
@@ -127,6 +136,12 @@ ShownUnit firstUnit(std::string_view text) {
 
 std::size_t columnsOf(std::string_view text) {
     std::size_t columns = 0;
+    // Plain characters are what most texts consist of.
+    while (columns < text.size() && text[columns] >= ' ' && text[columns] <= '~' &&
+           text[columns] != '\\') {
+        ++columns;
+    }
+    text.remove_prefix(columns);
     while (!text.empty()) {
         const ShownUnit unit = firstUnit(text);
         columns += unit.columns;

@@ -17,9 +17,9 @@ std::unique_ptr<Format> make(const FormatContext& context) {
 
 std::span<const FormatDescription> allFormats() {
     static constexpr FormatDescription formats[] = {
-        {"tree", &make<TreeFormat>, true, false, false},
-        {"json", &make<JsonFormat>, false, true, false},
-        {"der", &make<DerFormat>, false, false, true},
+        {"tree", &make<TreeFormat>, true, false, true, false},
+        {"json", &make<JsonFormat>, false, true, true, false},
+        {"der", &make<DerFormat>, false, false, false, true},
     };
     return formats;
 }

@@ -27,11 +27,15 @@ struct View {
 };
 
 /// A format that messages are written in. For each of them `begin` is called; then, as a walk comes
-/// across them, `enter`, `leave` and `primitive`; then what applies of `missing`, `error` and
-/// `trailing`; then `end`. What a view refers to lives until then.
+/// across them, `enter`, `leave` and `primitive`, and `fault` if it asks for that, or `plain` for a
+/// message of no known type; then what applies of `missing`, `error` and `trailing`; then `end`.
+/// What a view refers to lives until then.
 class Format : public asn1data::WalkVisitor {
 public:
     virtual void begin(const View& view) = 0;
+    /// The message is of no known type.
+    /// @return whether it is sound
+    virtual bool plain() { return false; }
     /// The message is cut short. Its walk went on with zeros, up to the first value that is not
     /// wholly there or to a failure in front of it.
     virtual void missing(const asn1data::WalkResult& walked) = 0;
@@ -58,6 +62,7 @@ struct FormatDescription {
     std::unique_ptr<Format> (*make)(const FormatContext& context);
     bool takesLayout; ///< --offsets and --full
     bool takesLines;  ///< --lines
+    bool showsPlain;  ///< messages of no known type
     bool isOctets;    ///< whole messages as octets, which are not for a terminal
 };
 

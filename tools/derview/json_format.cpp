@@ -1,6 +1,7 @@
 #include "json_format.h"
 
 #include <brevantis/asn1/runtime/status.h>
+#include <brevantis/asn1/text/elements.h>
 
 #include "failure_text.h"
 
@@ -19,7 +20,7 @@ void JsonFormat::begin(const View& view) {
         json_.string(message.label);
     }
     json_.key("type");
-    json_.string(view.type().name);
+    json_.stringOrNull(view.recognition.type != nullptr ? view.type().name : nullptr);
     json_.key("recognised");
     json_.string(view.recognition.reason);
     if (view.span != nullptr) {
@@ -30,8 +31,16 @@ void JsonFormat::begin(const View& view) {
     }
     json_.key("size");
     json_.number(static_cast<long long>(view.size()));
-    json_.key("value");
-    value_.emplace(json_, names_);
+    if (view.recognition.type != nullptr) {
+        json_.key("value");
+        value_.emplace(json_, names_);
+    }
+}
+
+bool JsonFormat::plain() {
+    json_.key("hex");
+    json_.hex(view_->message.octets);
+    return areElements(view_->message.octets);
 }
 
 void JsonFormat::endValue() {

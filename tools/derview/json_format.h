@@ -18,6 +18,7 @@ public:
           names_(context.arguments.names) {}
 
     void begin(const View& view) override;
+    bool plain() override;
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override {
         return value_->enter(element);
     }

@@ -56,6 +56,12 @@ WalkAction PathFilter::primitive(const WalkElement& element) {
     return WalkAction::Continue;
 }
 
+WalkAction PathFilter::fault(const asn1data::WalkFault& fault) {
+    const bool inside =
+        depth_ != 0 || (!fault.assembled && fault.offset >= first_ && fault.offset < end_);
+    return inside ? visitor_.fault(fault) : WalkAction::Continue;
+}
+
 WalkAction EndFilter::enter(const WalkElement& element) {
     const bool whole = element.offset + std::size_t{element.headerLength} <= end_;
     return whole || element.assembled ? visitor_.enter(element) : WalkAction::Stop;
@@ -68,6 +74,19 @@ WalkAction EndFilter::leave(const WalkElement& element) {
 
 WalkAction EndFilter::primitive(const WalkElement& element) {
     return isWhole(element, end_) ? visitor_.primitive(element) : WalkAction::Stop;
+}
+
+WalkAction EndFilter::fault(const asn1data::WalkFault& fault) {
+    // The failure may be one of the octets that are not there.
+    if (!fault.assembled && (fault.failure.offset >= end_ || fault.offset >= end_)) {
+        return WalkAction::Stop;
+    }
+    if (fault.assembled || fault.offset + std::size_t{fault.size} <= end_) {
+        return visitor_.fault(fault);
+    }
+    visitor_.fault({fault.failure, fault.data, fault.offset,
+                    static_cast<unsigned>(end_ - fault.offset), fault.assembled});
+    return WalkAction::Stop;
 }
 
 } // namespace derview

@@ -18,6 +18,8 @@ public:
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
     asn1data::WalkAction primitive(const asn1data::WalkElement& element) override;
+    asn1data::WalkAction fault(const asn1data::WalkFault& fault) override;
+    asn1data::WalkInterest interest() const override { return visitor_.interest(); }
 
 private:
     bool begins(const asn1data::WalkElement& element) const {
@@ -39,6 +41,8 @@ public:
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
     asn1data::WalkAction primitive(const asn1data::WalkElement& element) override;
+    asn1data::WalkAction fault(const asn1data::WalkFault& fault) override;
+    asn1data::WalkInterest interest() const override { return visitor_.interest(); }
 
 private:
     std::size_t end_;

@@ -47,6 +47,10 @@ public:
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
     asn1data::WalkAction primitive(const asn1data::WalkElement& element) override;
+    asn1data::WalkAction fault(const asn1data::WalkFault& fault) override {
+        return visitor_.fault(fault);
+    }
+    asn1data::WalkInterest interest() const override { return visitor_.interest(); }
 
 private:
     Progress& progress_;

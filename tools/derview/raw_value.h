@@ -2,7 +2,6 @@
 #define DERVIEW_RAW_VALUE_H
 
 #include <optional>
-#include <string>
 
 #include <brevantis/asn1/text/names.h>
 #include <brevantis/asn1/text/value.h>
@@ -13,14 +12,15 @@ namespace derview {
 
 /// The value of an element whose type only its tag tells.
 struct RawValue {
-    std::string typeName; ///< "UTF8String"
     ValueKind kind;
     ValueText value;
 };
 
 /// Reads an unknown element as the primitive that its universal tag stands for.
+/// @param element whole
+/// @param room columns
 /// @return nothing when it is none, or not a well-formed one
-std::optional<RawValue> rawValueText(const asn1data::WalkElement& element, std::size_t room,
+std::optional<RawValue> rawValueText(Octets element, std::size_t room,
                                      const IdentifierNames& names);
 
 } // namespace derview

@@ -31,6 +31,10 @@ public:
 
 private:
     bool checks() const { return arguments_.check || arguments_.lint; }
+    /// Whether messages of no known type are shown.
+    bool showsPlain() const {
+        return !checks() && !arguments_.diff && !arguments_.path && arguments_.format->showsPlain;
+    }
     void readFile(const std::string& path);
     /// The next message, to be read as the arguments tell.
     std::optional<Message> next(InputReader& reader) const;
@@ -78,7 +82,7 @@ Recognition Session::recogniseOrTell(const Message& message) {
             arguments_.type != nullptr
                 ? Recognition{arguments_.type, "as told"}
                 : recognise(message.shown, message.label, message.missing() != 0);
-        if (recognition.type != nullptr) {
+        if (recognition.type != nullptr || showsPlain()) {
             return recognition;
         }
         problem = recognition.reason + "; --type tells what it is";
@@ -89,7 +93,7 @@ Recognition Session::recogniseOrTell(const Message& message) {
 
 void Session::take(const Message& message) {
     const Recognition recognition = recogniseOrTell(message);
-    if (recognition.type == nullptr) {
+    if (recognition.type == nullptr && recognition.reason.empty()) {
         return;
     }
     progress_.begin(message);

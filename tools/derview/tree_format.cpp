@@ -1,14 +1,11 @@
 #include "tree_format.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <limits>
 
-#include <brevantis/asn1/text/value.h>
+#include <brevantis/asn1/text/name_text.h>
 
 #include "escape.h"
 #include "failure_text.h"
-#include "raw_value.h"
 #include "value_text.h"
 
 namespace derview {
@@ -18,189 +15,197 @@ using asn1data::WalkElement;
 
 namespace {
 
-constexpr std::size_t IndentStep = 2;
-constexpr std::size_t OffsetColumns = 22;
 /// Longer names push their own value to the right, not those of their neighbours.
 constexpr std::size_t LongestAligned = 26;
-/// Columns below which a value is better off in a line of its own.
-constexpr std::size_t LeastRoom = 16;
 
-/// Columns for the names of the elements of a type.
-std::size_t nameColumns(const asn1data::TypeDescription* container) {
-    if (container == nullptr) {
-        return 0;
-    }
-    if (isList(*container)) {
-        return 3;
-    }
-    std::size_t columns = 0;
-    for (unsigned i = 0; i < container->elementCount; ++i) {
-        const std::size_t length = std::string_view(container->elements[i].name).size();
-        columns = std::max(columns, length <= LongestAligned ? length : 0);
-    }
-    return columns;
+TreePlace placeOf(const WalkElement& element, std::size_t shift) {
+    return {element.offset + shift, element.headerLength,
+            element.contentLength == ASN1IndefiniteLength ? -1LL : element.contentLength,
+            element.assembled};
 }
 
-Style styleOf(ValueKind kind) {
-    switch (kind) {
-    case ValueKind::Boolean:
-    case ValueKind::Number:
-    case ValueKind::BigNumber:
-    case ValueKind::Time:
-        return Style::Number;
-    case ValueKind::Text:
-        return Style::Text;
-    case ValueKind::Bits:
-    case ValueKind::OctetString:
-    case ValueKind::Raw:
-        return Style::Hex;
-    default:
-        return Style::Plain;
-    }
-}
-
-/// Octets of an escaped text that fit in a line: behind a blank if there is one near the end, and
-/// whole characters and escapes.
-std::size_t sizeOfLine(std::string_view text, std::size_t room) {
-    std::size_t size = 0;
-    std::size_t columns = 0;
-    std::size_t blank = 0; // behind the last one
-    while (size < text.size()) {
-        const ShownUnit unit = firstUnit(text.substr(size));
-        if (size != 0 && columns + unit.columns > room) {
-            return blank > size / 2 ? blank : size;
-        }
-        size += unit.size;
-        columns += unit.columns;
-        blank = text[size - 1] == ' ' ? size : blank;
-    }
-    return size;
-}
-
-std::string offsetText(const WalkElement& element) {
-    const std::string contents = element.contentLength == ASN1IndefiniteLength
-                                     ? "indef"
-                                     : std::to_string(element.contentLength);
-    char text[64];
-    std::snprintf(text, sizeof text, "%c%9u %2u+%-7s ", element.assembled ? '~' : ' ',
-                  element.offset, element.headerLength, contents.c_str());
-    return text;
+/// Where octets stand that a value consists of.
+TreePlace placeOfOctets(const WalkElement& element, Octets octets, std::size_t shift) {
+    const bool inMessage = !element.segmented;
+    const std::size_t behind =
+        inMessage ? static_cast<std::size_t>(octets.data() - element.data) : 0;
+    return {inMessage ? element.offset + behind + shift : 0, 0, 0,
+            element.assembled || element.segmented};
 }
 
 } // namespace
 
-std::size_t TreeFormat::margin() const {
-    return (offsets_ ? OffsetColumns : 0) + labels_.depth() * IndentStep;
+/// Columns for the names of the elements of the type around.
+std::size_t TreeFormat::nameColumns() {
+    const asn1data::TypeDescription* const container = labels_.container();
+    if (container == nullptr) {
+        return 0;
+    }
+    if (container != container_) {
+        container_ = container;
+        columns_ = isList(*container) ? 3 : 0;
+        for (unsigned i = 0; i < container->elementCount; ++i) {
+            const std::size_t length = std::string_view(container->elements[i].name).size();
+            columns_ = std::max(columns_, length <= LongestAligned ? length : 0);
+        }
+    }
+    return columns_;
 }
 
 std::size_t TreeFormat::writeLabel(const WalkElement& element) {
-    if (offsets_) {
-        output_.write(Style::Quiet, offsetText(element));
-    }
-    output_.fill(labels_.depth() * IndentStep);
+    std::size_t column = lines_.begin(depth(), placeOf(element, shift_));
     const Label label = labels_.labelOf(element);
-    std::size_t column = margin();
     if (!label.name.empty()) {
-        output_.write(Style::Name, label.name);
-        const std::size_t columns =
-            std::max(nameColumns(labels_.container()), label.name.size()) + 2;
-        output_.fill(columns - label.name.size());
-        column += columns;
+        column = lines_.name(label.name, nameColumns(), column);
     }
     for (const std::string& choice : label.choices) {
-        column = findRoom(column, choice.size() + 1);
-        output_.write(Style::Quiet, choice + ": ");
-        column += choice.size() + 2;
+        column = lines_.prefix(choice, column);
     }
     return column;
 }
 
-std::size_t TreeFormat::roomAt(std::size_t column) const {
-    return width_ > column + LeastRoom ? width_ - column : LeastRoom;
-}
-
-std::size_t TreeFormat::findRoom(std::size_t column, std::size_t columns) {
-    if (column + columns <= width_) {
-        return column;
-    }
-    output_.dropBlanks();
-    output_.write("\n");
-    const std::size_t most = width_ > LeastRoom ? width_ - LeastRoom : 0;
-    const std::size_t next = std::min(margin() + IndentStep, most);
-    output_.fill(next);
-    return next;
-}
-
-void TreeFormat::writeWrapped(Style style, std::string_view text, std::size_t column) {
-    const std::size_t room = roomAt(column);
-    for (bool first = true; first || !text.empty(); first = false) {
-        const std::size_t size = sizeOfLine(text, room);
-        output_.fill(first ? 0 : column);
-        output_.write(style, text.substr(0, size));
-        output_.write("\n");
-        text.remove_prefix(size);
-    }
-}
-
-void TreeFormat::writeOctets(Octets octets, std::size_t column) {
-    const std::size_t room = roomAt(column) / 2;
-    for (bool first = true; !octets.empty(); first = false) {
-        const std::size_t size = std::min(octets.size(), room);
-        output_.fill(first ? 0 : column);
-        output_.write(Style::Hex, hexText(octets.first(size)));
-        output_.write("\n");
-        octets = octets.subspan(size);
-    }
-}
-
 void TreeFormat::writeValue(const WalkElement& element, std::size_t column) {
-    constexpr std::size_t endless = std::numeric_limits<std::size_t>::max();
-    const ValueKind kind = valueKind(element);
-    column = findRoom(column,
-                      std::min(columnsOf(valueText(element, LeastRoom, names_).text), LeastRoom));
-    const std::size_t room = full_ ? endless : roomAt(column);
-    if (kind == ValueKind::Raw) {
-        if (const auto known = rawValueText(element, room, names_)) {
-            if (known->kind != ValueKind::Null) {
-                output_.write(Style::Quiet, known->typeName + ": ");
-                column = findRoom(column + known->typeName.size() + 2,
-                                  std::min(columnsOf(known->value.text), LeastRoom));
-            }
-            writeText(known->kind, known->value, column);
-            return;
-        }
+    if (writeInside(element, column)) {
+        return;
     }
+    const ValueKind kind = valueKind(element);
+    const auto fits = [&](std::size_t columns) { return lines_.roomAt(column) > columns; };
+    if (!fits(TreeLines::LeastRoom)) {
+        column = lines_.findRoom(
+            column, std::min(columnsOf(valueText(element, TreeLines::LeastRoom, names_).text),
+                             TreeLines::LeastRoom));
+    }
+    const std::size_t room = lines_.full() ? Endless : lines_.roomAt(column);
     const bool isOctets = kind == ValueKind::OctetString || kind == ValueKind::Raw;
-    if (full_ && isOctets && element.value.octetCount != 0) {
+    if (lines_.full() && isOctets && element.value.octetCount != 0) {
         OctetStore store;
-        writeOctets(valueOctets(element, endless, store), column);
+        lines_.octets(valueOctets(element, Endless, store), column);
         return;
     }
     // A digest or a serial number is worth a second line.
     constexpr std::size_t neverCut = 66;
     const ValueText value = valueText(element, std::max(room, neverCut), names_);
-    writeText(kind, value.rest == 0 ? value : valueText(element, room, names_), column);
+    lines_.value(kind, value.rest == 0 ? value : valueText(element, room, names_), column);
 }
 
-void TreeFormat::writeText(ValueKind kind, const ValueText& value, std::size_t column) {
-    if (value.rest == 0) {
-        writeWrapped(styleOf(kind), value.text, column);
+bool TreeFormat::writeInside(const WalkElement& element, std::size_t column) {
+    const ValueKind kind = valueKind(element);
+    const bool isString = kind == ValueKind::OctetString ||
+                          (kind == ValueKind::Bits && element.type->nameCount == 0 &&
+                           element.value.bitCount % 8 == 0);
+    if (kind != ValueKind::Raw && !isString) {
+        return false;
+    }
+    OctetStore store;
+    const Octets octets = valueOctets(element, Endless, store);
+    if (octets.empty()) {
+        return false;
+    }
+    const InnerType inner = types_.find(element, octets);
+    const TreePlace place = placeOfOctets(element, octets, shift_);
+    if (inner.type != nullptr) {
+        const std::string text = inner.type->name + (inner.key.empty() ? "" : ", " + inner.key);
+        lines_.text(Style::Quiet, text, lines_.findRoom(column, text.size()));
+        openInside(*inner.type, octets, place);
+        return true;
+    }
+    const std::optional<PlainElement> plain = firstElement(octets);
+    if (kind == ValueKind::Raw) {
+        if (!plain || plain->octets.size() != octets.size()) {
+            return false;
+        }
+        TreePlace own = place;
+        own.headerLength = plain->header;
+        plain_.writeValue(*plain, column, depth(), own);
+        return true;
+    }
+    if (!inner.key.empty()) {
+        column = lines_.prefix(inner.key, column);
+    }
+    if (!plain || !plain->constructed || !holdElements(octets)) {
+        return !inner.key.empty() && (writeKey(element, column), true);
+    }
+    const std::string text = kind == ValueKind::Bits
+                                 ? "BIT STRING, " + std::to_string(element.value.bitCount) + " bits"
+                                 : "OCTET STRING, " + std::to_string(octets.size()) + " octets";
+    lines_.text(Style::Quiet, text, lines_.findRoom(column, text.size()));
+    plain_.write(octets, depth() + 1, place);
+    return true;
+}
+
+/// Writes a key that is nothing but octets.
+void TreeFormat::writeKey(const WalkElement& element, std::size_t column) {
+    OctetStore store;
+    const Octets octets = valueOctets(element, Endless, store);
+    if (lines_.full()) {
+        lines_.octets(octets, column);
         return;
     }
-    const std::string note = restText(value.rest);
-    if (columnsOf(value.text) + 1 + columnsOf(note) <= roomAt(column)) {
-        output_.write(styleOf(kind), value.text);
-        output_.write(Style::Quiet, " " + note + "\n");
-        return;
+    column = lines_.findRoom(column, TreeLines::LeastRoom);
+    lines_.value(ValueKind::OctetString, cutHex("", octets, octets.size(), lines_.roomAt(column)),
+                 column);
+}
+
+/// Goes through octets by their type, in lines below the one of the value that they stand in.
+void TreeFormat::openInside(const asn1data::TypeDescription& type, Octets octets,
+                            const TreePlace& place) {
+    Labels labels;
+    asn1data::ContentsEnd ends;
+    InnerTypes types;
+    const std::size_t outerDepth = outerDepth_;
+    const std::size_t shift = shift_;
+    std::swap(labels, labels_);
+    std::swap(ends, ends_);
+    std::swap(types, types_);
+    outerDepth_ += labels.depth() + (lines_.offsets() ? 1 : 0);
+    shift_ = place.offset;
+    asn1data::walk(type, octets.data(), octets.size(), *this);
+    std::swap(labels, labels_);
+    std::swap(ends, ends_);
+    std::swap(types, types_);
+    outerDepth_ = outerDepth;
+    shift_ = shift;
+}
+
+bool TreeFormat::writeName(const WalkElement& element) {
+    static const asn1data::TypeDescription* const names = asn1data::findType("RDNSequence");
+    if (element.type != names || lines_.full() || lines_.offsets() || labels_.depth() == 0) {
+        return false;
     }
-    writeWrapped(styleOf(kind), value.text, column);
-    output_.fill(column);
-    writeWrapped(Style::Quiet, note, column);
+    const unsigned char* const header = element.data + (element.valueOffset - element.offset);
+    const std::size_t size = element.headerLength - (element.valueOffset - element.offset) +
+                             static_cast<std::size_t>(std::max(element.contentLength, 0));
+    const std::optional<std::string> text = nameText({header, size}, names_);
+    // A value that is no text has a type of its own, which the parts tell.
+    if (!text || text->find("=#") != std::string::npos) {
+        return false;
+    }
+    std::size_t column = lines_.begin(depth(), placeOf(element, shift_));
+    const Label label = labels_.labelOf(element);
+    if (!label.name.empty()) {
+        column = lines_.name(label.name, nameColumns(), column);
+    }
+    for (const std::string& choice : label.choices) {
+        if (choice != "rdnSequence") {
+            column = lines_.prefix(choice, column);
+        }
+    }
+    const std::string shown = text->empty() ? "(empty)" : escapeName(*text);
+    lines_.text(Style::Text, shown,
+                lines_.findRoom(column, std::min(columnsOf(shown), TreeLines::LeastRoom)));
+    return true;
 }
 
 WalkAction TreeFormat::enter(const WalkElement& element) {
+    if (writeName(element)) {
+        reach(element, false);
+        ends_.primitive(element);
+        return WalkAction::Skip;
+    }
+    reach(element, true);
     ends_.enter(element);
-    if (labels_.depth() == 0 && !offsets_) {
+    types_.enter(element);
+    if (labels_.depth() == 0 && !lines_.offsets()) {
         // The heading above has told all about the message.
         labels_.enter(element);
         return WalkAction::Continue;
@@ -208,7 +213,7 @@ WalkAction TreeFormat::enter(const WalkElement& element) {
     const std::string text =
         typeText(*element.type) + (element.contentLength == 0 ? " (empty)" : "");
     const std::size_t column = writeLabel(element);
-    writeWrapped(Style::Quiet, text, findRoom(column, text.size()));
+    lines_.text(Style::Quiet, text, lines_.findRoom(column, text.size()));
     labels_.enter(element);
     return WalkAction::Continue;
 }
@@ -217,16 +222,49 @@ WalkAction TreeFormat::leave(const WalkElement& element) {
     const asn1data::ContentsEnd::Gap gap = ends_.leave(element);
     if (gap.hidden != 0) {
         hidesOctets_ = true;
-        writeFailure(octetsText(gap.hidden) + " behind the value not shown");
+        OctetStore store;
+        const Octets hidden = valueOctets(element, Endless, store).last(gap.hidden);
+        lines_.failure(depth(), octetsText(gap.hidden) + " behind the value");
+        plain_.write(hidden, depth(), placeOfOctets(element, hidden, shift_));
     }
     labels_.leave();
+    types_.leave();
     return WalkAction::Continue;
 }
 
 WalkAction TreeFormat::primitive(const WalkElement& element) {
+    reach(element, false);
     ends_.primitive(element);
+    types_.primitive(element);
     writeValue(element, writeLabel(element));
     return WalkAction::Continue;
+}
+
+WalkAction TreeFormat::fault(const asn1data::WalkFault& fault) {
+    faulted_ = true;
+    lines_.failure(depth(), errorText(fault.failure));
+    plain_.write({fault.data, fault.size}, depth(), {fault.offset + shift_, 0, 0, fault.assembled});
+    if (!fault.assembled && shift_ == 0) {
+        reached_ = fault.offset + std::size_t{fault.size};
+    }
+    return WalkAction::Continue;
+}
+
+/// Keeps how far the message has been shown.
+void TreeFormat::reach(const WalkElement& element, bool entered) {
+    if (shift_ != 0 || element.assembled) {
+        return;
+    }
+    std::size_t size = element.headerLength;
+    if (entered) {
+        // What is in it follows.
+    } else if (element.contentLength != ASN1IndefiniteLength) {
+        size += static_cast<unsigned>(element.contentLength);
+    } else {
+        const Octets octets = view_->message.shown;
+        size = asn1data::elementSize(element, octets.data() + octets.size());
+    }
+    reached_ = std::max(reached_, element.offset + size);
 }
 
 void TreeFormat::writeHeading() {
@@ -235,7 +273,9 @@ void TreeFormat::writeHeading() {
         output_.write("\n");
     }
     first_ = false;
-    output_.write(Style::Heading, message.place + ": " + view_->type().name);
+    const asn1data::TypeDescription* const type = view_->recognition.type;
+    output_.write(Style::Heading,
+                  message.place + ": " + (type != nullptr ? type->name : "unknown type"));
     std::string more = ", ";
     if (view_->span != nullptr) {
         const std::string& path = *view_->path;
@@ -252,45 +292,51 @@ void TreeFormat::begin(const View& view) {
     view_ = &view;
     labels_ = {};
     ends_ = {};
+    types_ = {};
     hidesOctets_ = false;
+    faulted_ = false;
+    reached_ = 0;
     writeHeading();
     if (view.cut != nullptr && view.cut->status != 0) {
-        writeFailure(errorText(view.cut->failure));
+        lines_.failure(0, errorText(view.cut->failure));
+    }
+}
+
+bool TreeFormat::plain() {
+    return plain_.write(view_->message.octets, 0, {0, 0, 0, false});
+}
+
+/// Writes what is left of the message, by tags and lengths.
+void TreeFormat::writeRest() {
+    const Octets octets = view_->message.octets;
+    if (reached_ < octets.size() && view_->span == nullptr) {
+        plain_.write(octets.subspan(reached_), depth(), {reached_, 0, 0, false});
     }
 }
 
 void TreeFormat::missing(const asn1data::WalkResult& walked) {
     const Message& message = view_->message;
-    if (walked.stopped || walked.failure.offset >= message.octets.size()) {
-        writeFailure("the message ends here: " + missingText(message));
-    } else if (walked.status != 0) {
+    if (walked.status != 0 && !walked.stopped && walked.failure.offset < message.octets.size()) {
         error(walked.failure);
+        return;
     }
+    writeRest();
+    lines_.failure(depth(), "the message ends here: " + missingText(message));
 }
 
 void TreeFormat::error(const asn1data::WalkFailure& failure) {
-    const Message& message = view_->message;
-    writeFailure(errorText(failure));
-    if (!failure.assembled && failure.offset < message.octets.size()) {
-        writeNote(octetsText(message.octets.size() - failure.offset) + " from offset " +
-                  std::to_string(failure.offset) + " on not shown");
+    if (faulted_) { // it was told where it stands
+        return;
     }
+    lines_.failure(depth(), errorText(failure));
+    writeRest();
 }
 
 void TreeFormat::trailing(const Leftover& left) {
-    writeNote(trailingText(left.count) + " from offset " + std::to_string(left.offset) + " on");
-}
-
-void TreeFormat::writeFailure(const std::string& text) {
-    output_.fill(margin());
-    output_.write(Style::Bad, text);
-    output_.write("\n");
-}
-
-void TreeFormat::writeNote(const std::string& text) {
-    output_.fill(offsets_ ? OffsetColumns : 0);
-    output_.write(Style::Bad, text);
-    output_.write("\n");
+    const Message& message = view_->message;
+    lines_.note(trailingText(left.count) + " from offset " + std::to_string(left.offset) + " on");
+    plain_.write({message.octets.data() + (left.offset - message.offset), left.count}, 0,
+                 {left.offset, 0, 0, false});
 }
 
 } // namespace derview

@@ -4,11 +4,13 @@
 #include <string>
 
 #include <brevantis/asn1/asn1data/walk_rules.h>
+#include <brevantis/asn1/text/inner_types.h>
 #include <brevantis/asn1/text/labels.h>
 #include <brevantis/asn1/text/value.h>
 
-#include "cut_text.h"
 #include "format.h"
+#include "plain_tree.h"
+#include "tree_lines.h"
 
 namespace derview {
 
@@ -16,13 +18,17 @@ namespace derview {
 class TreeFormat : public Format {
 public:
     explicit TreeFormat(const FormatContext& context)
-        : output_(context.output), width_(context.width), names_(context.arguments.names),
-          offsets_(context.arguments.offsets), full_(context.arguments.full) {}
+        : output_(context.output), names_(context.arguments.names),
+          lines_(context.output, context.width, context.arguments.offsets, context.arguments.full),
+          plain_(lines_, names_) {}
 
     void begin(const View& view) override;
+    bool plain() override;
+    asn1data::WalkInterest interest() const override { return {true, true, true}; }
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;
     asn1data::WalkAction leave(const asn1data::WalkElement& element) override;
     asn1data::WalkAction primitive(const asn1data::WalkElement& element) override;
+    asn1data::WalkAction fault(const asn1data::WalkFault& fault) override;
 
     void missing(const asn1data::WalkResult& walked) override;
     void error(const asn1data::WalkFailure& failure) override;
@@ -31,35 +37,40 @@ public:
 
 private:
     void writeHeading();
-    /// Tells a failure at the place where the tree ends.
-    void writeFailure(const std::string& text);
-    /// Tells something about the message behind its tree.
-    void writeNote(const std::string& text);
     /// Writes what stands in front of the value.
     /// @return the column that the value begins at
     std::size_t writeLabel(const asn1data::WalkElement& element);
     void writeValue(const asn1data::WalkElement& element, std::size_t column);
-    void writeText(ValueKind kind, const ValueText& value, std::size_t column);
-    /// Goes on in further lines where the first one is full.
-    void writeOctets(Octets octets, std::size_t column);
-    void writeWrapped(Style style, std::string_view text, std::size_t column);
-    std::size_t roomAt(std::size_t column) const;
-    /// Goes on in the next line, further to the left, where a text has too little room.
-    /// @param columns that the text takes, or that it needs at least
-    /// @return the column to write at
-    std::size_t findRoom(std::size_t column, std::size_t columns);
-    std::size_t margin() const;
+    /// Writes what is inside a value in lines of its own.
+    /// @return whether there is something that is told so
+    bool writeInside(const asn1data::WalkElement& element, std::size_t column);
+    /// Writes a name in one line.
+    /// @return whether it could be
+    bool writeName(const asn1data::WalkElement& element);
+    /// Columns for the names of the elements in the one around.
+    std::size_t nameColumns();
+    void writeKey(const asn1data::WalkElement& element, std::size_t column);
+    void openInside(const asn1data::TypeDescription& type, Octets octets, const TreePlace& place);
+    void reach(const asn1data::WalkElement& element, bool entered);
+    void writeRest();
+    std::size_t depth() const { return outerDepth_ + labels_.depth(); }
 
     Output& output_;
-    std::size_t width_; ///< columns
     const IdentifierNames& names_;
-    bool offsets_;      ///< in front of each line: offset, octets of header and of contents
-    bool full_;         ///< nothing is cut; long values go on in further lines
+    TreeLines lines_;
+    PlainTree plain_;
     bool first_ = true; ///< no message has been written yet
     const View* view_ = nullptr;
     Labels labels_;
     asn1data::ContentsEnd ends_;
-    bool hidesOctets_ = false; ///< behind the typed value in an OCTET STRING, and noted only
+    InnerTypes types_;
+    std::size_t outerDepth_ = 0; ///< of the value that what is walked stands in
+    std::size_t shift_ = 0;      ///< from its offsets to those of the message
+    bool faulted_ = false;       ///< the walk has told a fault
+    bool hidesOctets_ = false;   ///< behind the typed value in an OCTET STRING, and noted only
+    std::size_t reached_ = 0;    ///< octets of the message that have been shown
+    const asn1data::TypeDescription* container_ = nullptr; ///< that `columns_` is about
+    std::size_t columns_ = 0;
 };
 
 } // namespace derview

@@ -15,7 +15,21 @@ Viewer::Viewer(const FormatContext& context, Progress& progress)
     : output_(context.output), diagnostics_(context.diagnostics), progress_(progress),
       arguments_(context.arguments), format_(arguments_.format->make(context)) {}
 
+bool Viewer::showPlain(const Message& message, const Recognition& recognition) {
+    const View view{message, recognition};
+    format_->begin(view);
+    bool good = format_->plain();
+    if (message.trailing != 0) {
+        format_->trailing({message.trailing, message.offset + message.octets.size()});
+        good = false;
+    }
+    return format_->end() && good;
+}
+
 bool Viewer::show(const Message& message, const Recognition& recognition) {
+    if (recognition.type == nullptr) {
+        return showPlain(message, recognition);
+    }
     if (arguments_.path) {
         return showElement(message, recognition);
     }

@@ -13,10 +13,12 @@ class Viewer {
 public:
     Viewer(const FormatContext& context, Progress& progress);
 
+    /// @param recognition without a type for a message to be shown by its tags alone
     /// @return whether the message decodes and nothing is wrong with it
     bool show(const Message& message, const Recognition& recognition);
 
 private:
+    bool showPlain(const Message& message, const Recognition& recognition);
     bool showElement(const Message& message, const Recognition& recognition);
     bool write(const View& view);
     /// Goes through what is shown.

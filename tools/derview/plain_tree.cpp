@@ -1,0 +1,138 @@
+#include "plain_tree.h"
+
+#include <algorithm>
+#include <climits>
+
+#include <brevantis/asn1/runtime/header.h>
+
+#include "escape.h"
+#include "raw_value.h"
+
+namespace derview {
+
+namespace {
+
+/// Elements inside each other beyond which nobody reads a tree.
+constexpr std::size_t Deepest = 200;
+
+bool isVisible(Octets octets) {
+    constexpr std::size_t fewest = 4; // fewer are visible by chance
+    return octets.size() >= fewest &&
+           std::all_of(octets.begin(), octets.end(),
+                       [](unsigned char octet) { return octet >= 0x20 && octet < 0x7F; });
+}
+
+/// What is inside an OCTET STRING or a BIT STRING, or a tagged one, if that is elements.
+Octets insideOf(const PlainElement& element) {
+    constexpr unsigned bitString = 3;
+    constexpr unsigned octetString = 4;
+    const bool bits = element.tagClass == 0 && element.number == bitString;
+    if (bits && (element.contents.empty() || element.contents[0] != 0)) {
+        return {};
+    }
+    const Octets octets = element.contents.subspan(bits ? 1 : 0);
+    const bool holds = bits || element.tagClass != 0 || element.number == octetString;
+    return holds && holdElements(octets) ? octets : Octets();
+}
+
+} // namespace
+
+TreePlace PlainTree::inside(const PlainElement& element, Octets octets, const TreePlace& place) {
+    return {place.offset + static_cast<std::size_t>(octets.data() - element.octets.data()), 0, 0,
+            place.assembled};
+}
+
+bool PlainTree::write(Octets octets, std::size_t depth, const TreePlace& place) {
+    TreePlace next = place;
+    bool good = true;
+    while (!octets.empty()) {
+        const std::optional<PlainElement> element =
+            depth < Deepest ? firstElement(octets) : std::nullopt;
+        if (!element) {
+            writeCut(octets, depth, next);
+            return false;
+        }
+        next.headerLength = element->header;
+        next.contentLength =
+            element->indefinite ? -1 : static_cast<long long>(element->contents.size());
+        good = writeValue(*element, lines_.begin(depth, next), depth, next) && good;
+        octets = octets.subspan(element->octets.size());
+        next.offset += element->octets.size();
+    }
+    return good;
+}
+
+/// Writes octets that do not begin with a whole element: what is there of it, or digits.
+void PlainTree::writeCut(Octets octets, std::size_t depth, TreePlace place) {
+    PlainElement element;
+    ASN1Header header;
+    const auto count = static_cast<unsigned>(std::min<std::size_t>(octets.size(), INT_MAX));
+    const bool usual = (octets[0] & 0xE0) == 0x20 || (octets[0] & 0xE0) == 0xA0;
+    const bool begins =
+        depth < Deepest && usual && rtReadHeader(octets.data(), count, &header) == 0;
+    if (!begins) {
+        place.headerLength = 0;
+        place.contentLength = static_cast<long long>(octets.size());
+        writeDigits(octets, lines_.prefix("octets", lines_.begin(depth, place)));
+        return;
+    }
+    element.octets = octets.first(header.size);
+    element.tagClass = octets[0] >> 6;
+    element.number = header.tag & 0x1FFFFFFF;
+    place.headerLength = header.size;
+    place.contentLength = header.length == ASN1IndefiniteLength ? -1 : header.length;
+    const Octets contents = octets.subspan(header.size);
+    lines_.text(Style::Quiet, tagText(element) + ", not whole", lines_.begin(depth, place));
+    place.offset += header.size;
+    write(contents, depth + 1, place);
+}
+
+bool PlainTree::writeValue(const PlainElement& element, std::size_t column, std::size_t depth,
+                           const TreePlace& place) {
+    if (!element.constructed) {
+        writePrimitive(element, column, depth, place);
+        return true;
+    }
+    lines_.text(Style::Quiet, tagText(element) + (element.contents.empty() ? " (empty)" : ""),
+                column);
+    return write(element.contents, depth + 1, inside(element, element.contents, place));
+}
+
+void PlainTree::writePrimitive(const PlainElement& element, std::size_t column, std::size_t depth,
+                               const TreePlace& place) {
+    const std::string tag = tagText(element);
+    if (const Octets octets = insideOf(element); !octets.empty()) {
+        lines_.text(Style::Quiet, tag, column);
+        write(octets, depth + 1, inside(element, octets, place));
+        return;
+    }
+    const std::size_t room = lines_.full() ? Endless : lines_.roomAt(column + tag.size() + 2);
+    const std::optional<RawValue> value = rawValueText(element.octets, room, names_);
+    if (value && value->kind == ValueKind::Null) {
+        lines_.text(Style::Plain, "NULL", column);
+        return;
+    }
+    column = lines_.prefix(tag, column);
+    if (value && !(lines_.full() && value->kind == ValueKind::OctetString)) {
+        lines_.value(value->kind, value->value, column);
+    } else if (element.tagClass != 0 && isVisible(element.contents)) {
+        const EscapedText text = escape(element.contents, CharacterCoding::Latin1,
+                                        lines_.full() ? Endless : lines_.roomAt(column + 24));
+        lines_.value(ValueKind::Text, {"\"" + text.text + "\"", text.rest}, column);
+    } else {
+        writeDigits(element.contents, column);
+    }
+}
+
+void PlainTree::writeDigits(Octets octets, std::size_t column) {
+    if (octets.empty()) {
+        lines_.text(Style::Hex, "(empty)", column);
+    } else if (lines_.full()) {
+        lines_.octets(octets, column);
+    } else {
+        lines_.value(ValueKind::Raw, cutHex("", octets, octets.size(), lines_.roomAt(column)),
+                     column);
+    }
+}
+
+} // namespace derview
