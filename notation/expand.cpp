@@ -81,6 +81,19 @@ void addTag(std::unique_ptr<TypeNode>& node, const TagNode& tag) {
     node->tag = tag;
 }
 
+// How much a copy takes, in tokens that would be read to the same.
+std::size_t piecesOf(const TypeNode& node) {
+    constexpr std::size_t usual = 5;
+    std::size_t pieces = usual + node.names.size() + node.arguments.size();
+    for (const ComponentNode& component : node.components) {
+        pieces += component.type != nullptr ? piecesOf(*component.type) : 1;
+    }
+    for (const TypeNode* inner : {node.element.get(), node.containing.get()}) {
+        pieces += inner != nullptr ? piecesOf(*inner) : 0;
+    }
+    return pieces;
+}
+
 } // namespace
 
 void Resolver::expand(std::unique_ptr<TypeNode>& node) {
@@ -268,6 +281,16 @@ const TypeNode* Resolver::structureOf(const TypeNode& start) {
 }
 
 // COMPONENTS OF: X.680, 25.5. The components behind the extension mark are not among them.
+bool Resolver::spend(std::size_t pieces, const Location& at) {
+    const bool left = pieces <= piecesLeft_;
+    piecesLeft_ -= left ? pieces : piecesLeft_;
+    if (!left) {
+        diagnostics_.error(at, "what stands for something else leads to more than " +
+                                   std::to_string(MostPieces) + " tokens");
+    }
+    return left;
+}
+
 void Resolver::spliceComponents(TypeNode& node) {
     const bool any = std::any_of(node.components.begin(), node.components.end(),
                                  [](const ComponentNode& line) { return line.componentsOf; });
@@ -294,6 +317,9 @@ void Resolver::spliceComponents(TypeNode& node) {
         }
         for (const ComponentNode& component : other->components) {
             if (!component.extensionMarker && !component.addition) {
+                if (!spend(piecesOf(*component.type), line.at)) {
+                    break;
+                }
                 lines.push_back(clone(component));
                 lines.back().addition = line.addition;
             }
@@ -383,7 +409,7 @@ Tokens Resolver::filledIn(const Assignment& assignment, const ModuleNode& home,
             return {};
         }
     }
-    return result;
+    return spend(result.size(), at) ? result : Tokens();
 }
 
 Resolver::Instance* Resolver::instanceOf(const TypeNode& node, const Symbol& symbol) {

@@ -13,6 +13,9 @@
 namespace notation {
 
 enum : std::size_t { LongestChain = 1000 };
+/// Tokens and components that parameters and COMPONENTS OF may make in all: each can double what
+/// the one before has made.
+enum : std::size_t { MostPieces = 500000 };
 extern const char* const ChainTooLong;
 
 /// Looks names up, expands what stands for something else, hoists the types that are described in
@@ -72,6 +75,7 @@ private:
     void expandSelection(std::unique_ptr<TypeNode>& node);
     void expandField(std::unique_ptr<TypeNode>& node);
     void spliceComponents(TypeNode& node);
+    bool spend(std::size_t pieces, const Location& at);
     void tagAutomatically(TypeNode& node);
     const TypeNode* structureOf(const TypeNode& node);
     const ClassFieldNode* fieldOf(const TypeNode& node);
@@ -126,6 +130,7 @@ private:
     std::map<std::string, Instance> instances_;
     std::set<const void*> evaluating_;
     std::size_t expanding_ = 0;
+    std::size_t piecesLeft_ = MostPieces;
     bool tooDeep_ = false; ///< told once
     std::size_t filling_ = 0;
     std::map<const Assignment*, std::optional<long long>> numbers_;

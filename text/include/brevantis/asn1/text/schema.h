@@ -36,9 +36,9 @@ struct SchemaMessage {
 /// @throws std::bad_alloc
 BREVANTIS_ASN1_TEXT_API std::string messageText(const SchemaMessage& message);
 
-/// What modules may take.
+/// What modules may take. While texts are read, some hundred times their size is in use.
 struct SchemaLimits {
-    std::size_t textSize = std::size_t{16} << 20; ///< octets of all texts
+    std::size_t textSize = std::size_t{4} << 20;  ///< octets of all texts
     std::size_t memory = std::size_t{256} << 20;  ///< octets of the descriptions
     std::size_t valueSize = std::size_t{1} << 20; ///< octets of a record, what hangs from it apart
     std::size_t depth = 256;                      ///< types in each other, recursion apart
