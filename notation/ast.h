@@ -107,6 +107,7 @@ struct TypeNode;
 struct TableNode {
     std::string set;
     Tokens arguments; ///< `Set{...}`
+    Tokens members;   ///< `{a | b}`: a set without a name
     const ModuleNode* scope = nullptr;
     std::string field;
     Location setAt;

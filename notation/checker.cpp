@@ -214,15 +214,16 @@ void Checker::finishConstraint(Type& type) {
         type.constraint = commonTo(type.constraint, ranges(*type.node, type));
         return;
     }
-    if (type.shape == Shape::Enumerated) {
+    if (type.node->kind == TypeNode::Enumerated) {
         Range range{0, 0};
         for (const NamedNumber& named : type.names) {
             range.lower =
                 &named == &type.names.front() ? named.number : std::min(range.lower, named.number);
             range.upper = std::max(range.upper, named.number);
         }
-        if (range.lower < 0) {
-            diagnostics_.error(type.at, "a negative value of ENUMERATED is not supported");
+        const ShapeTraits& traits = traitsOf(type.shape);
+        if (range.lower < traits.lower || range.upper > traits.upper) {
+            diagnostics_.error(type.at, "a value of ENUMERATED has 32 bits at most");
         }
         type.constraint = {range};
         return;
@@ -362,7 +363,10 @@ void Checker::finishDefault(const Type& type, Element& element) {
     const bool compared = big || traits.kind == ShapeKind::Number || target.shape == Shape::Boolean;
     const bool byName = target.shape == Shape::Boolean && value.kind == ValueNode::Reference;
     if (!compared || byName || value.kind == ValueNode::Other) {
-        // What no machine word holds is not compared with its default: absent means the default.
+        // What no machine word holds is not compared with its default.
+        diagnostics_.warning(value.at, "the default of '" + element.name +
+                                           "' is not compared: the element is OPTIONAL, and absent "
+                                           "means the default");
         element.presence = Presence::Optional;
         element.defaultValue.reset();
         return;

@@ -235,7 +235,8 @@ void Resolver::expandField(std::unique_ptr<TypeNode>& node) {
     }
     copy->furtherText += node->furtherText;
     if (node->table) {
-        copy->furtherText += " ({" + node->table->set + "})";
+        const std::string& set = node->table->set;
+        copy->furtherText += " (" + (set.empty() ? node->table->text : "{" + set + "}") + ")";
     }
     node = std::move(copy);
     expand(node);

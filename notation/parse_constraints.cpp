@@ -97,7 +97,7 @@ bool Parser::parseTable(TypeNode& type) {
             type.kind != TypeNode::ClassField) {
             return false;
         }
-        takeBalanced();
+        table.members = takeBalanced();
         table.text = textFrom(first);
     }
     if (accept("{")) {
@@ -122,8 +122,7 @@ bool Parser::parseTable(TypeNode& type) {
         parseValue();
     }
     expect(")");
-    const bool unnamed = !table.text.empty();
-    if (type.kind == TypeNode::ClassField && !type.table && !unnamed) {
+    if (type.kind == TypeNode::ClassField && !type.table) {
         type.table = table;
     } else {
         type.furtherText += " (" + textFrom(first);

@@ -81,7 +81,7 @@ std::string printConstraints(const TypeNode& type) {
         text += " (CONTAINING " + printType(*type.containing) + ")";
     }
     if (type.table) {
-        text += " ({" + type.table->set + "}";
+        text += " (" + (type.table->set.empty() ? type.table->text : "{" + type.table->set + "}");
         text += type.table->field.empty() ? ")" : "{@" + type.table->field + "})";
     }
     return text;

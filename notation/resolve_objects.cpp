@@ -62,6 +62,21 @@ bool isPresent(const SyntaxNode& group, const SyntaxNode* following, const Parse
     return !parser.peek().is(wordFollows ? following->text.c_str() : "}") && !parser.peek().is("}");
 }
 
+// Whether braces list names, which a set in them does; what has names in a row is an object.
+bool listsNames(const Tokens& body) {
+    const auto isName = [](const Token& token) {
+        const bool word = token.is("UNION") || token.is("INTERSECTION") || token.is("EXCEPT");
+        return !word && (token.kind == Token::Lower || token.kind == Token::Upper);
+    };
+    for (std::size_t i = 1; i + 2 < body.size(); ++i) {
+        if (body[i].is("{") || body[i].kind == Token::Field || body[i].kind == Token::Number ||
+            (isName(body[i]) && isName(body[i + 1]))) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // A setting that nothing is made of.
 void skipSetting(Parser& parser) {
     const bool named = parser.peek().kind == Token::Upper && !parser.peek().is("TRUE") &&
@@ -366,7 +381,10 @@ void Resolver::addMembers(ObjectSet& set, const Tokens& body, const Module& home
                     !token.is("{") && !token.is("(") && !all) {
                     parser.expect("...");
                 }
-                parser.takeBalanced(); // an object without a name is told by none
+                const Tokens inner = parser.takeBalanced();
+                if (inner[0].is("{") && listsNames(inner)) {
+                    addMembers(set, inner, home); // any other is an object that is told by no name
+                }
                 continue;
             }
             parser.take();

@@ -153,7 +153,11 @@ void Resolver::fillBuiltin(Type& type, const TypeNode& node, const Place& place)
     if (base == nullptr) {
         return;
     }
-    type.shape = base->shape;
+    // Negative values of ENUMERATED are held as those of an INTEGER are.
+    const bool negative = node.kind == TypeNode::Enumerated &&
+                          std::any_of(type.names.begin(), type.names.end(),
+                                      [](const NamedNumber& named) { return named.number < 0; });
+    type.shape = negative ? model_.builtins[builtinKey("INTEGER", "signed32")]->shape : base->shape;
     type.universalTag = base->universalTag;
     type.generalizedTime = base->generalizedTime;
     if (type.shape != Shape::OctetString && type.shape != Shape::BitString) {
@@ -545,7 +549,8 @@ void Resolver::fillTable(Type& type) {
         }
         if (!openType) {
             // The identifier's own constraint says nothing more, but its set has to be there.
-            if (node->kind == TypeNode::ClassField && node->table->arguments.empty()) {
+            if (node->kind == TypeNode::ClassField && node->table->arguments.empty() &&
+                !node->table->set.empty()) {
                 find(node->table->scope, node->table->set, node->table->setAt, "object set");
             }
             continue;
@@ -558,19 +563,65 @@ void Resolver::fillTable(Type& type) {
     }
 }
 
-bool Resolver::bindTable(Type& type, std::size_t index, const TypeNode& node, Table table) {
+// The set that a constraint names or lists; null, complained about or not, when there is none that
+// can be resolved.
+ObjectSet* Resolver::setOf(const Type& type, std::size_t index, const TypeNode& node) {
     const TableNode& constraint = *node.table;
-    if (!constraint.arguments.empty()) {
-        return false;
-    }
-    const Symbol* symbol = find(constraint.scope, constraint.set, constraint.setAt, "object set");
-    if (symbol == nullptr) {
-        return false;
-    }
-    if (symbol->set == nullptr) {
+    const Symbol* symbol = nullptr;
+    if (!constraint.set.empty()) {
+        symbol = find(constraint.scope, constraint.set, constraint.setAt, "object set");
+        if (symbol == nullptr) {
+            return nullptr;
+        }
         if (symbol->assignment->kind != Assignment::Set) {
             diagnostics_.error(constraint.setAt, "'" + constraint.set + "' is not an object set");
+            return nullptr;
         }
+    }
+    if (symbol != nullptr && constraint.arguments.empty()) {
+        if (symbol->set != nullptr && !symbol->set->resolved) {
+            resolveSet(*symbol->set, *symbol->assignment);
+            declareSet(*symbol->set);
+        }
+        return symbol->set;
+    }
+    // A set without a name of its own is called by its place.
+    const Symbol* const governor = classOf(node.scope, node.className);
+    if (governor == nullptr) {
+        return nullptr;
+    }
+    const Tokens body = symbol == nullptr ? constraint.members
+                                          : filledIn(*symbol->assignment, symbol->module->node,
+                                                     constraint.arguments, constraint.setAt);
+    ObjectSet set;
+    set.name = inlineTypeName(type.name, type.elements[index].name) + "_Set";
+    set.comment = "The set that '" + type.elements[index].name + "' of " + type.name + " lists.";
+    set.module = type.module;
+    set.objectClass = governor->objectClass;
+    set.resolved = true;
+    addMembers(set, body, symbol == nullptr ? *type.module : *symbol->module);
+    if (set.objects.empty()) {
+        return nullptr;
+    }
+    model_.sets.push_back(set);
+    declareSet(model_.sets.back());
+    return &model_.sets.back();
+}
+
+void Resolver::declareSet(ObjectSet& set) {
+    set.module->sets.push_back(&set);
+    for (const Object* object : set.objects) {
+        std::vector<const Object*>& known = object->module->objects;
+        if (std::find(known.begin(), known.end(), object) == known.end()) {
+            known.push_back(object);
+        }
+    }
+}
+
+bool Resolver::bindTable(Type& type, std::size_t index, const TypeNode& node, Table table) {
+    const TableNode& constraint = *node.table;
+    const Symbol* const governor = classOf(node.scope, node.className);
+    if (governor == nullptr) {
         return false;
     }
     const std::string& field = constraint.field;
@@ -580,7 +631,7 @@ bool Resolver::bindTable(Type& type, std::size_t index, const TypeNode& node, Ta
             table.identifier = k;
         }
     }
-    const ObjectClass& objectClass = *symbol->set->objectClass;
+    const ObjectClass& objectClass = *governor->objectClass;
     if (table.identifier == type.elements.size() && !field.empty() && !type.inPlace &&
         !constraint.outer) {
         diagnostics_.error(constraint.fieldAt, "there is no element '" + field + "' beside '" +
@@ -592,17 +643,10 @@ bool Resolver::bindTable(Type& type, std::size_t index, const TypeNode& node, Ta
         finalShape(*type.elements[table.identifier].type) != Shape::ObjectIdentifier) {
         return false;
     }
-    if (!symbol->set->resolved) {
-        resolveSet(*symbol->set, *symbol->assignment);
-        symbol->module->sets.push_back(symbol->set);
-        for (const Object* object : symbol->set->objects) {
-            std::vector<const Object*>& known = object->module->objects;
-            if (std::find(known.begin(), known.end(), object) == known.end()) {
-                known.push_back(object);
-            }
-        }
+    table.set = setOf(type, index, node);
+    if (table.set == nullptr || table.set->objectClass != governor->objectClass) {
+        return false;
     }
-    table.set = symbol->set;
     type.table = table;
     return true;
 }

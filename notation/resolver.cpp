@@ -95,6 +95,7 @@ void Resolver::run() {
             type.element = model_.builtins["open type"];
         }
     }
+    breakRecordCycles();
     checkRemarks();
     separateNames();
 }
@@ -137,6 +138,73 @@ void Resolver::breakNameCycles() {
             lengths[path[i]] = path.size() - i + further;
         }
     }
+}
+
+// A record cannot hold itself. Where an element on the way round can be absent, it is held by
+// pointer; where none can, no value would end, and the checker says so. The path is kept on the
+// heap: it can be as long as the module.
+void Resolver::breakRecordCycles() {
+    enum State { Unseen, Open, Done };
+    std::map<const Type*, State> states;
+    struct Step {
+        Type* type;
+        std::size_t next;
+    };
+    std::vector<Step> path;
+    // What a value holds in itself, one after the other.
+    const auto heldBy = [](const Type& type, std::size_t number) -> Type* {
+        const bool record = type.shape == Shape::Sequence || type.shape == Shape::Set;
+        if (type.aliasOf != nullptr || type.shape == Shape::FixedArray) {
+            return number > 0 ? nullptr : type.aliasOf != nullptr ? type.aliasOf : type.element;
+        }
+        return record && number < type.elements.size() ? type.elements[number].type : nullptr;
+    };
+    for (std::size_t i = 0; i < model_.types.size(); ++i) {
+        path = {{&model_.types[i], 0}};
+        while (!path.empty()) {
+            Type* const type = path.back().type;
+            states[type] = Open;
+            Type* const held = heldBy(*type, path.back().next++);
+            if (held == nullptr) {
+                states[type] = Done;
+                path.pop_back();
+            } else if (states[held] == Unseen) {
+                path.push_back({held, 0});
+            } else if (states[held] == Open) {
+                std::size_t at = path.size();
+                bool absent = false;
+                do {
+                    const Step& step = path[--at];
+                    absent = !step.type->elements.empty() && step.type->aliasOf == nullptr &&
+                             step.type->elements[step.next - 1].presence != Presence::Mandatory;
+                } while (!absent && path[at].type != held);
+                if (absent) {
+                    holdByPointer(*path[at].type, path[at].type->elements[path[at].next - 1]);
+                    for (; path.size() > at + 1; path.pop_back()) {
+                        states[path.back().type] = Unseen;
+                    }
+                }
+            }
+        }
+    }
+}
+
+// A CHOICE holds records by pointer, and one of a single alternative is that on the wire.
+void Resolver::holdByPointer(Type& record, Element& element) {
+    Type& choice = newType(*record.module, inlineTypeName(record.name, element.name), element.at);
+    choice.shape = Shape::Choice;
+    choice.inPlace = true;
+    choice.standard = record.standard;
+    choice.notation = "CHOICE { " + element.name + " " + element.type->name + " }";
+    choice.comment = "Holds the element, whose values can hold such an element themselves.";
+    Element alternative = element;
+    alternative.presence = Presence::Mandatory;
+    alternative.presenceBit = 0;
+    alternative.defaultValue.reset();
+    choice.elements.push_back(std::move(alternative));
+    element.type = &choice;
+    element.tagNode.reset();
+    element.constraintPending = false;
 }
 
 // Modules that give one name to different things get namespaces of their own.

@@ -67,6 +67,8 @@ private:
     Symbol* classOf(const ModuleNode* scope, const std::string& name, unsigned depth = 0);
     void checkRemarks();
     void breakNameCycles();
+    void breakRecordCycles();
+    void holdByPointer(Type& record, Element& element);
     void separateNames();
 
     // expansion
@@ -91,6 +93,8 @@ private:
     void fillTable(Type& type);
     void fillBuiltin(Type& type, const TypeNode& node, const Place& place);
     void fillNames(Type& type, const TypeNode& node);
+    ObjectSet* setOf(const Type& type, std::size_t index, const TypeNode& node);
+    static void declareSet(ObjectSet& set);
     bool bindTable(Type& type, std::size_t index, const TypeNode& node, Table table);
     void leaveOpen(Type& type, std::size_t index, Table::Kind kind);
 
