@@ -8,6 +8,9 @@
 #include <brevantis/asn1/runtime/header.h>
 #include <brevantis/asn1/text/pem.h>
 
+#include "hex_text.h"
+#include "mail.h"
+
 namespace asn1text {
 
 namespace {
@@ -24,7 +27,8 @@ bool isHexText(unsigned char octet) {
 
 bool isBase64Text(unsigned char octet) {
     return (octet >= '0' && octet <= '9') || ((octet | 0x20) >= 'a' && (octet | 0x20) <= 'z') ||
-           octet == '+' || octet == '/' || octet == '=' || isBlank(octet);
+           octet == '+' || octet == '/' || octet == '=' || octet == '-' || octet == '_' ||
+           isBlank(octet);
 }
 
 bool isText(unsigned char octet) {
@@ -68,6 +72,9 @@ InputForm formOf(Octets octets) {
     if (pem::isPem(textOf(octets))) {
         return InputForm::Pem;
     }
+    if (!partsOfMail(textOf(octets)).empty()) {
+        return InputForm::Mail;
+    }
     const Octets digits = octets.subspan(hexPrefixSize(textOf(octets)));
     if (std::all_of(digits.begin(), digits.end(), isHexText)) {
         return InputForm::Hex;
@@ -75,17 +82,64 @@ InputForm formOf(Octets octets) {
     if (std::all_of(octets.begin(), octets.end(), isBase64Text)) {
         return InputForm::Base64;
     }
+    if (octetsOfDump(textOf(octets))) {
+        return InputForm::Hex;
+    }
     return firstElementSize(octets) == octets.size() ? InputForm::Der : InputForm::Auto;
 }
 
-/// Decodes base64 in which several messages may follow each other, each with its padding.
+/// Decodes one text in base64, whose alphabet may be that of URLs, and which may lack its padding.
+/// @return what is wrong with the text, or nothing
+std::string decodePiece(std::string_view text, OctetStore& octets) {
+    std::string usual;
+    for (const char character : text) {
+        if (!isBlank(static_cast<unsigned char>(character))) {
+            usual += character == '-' ? '+' : character == '_' ? '/' : character;
+        }
+    }
+    const bool padded = usual.find('=') != std::string::npos;
+    usual.append(padded || usual.size() % 4 < 2 ? 0 : 4 - usual.size() % 4, '=');
+    const char* const problem = pem::decodeBase64(usual, octets);
+    return problem != nullptr ? problem : "";
+}
+
+/// Decodes lines each of which is a message by itself, without padding.
+/// @return whether they are
+bool decodeLines(std::string_view text, OctetStore& octets) {
+    OctetStore all;
+    std::size_t lines = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        const std::string_view line = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        OctetStore message;
+        const bool blank = line.find_first_not_of(" \t\r\v\f") == std::string_view::npos;
+        if (!blank && (!decodePiece(line, message).empty() || message.empty() ||
+                       firstElementSize(message) != message.size())) {
+            return false;
+        }
+        lines += blank ? 0 : 1;
+        all.insert(all.end(), message.begin(), message.end());
+    }
+    if (lines < 2) {
+        return false;
+    }
+    octets.insert(octets.end(), all.begin(), all.end());
+    return true;
+}
+
+/// Decodes base64 in which several messages may follow each other, each with its padding, or each
+/// in a line of its own.
 /// @return what is wrong with the text, or nothing
 std::string decodeBase64(std::string_view text, OctetStore& octets) {
+    if (decodeLines(text, octets)) {
+        return "";
+    }
     while (!text.empty()) {
         const std::size_t padding = text.find('=');
         const std::size_t end = text.find_first_not_of("= \t\n\v\f\r", padding);
         const std::string_view piece = text.substr(0, end);
-        if (const char* const problem = pem::decodeBase64(piece, octets)) {
+        if (const std::string problem = decodePiece(piece, octets); !problem.empty()) {
             return problem;
         }
         text.remove_prefix(piece.size());
@@ -137,6 +191,18 @@ bool beginsMessage(Octets rest, unsigned char first) {
 
 } // namespace
 
+bool canBeginMessage(Octets start) noexcept {
+    ASN1Header header;
+    const Octets behind = start.subspan(prefixSize(textOf(start)));
+    const auto begins = [&](Octets octets) {
+        const auto count = static_cast<unsigned>(std::min<std::size_t>(octets.size(), INT_MAX));
+        return !octets.empty() && octets[0] != 0 &&
+               rtReadHeader(octets.data(), count, &header) == 0;
+    };
+    return looksLikeText(behind) || begins(start) || begins(behind) ||
+           startsWith(textOf(behind), "-----BEGIN ");
+}
+
 std::size_t firstElementSize(Octets octets) noexcept {
     const int limit = static_cast<int>(std::min<std::size_t>(octets.size(), INT_MAX));
     ASN1Header header;
@@ -168,6 +234,13 @@ MessageReader::MessageReader(Octets input, InputForm form) : input_(input), form
     }
     if (form_ == InputForm::Pem) {
         readBlocks(behind);
+    } else if (form_ == InputForm::Mail) {
+        for (MailPart& part : partsOfMail(textOf(behind))) {
+            parts_.push_back({"", std::move(part.octets), std::move(part.problem)});
+        }
+        if (parts_.empty()) {
+            parts_.push_back({"", {}, "there is no part of a mail that holds a message"});
+        }
     } else {
         readPart(behind);
     }
@@ -199,6 +272,10 @@ void MessageReader::readPart(Octets text) {
         part.problem = decodeBase64(textOf(text), part.store);
         break;
     case InputForm::Hex: {
+        if (auto octets = octetsOfDump(textOf(text))) {
+            part.store = std::move(*octets);
+            break;
+        }
         const std::size_t start = input_.size() - text.size() + hexPrefixSize(textOf(text));
         part.problem = decodeHex(input_, start, part.store);
         break;

@@ -1,5 +1,6 @@
 #include <brevantis/asn1/text/pem.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace asn1text::pem {
@@ -14,7 +15,8 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-/// Takes the lines off a text one by one, whether they end as on Unix, Windows or old Mac systems.
+/// Takes the lines off a text one by one, whether they end as on Unix, Windows or old Mac systems,
+/// or with the escapes that stand for that in a string of JSON or of a language.
 class Lines {
 public:
     explicit Lines(std::string_view text) : rest_(text) {}
@@ -23,26 +25,59 @@ public:
         if (rest_.empty()) {
             return false;
         }
-        const std::size_t end = rest_.find_first_of("\r\n");
+        const std::size_t end = endOfLine();
         line = rest_.substr(0, end);
         ended_ = end != std::string_view::npos;
+        const bool escaped = ended_ && rest_[end] == '\\';
+        number_ += escaped_ ? 0 : 1;
+        escaped_ = escaped;
         if (!ended_) {
             rest_ = {};
         } else {
-            rest_.remove_prefix(end + (startsWith(rest_.substr(end), "\r\n") ? 2 : 1));
+            rest_.remove_prefix(end + (escaped || startsWith(rest_.substr(end), "\r\n") ? 2 : 1));
         }
         line = line.substr(0, line.find_last_not_of(Blanks) + 1);
-        ++number_;
         return true;
     }
     std::size_t number() const { return number_; }
     bool ended() const { return ended_; }
 
 private:
+    std::size_t endOfLine() const {
+        std::size_t end = rest_.find_first_of("\r\n\\");
+        while (end != std::string_view::npos && rest_[end] == '\\' &&
+               rest_.substr(end + 1, 1) != "n" && rest_.substr(end + 1, 1) != "r") {
+            end = rest_.find_first_of("\r\n\\", end + 1);
+        }
+        return end;
+    }
+
     std::string_view rest_;
     std::size_t number_ = 0;
     bool ended_ = true;
+    bool escaped_ = false; ///< the line before ended with an escape
 };
+
+/// Whether what stands in front of a BEGIN line quotes it: blanks, marks of a mail or of a comment,
+/// the beginning of a string.
+bool isQuote(std::string_view prefix) {
+    const std::string_view last = prefix.substr(0, prefix.find_last_not_of(" \t") + 1);
+    return last.empty() ||
+           std::string_view("\"'`>|#*/:=;%").find(last.back()) != std::string_view::npos;
+}
+
+/// A line of a block that is quoted, in a mail or a string, or indented.
+/// @param prefix what stands in front of the block's BEGIN line
+std::string_view unquoted(std::string_view line, std::string_view prefix) {
+    if (!prefix.empty() && startsWith(line, prefix)) {
+        line.remove_prefix(prefix.size());
+    }
+    const std::size_t first = line.find_first_not_of(" \t\"'`>");
+    line.remove_prefix(std::min(first, line.size()));
+    // The marks end with hyphens, and base64 with none of these but "+".
+    const std::size_t last = line.find_last_not_of("\"'`,;)]}<>\\ \t");
+    return line.substr(0, last + 1);
+}
 
 /// Finds the label in "-----BEGIN label-----".
 bool readLabel(std::string_view line, std::string_view mark, std::string_view& label) {
@@ -104,7 +139,9 @@ public:
     void add(std::string_view line) {
         // Key files of old carry header lines in the block (RFC 1421, section 4.4).
         if (open_ && line.find(':') == std::string_view::npos) {
-            text_ += line;
+            for (const char character : line) { // "\/" stands for "/" in JSON
+                text_.append(character != '\\' ? 1 : 0, character);
+            }
         }
     }
     std::vector<Block> finish() {
@@ -188,7 +225,13 @@ std::vector<Block> read(std::string_view file) {
     Collector collector;
     Lines lines(file);
     std::string_view line;
+    std::string_view prefix;
     while (lines.next(line)) {
+        if (const std::size_t mark = line.find(BeginMark);
+            mark != std::string_view::npos && isQuote(line.substr(0, mark))) {
+            prefix = line.substr(0, mark);
+        }
+        line = unquoted(line, prefix);
         // A file can also end inside a BEGIN line.
         const bool cutBegin =
             !lines.ended() && line.size() > MarkTail.size() && startsWith(BeginMark, line);

@@ -150,7 +150,8 @@ void addOptions(CLI::App& app, Arguments& arguments) {
                           {"der", InputForm::Der},
                           {"pem", InputForm::Pem},
                           {"base64", InputForm::Base64},
-                          {"hex", InputForm::Hex}},
+                          {"hex", InputForm::Hex},
+                          {"mail", InputForm::Mail}},
                          "How the files hold them");
     app.add_option("--message", arguments.message, "Look at one message of each file only")
         ->type_name("NUMBER")

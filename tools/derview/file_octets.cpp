@@ -1,12 +1,16 @@
 #include "file_octets.h"
 
 #include <cerrno>
+#include <climits>
+#include <stdexcept>
 #include <system_error>
 
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <brevantis/asn1/text/message.h>
 
 namespace derview {
 
@@ -48,7 +52,7 @@ FileOctets::FileOctets(const std::string& path) {
             return;
         }
     }
-    readAll(file.number);
+    readAll(file.number, !S_ISREG(status.st_mode));
     octets_ = store_;
 }
 
@@ -58,8 +62,10 @@ FileOctets::~FileOctets() {
     }
 }
 
-void FileOctets::readAll(int descriptor) {
+void FileOctets::readAll(int descriptor, bool isStream) {
     constexpr std::size_t pieceSize = 1 << 16;
+    constexpr std::size_t longest = INT_MAX;
+    bool tested = false;
     for (std::size_t size = 0;;) {
         store_.resize(size + pieceSize);
         const ssize_t count = read(descriptor, store_.data() + size, pieceSize);
@@ -70,6 +76,16 @@ void FileOctets::readAll(int descriptor) {
         store_.resize(size);
         if (count == 0) {
             return;
+        }
+        if (isStream && !tested && size >= pieceSize) {
+            tested = true;
+            if (!canBeginMessage(Octets(store_).first(pieceSize))) {
+                throw std::runtime_error("no message begins as this input does");
+            }
+        }
+        if (isStream && size > longest) {
+            throw std::runtime_error("the input is longer than " + std::to_string(longest) +
+                                     " octets");
         }
     }
 }

@@ -13,6 +13,8 @@ class FileOctets {
 public:
     /// @param path "-" stands for standard input
     /// @throws std::system_error when the file cannot be opened or read
+    /// @throws std::runtime_error when what is no regular file can begin no message, or goes on
+    /// behind the longest one
     explicit FileOctets(const std::string& path);
     ~FileOctets();
     FileOctets(const FileOctets&) = delete;
@@ -21,7 +23,7 @@ public:
     Octets octets() const { return octets_; }
 
 private:
-    void readAll(int descriptor);
+    void readAll(int descriptor, bool isStream);
 
     OctetStore store_;
     void* mapping_ = nullptr;

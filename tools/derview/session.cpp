@@ -109,6 +109,9 @@ bool Session::open(std::optional<InputReader>& reader, const std::string& path) 
     } catch (const std::system_error& error) {
         tellProblem(escapeName(path), error.code().message());
         return false;
+    } catch (const std::runtime_error& error) {
+        tellProblem(path == "-" ? "standard input" : escapeName(path), error.what());
+        return false;
     }
 }
 

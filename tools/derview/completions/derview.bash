@@ -10,7 +10,7 @@ _derview() {
     case $previous in
         --type | --describe) words=$("${COMP_WORDS[0]}" --list-types 2>/dev/null | cut -d ' ' -f 1) ;;
         --format) words="tree json der" ;;
-        --input) words="auto der pem base64 hex" ;;
+        --input) words="auto der pem base64 hex mail" ;;
         --color) words="auto always never" ;;
         --at | --message | --oids | --schema | --width) return ;;
         *)

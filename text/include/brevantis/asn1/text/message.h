@@ -19,8 +19,9 @@ enum class InputForm : unsigned char {
     Auto, ///< whichever it is
     Der,  ///< octets
     Pem,
-    Base64,
-    Hex
+    Base64, ///< with either alphabet of RFC 4648, with padding or without
+    Hex,    ///< digits; the dump of a program; values of a source
+    Mail    ///< the parts of a mail that hold messages (RFC 8551)
 };
 
 /// A message that was found, damaged or not.
@@ -67,6 +68,10 @@ private:
     std::size_t offset_ = 0; ///< in it
     std::size_t count_ = 0;  ///< messages so far
 };
+
+/// Whether a message can begin so: as text, or with the header of an element.
+/// @param start the first octets of an input, 64 KB of it or all
+BREVANTIS_ASN1_TEXT_API bool canBeginMessage(Octets start) noexcept;
 
 /// Size of the element that octets begin with, header included; 0 when it does not end in them.
 BREVANTIS_ASN1_TEXT_API std::size_t firstElementSize(Octets octets) noexcept;
