@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -9,12 +10,16 @@
 
 namespace {
 
-std::string readFile(const std::string& name) {
-    std::ifstream in(std::string(MODULES_DIRECTORY "/") + name, std::ios::binary);
-    EXPECT_TRUE(in.good()) << name;
+std::string readAll(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    EXPECT_TRUE(in.good()) << path;
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+std::string readFile(const std::string& name) {
+    return readAll(std::filesystem::path(MODULES_DIRECTORY) / name);
 }
 
 /// The modules of each run. The mistakes stand in the last one; what is said about them stands
@@ -66,6 +71,54 @@ TEST(Diagnostics, ModulesOfTheLibrary) {
                    "X DEFINITIONS ::= BEGIN Name ::= BOOLEAN END\n"),
               "m.asn1:1:33: warning: module 'X' does not define 'Other'; values of that type are "
               "left open.\n");
+}
+
+/// The fenced blocks of a page of documentation: what they are marked as, and their text.
+std::vector<std::pair<std::string, std::string>> blocksOf(const std::string& page) {
+    std::vector<std::pair<std::string, std::string>> blocks;
+    std::istringstream lines(page);
+    bool inside = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("```", 0) == 0) {
+            inside = !inside;
+            if (inside) {
+                blocks.emplace_back(line.substr(3), "");
+            }
+        } else if (inside) {
+            blocks.back().second += line + "\n";
+        }
+    }
+    return blocks;
+}
+
+// Each example compiles with what is said about it, or with nothing to say.
+TEST(Documentation, ExamplesSayWhatStandsBehindThem) {
+    std::vector<asn1gen::SourceFile> files;
+    for (const auto& entry : std::filesystem::directory_iterator(SCHEMA_DIRECTORY)) {
+        files.push_back({entry.path().filename().string(), readAll(entry.path()), true});
+    }
+    files.emplace_back();
+    const auto blocks = blocksOf(readAll(DOCUMENTATION));
+    unsigned examples = 0;
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        const auto& [mark, text] = blocks[i];
+        if (mark != "asn1") {
+            continue;
+        }
+        ++examples;
+        files.back() = {"", text, false};
+        notation::Diagnostics diagnostics;
+        asn1gen::compile(files, {}, diagnostics);
+        std::ostringstream printed;
+        diagnostics.print(printed);
+        std::string said = printed.str();
+        for (std::size_t at = 0; at < said.size(); at = said.find('\n', at) + 1) {
+            said.erase(at, 1); // the colon behind the name of the file
+        }
+        const bool told = i + 1 < blocks.size() && blocks[i + 1].first == "messages";
+        EXPECT_EQ(said, told ? blocks[i + 1].second : "") << text;
+    }
+    EXPECT_GT(examples, 10u);
 }
 
 /// Lines that each stand for the one behind them, in which `#` is the number of a line and `$` that
