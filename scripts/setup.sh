@@ -18,6 +18,11 @@ is_provided() {
         abigail-tools) command -v abidiff ;;
         clang) command -v clang++ ;;
         xz-utils) command -v xz ;;
+        debhelper) command -v dh ;;
+        dpkg-dev) command -v dpkg-buildpackage ;;
+        dh-python) command -v dh_python3 ;;
+        python3-all) command -v python3 && dpkg -s python3-all ;;
+        doxygen | lintian | debootstrap) command -v "$1" ;;
         llvm) command -v llvm-cov ;;
         g++) command -v c++ || command -v g++ ;;
         cmake) command -v cmake ;;
