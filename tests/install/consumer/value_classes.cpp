@@ -522,13 +522,30 @@ void distributionPoints(ASN1CTXT* ctxt, CBlob& blob, CDistributionPointName& nam
         records, policies, ctxt);
 }
 
+void additions(CBlob& blob, const CName& name, const CGeneralName& general) {
+    use(toRfc4514(name), fromRfc4514("CN=x"), toUtf8(L"x"), fromUtf8("x"),
+        sameWhole(general, general));
+    CSignerInfoBuilder signer(blob);
+    CSignedDataBuilder message("1.2", blob);
+    message.add(signer);
+    use(CSignedDataBuilder("1.2"), message.certificates(), message.encode(), signer.toBeSigned());
+    CKeyUsage usage(CKeyUsage::digitalSignature);
+    usage.decode(usage.encode());
+    CExtKeyUsage purposes{"1.2"};
+    purposes.decode(purposes.encode());
+    use(purposes.has("1.2"));
+    CCertificatePolicies policies(1);
+    policies.front().addPracticeStatement("x");
+    policies.decode(policies.encode());
+}
+
 } // namespace
 
 int main(int argumentCount, char**) {
     // No argument is ever given; with the functions in reach the linker has to find all they name.
     if (argumentCount > 1000) {
         use(std::make_tuple(bridge, names, attributes, messages, managementProtocol, choices,
-                            extensions, commonValues, distributionPoints));
+                            extensions, commonValues, distributionPoints, additions));
     }
     std::wcout << CName(L"C=RU,O=x").toString().c_str() << L'\n';
 }

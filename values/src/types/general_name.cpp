@@ -1,5 +1,7 @@
 #include <brevantis/asn1/values/types/general_name.h>
 
+#include <cwchar>
+
 #include <brevantis/asn1/values/types/general_name_traits.h>
 #include <brevantis/asn1/values/types/name.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
@@ -216,7 +218,11 @@ void CGeneralName::decode(const CBlob& blob) {
     asn1Decode<ASN1T_GeneralName_traits>(blob, *this);
 }
 
-bool operator==(const CGeneralName& a, const CGeneralName& b) {
+namespace {
+
+/// @param sameTexts compares two texts, or null for none
+template <class SameTexts>
+bool same(const CGeneralName& a, const CGeneralName& b, SameTexts sameTexts) {
     return a.get_type() == b.get_type() &&
            sameBlobs(a.get_directoryName(), b.get_directoryName()) &&
            sameBlobs(a.get_otherName(), b.get_otherName()) &&
@@ -227,6 +233,18 @@ bool operator==(const CGeneralName& a, const CGeneralName& b) {
            sameTexts(a.get_registeredID(), b.get_registeredID()) &&
            sameTexts(a.get_rfc822Name(), b.get_rfc822Name()) &&
            sameTexts(a.get_uniformResourceIdentifier(), b.get_uniformResourceIdentifier());
+}
+
+} // namespace
+
+bool operator==(const CGeneralName& a, const CGeneralName& b) {
+    return same(a, b, sameTexts);
+}
+
+bool sameWhole(const CGeneralName& a, const CGeneralName& b) {
+    return same(a, b, [](const wchar_t* left, const wchar_t* right) {
+        return left == nullptr || right == nullptr ? left == right : std::wcscmp(left, right) == 0;
+    });
 }
 
 bool operator!=(const CGeneralName& a, const CGeneralName& b) {

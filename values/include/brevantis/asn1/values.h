@@ -28,8 +28,10 @@
 #include <brevantis/asn1/values/cmp/status_info_traits.h>
 #include <brevantis/asn1/values/cms/content_info.h>
 #include <brevantis/asn1/values/cms/content_info_traits.h>
+#include <brevantis/asn1/values/cms/signed_data_builder.h>
 #include <brevantis/asn1/values/cms/signer_info.h>
 #include <brevantis/asn1/values/cms/signer_info_traits.h>
+#include <brevantis/asn1/values/extension/certificate_extensions.h>
 #include <brevantis/asn1/values/extension/extension.h>
 #include <brevantis/asn1/values/extension/extension_traits.h>
 #include <brevantis/asn1/values/extension/named_extension_traits.h>
@@ -55,6 +57,7 @@
 #include <brevantis/asn1/values/types/issuer_serial.h>
 #include <brevantis/asn1/values/types/issuer_serial_traits.h>
 #include <brevantis/asn1/values/types/name.h>
+#include <brevantis/asn1/values/types/name_rfc4514.h>
 #include <brevantis/asn1/values/types/name_traits.h>
 #include <brevantis/asn1/values/types/other_hash.h>
 #include <brevantis/asn1/values/types/other_hash_traits.h>
@@ -76,6 +79,7 @@
 #include <brevantis/asn1/values/util/private_buffer.h>
 #include <brevantis/asn1/values/util/text_conversion.h>
 #include <brevantis/asn1/values/util/traits.h>
+#include <brevantis/asn1/values/util/utf8.h>
 #include <brevantis/asn1/values/util/value_with_field.h>
 #include <brevantis/asn1/values/util/whole_assignment.h>
 

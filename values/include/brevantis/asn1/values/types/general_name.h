@@ -44,7 +44,7 @@ class BREVANTIS_ASN1_API CGeneralNameImpl final
 /// @warning A decoded text ends at an octet 0 in it, if there is one. Whoever decides by such names
 ///          compares the encoding too.
 /// @warning Two texts are equal when their first characters are, and `toString` shows no more of
-///          them than that. To compare names, compare what the getters give, or the encodings.
+///          them than that. To compare names, take `sameWhole` and `wholeText`.
 class BREVANTIS_ASN1_API CGeneralName {
 public:
     /// No name: alternative 0.
@@ -149,6 +149,10 @@ private:
 /// @warning Texts are compared by their first characters alone.
 BREVANTIS_ASN1_API bool operator==(const CGeneralName& a, const CGeneralName& b);
 BREVANTIS_ASN1_API bool operator!=(const CGeneralName& a, const CGeneralName& b);
+
+/// Compares the alternatives, then the whole values: texts character by character, in the case they
+/// are in, a directoryName and all else by the octets.
+BREVANTIS_ASN1_API bool sameWhole(const CGeneralName& a, const CGeneralName& b);
 
 /// A list of names.
 class BREVANTIS_ASN1_API CGeneralNames : public std::list<CGeneralName> {
