@@ -29,7 +29,7 @@ fi
 # The tables alone go to the standard output.
 exec 3>&1 1>&2
 install_missing g++ cmake ninja-build ca-certificates openssl pkg-config libbenchmark-dev \
-    nlohmann-json3-dev libcli11-dev \
+    nlohmann-json3-dev libcli11-dev nettle-dev \
     libssl-dev libgnutls28-dev libtasn1-6-dev libmbedtls-dev libbotan-2-dev libnss3-dev valgrind
 # Tests need a package that this script does without.
 build release -DBREVANTIS_BUILD_TESTS=OFF -DBREVANTIS_BUILD_BENCH=ON -- asn1_bench

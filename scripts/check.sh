@@ -8,7 +8,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
 install_missing g++ cmake ninja-build ca-certificates libgtest-dev libssl-dev openssl binutils \
-    nlohmann-json3-dev libcli11-dev python3-pytest
+    nlohmann-json3-dev libcli11-dev nettle-dev python3-pytest
 
 # Other releases of the formatter lay the same code out differently.
 if clang-format --version 2>/dev/null | grep -q 'version 14\.'; then

@@ -8,7 +8,7 @@ set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
-install_missing g++ cmake ninja-build ca-certificates nlohmann-json3-dev libcli11-dev
+install_missing g++ cmake ninja-build ca-certificates nlohmann-json3-dev libcli11-dev nettle-dev
 # Tests need a package that this script does without.
 build release -DBREVANTIS_BUILD_TESTS=OFF -- brevantis_recode_certificates brevantis_derview
 

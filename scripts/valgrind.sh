@@ -8,7 +8,7 @@ set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
-install_missing valgrind g++ cmake ninja-build libgtest-dev nlohmann-json3-dev libcli11-dev
+install_missing valgrind g++ cmake ninja-build libgtest-dev nlohmann-json3-dev libcli11-dev nettle-dev
 seconds=${1:-60}
 logs=$root/build/valgrind
 rm -rf "$logs"

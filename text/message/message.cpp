@@ -6,10 +6,12 @@
 
 #include <brevantis/asn1/runtime/element_walk.h>
 #include <brevantis/asn1/runtime/header.h>
+#include <brevantis/asn1/text/json_reader.h>
 #include <brevantis/asn1/text/pem.h>
 
 #include "hex_text.h"
 #include "mail.h"
+#include "json/json_texts.h"
 
 namespace asn1text {
 
@@ -68,6 +70,9 @@ InputForm formOf(Octets octets) {
     // Octets behind a short block do not make the block one of octets.
     if (!looksLikeText(octets) && !startsWith(textOf(octets), "-----BEGIN ")) {
         return InputForm::Der;
+    }
+    if (!octets.empty() && octets[0] == '{' && !jsonMember(textOf(octets), "file").empty()) {
+        return InputForm::Json;
     }
     if (pem::isPem(textOf(octets))) {
         return InputForm::Pem;
@@ -234,6 +239,10 @@ MessageReader::MessageReader(Octets input, InputForm form) : input_(input), form
     }
     if (form_ == InputForm::Pem) {
         readBlocks(behind);
+    } else if (form_ == InputForm::Json) {
+        for (const std::string_view value : jsonValues(textOf(behind))) {
+            parts_.push_back({"", OctetStore(value.begin(), value.end()), ""});
+        }
     } else if (form_ == InputForm::Mail) {
         for (MailPart& part : partsOfMail(textOf(behind))) {
             parts_.push_back({"", std::move(part.octets), std::move(part.problem)});
@@ -309,7 +318,8 @@ std::optional<FoundMessage> MessageReader::next() {
     } else if (message.problem.empty() && rest[0] == 0) {
         message.problem = "no message begins with the octet 00 (end-of-contents)";
     }
-    const std::size_t size = message.problem.empty() ? firstElementSize(rest) : 0;
+    const bool isText = form_ == InputForm::Json;
+    const std::size_t size = message.problem.empty() && !isText ? firstElementSize(rest) : 0;
     message.octets =
         message.problem.empty() ? rest.first(size != 0 ? size : rest.size()) : Octets();
     const Octets behind = rest.subspan(message.octets.size());

@@ -248,4 +248,24 @@ std::vector<Block> read(std::string_view file) {
     return collector.finish();
 }
 
+std::string write(std::string_view label, Octets octets) {
+    constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    constexpr std::size_t lineSize = 48; // octets, 64 characters
+    std::string text = std::string(BeginMark) + std::string(label) + "-----\n";
+    for (std::size_t place = 0; place < octets.size(); place += 3) {
+        const std::size_t count = std::min<std::size_t>(octets.size() - place, 3);
+        unsigned group = 0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            group = group << 8 | (i < count ? octets[place + i] : 0U);
+        }
+        for (std::size_t i = 0; i < 4; ++i) {
+            text += i <= count ? digits[group >> (18 - 6 * i) & 0x3F] : '=';
+        }
+        if ((place + 3) % lineSize == 0 || place + 3 >= octets.size()) {
+            text += '\n';
+        }
+    }
+    return text + std::string(EndMark) + std::string(label) + "-----\n";
+}
+
 } // namespace asn1text::pem

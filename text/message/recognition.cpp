@@ -1,6 +1,7 @@
 #include <brevantis/asn1/text/recognition.h>
 
 #include <algorithm>
+#include <cctype>
 #include <string_view>
 
 #include <brevantis/asn1/asn1data/walk.h>
@@ -202,6 +203,18 @@ Recognition recognise(Octets message, std::string_view label, bool cut) {
                                   : "none of the usual types"};
     }
     return {type, "best match"};
+}
+
+std::string labelOf(const TypeDescription& type) {
+    std::string label = type.name;
+    for (const LabelledType& labelled : LabelledTypes) {
+        if (label == labelled.type) {
+            return std::string(labelled.label);
+        }
+    }
+    std::transform(label.begin(), label.end(), label.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+    return label;
 }
 
 } // namespace asn1text

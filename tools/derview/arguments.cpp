@@ -9,7 +9,9 @@
 
 #include "escape.h"
 #include "file_octets.h"
+#include "fingerprint.h"
 #include "format.h"
+#include "nearest.h"
 
 namespace derview {
 
@@ -24,6 +26,9 @@ constexpr const char* Purpose =
 constexpr const char* Remarks =
     "Files hold DER or BER, PEM, base64 or hexadecimal digits, one message or several.\n"
     "Exit status: 0 all good, 1 some input failed, 2 wrong usage.";
+
+/// Of the formats.
+constexpr std::size_t ListChoice = 2;
 
 template <class Value>
 using Choices = std::vector<std::pair<std::string, Value>>;
@@ -45,10 +50,28 @@ void addChoice(CLI::App& app, const std::string& name, Value& value, const Choic
                        return;
                    }
                }
-               throw CLI::ValidationError(name, "'" + word + "' is none of " + words);
+               std::vector<std::string> known;
+               for (const auto& choice : choices) {
+                   known.push_back(choice.first);
+               }
+               throw CLI::ValidationError(name, "'" + word + "' is none of " + words +
+                                                    didYouMean(word, known));
            },
            description)
         ->type_name(words);
+}
+
+std::vector<std::string> typeNames(const Arguments& arguments) {
+    std::vector<std::string> names;
+    for (const TypeDescription* const type : asn1data::allTypes()) {
+        names.emplace_back(type->name);
+    }
+    if (arguments.schema != nullptr) {
+        for (const TypeDescription* const type : arguments.schema->types()) {
+            names.emplace_back(type->name);
+        }
+    }
+    return names;
 }
 
 /// An option that takes the name of a type: of the modules given, or of the catalogue.
@@ -60,8 +83,10 @@ void addType(CLI::App& app, const std::string& name, const TypeDescription*& typ
                type = arguments.schema != nullptr ? arguments.schema->findType(word) : nullptr;
                type = type != nullptr ? type : asn1data::findType(word.c_str());
                if (type == nullptr) {
-                   throw CLI::ValidationError(name, "'" + escapeName(word) +
-                                                        "' is no type; --list-types tells them");
+                   const std::string near = didYouMean(word, typeNames(arguments));
+                   throw CLI::ValidationError(
+                       name, "'" + escapeName(word) + "' is no type" +
+                                 (near.empty() ? "; --list-types tells them" : near));
                }
            },
            description)
@@ -151,18 +176,28 @@ void addOptions(CLI::App& app, Arguments& arguments) {
                           {"pem", InputForm::Pem},
                           {"base64", InputForm::Base64},
                           {"hex", InputForm::Hex},
-                          {"mail", InputForm::Mail}},
+                          {"mail", InputForm::Mail},
+                          {"json", InputForm::Json}},
                          "How the files hold them");
     app.add_option("--message", arguments.message, "Look at one message of each file only")
         ->type_name("NUMBER")
         ->check(CLI::Validator(checkNumber, ""));
+    app.add_option("--limit", arguments.limit, "Look at so many messages of each file at most")
+        ->type_name("COUNT")
+        ->check(CLI::PositiveNumber);
     Choices<const FormatDescription*> formats;
     for (const FormatDescription& format : allFormats()) {
         formats.emplace_back(format.name, &format);
     }
     arguments.format = formats.front().second;
     addChoice(app, "--format", arguments.format, formats,
-              "How they are shown; der encodes them again");
+              "How they are shown; der and pem encode them again");
+    app.add_flag_callback(
+        "--list", [&arguments, formats] { arguments.format = formats[ListChoice].second; },
+        "A line a message, as --format list");
+    if (hasFingerprints()) {
+        app.add_flag("--fingerprint", arguments.fingerprint, "Tree and list: SHA-256 of a message");
+    }
     app.add_option_function<std::vector<std::string>>(
            "--oids",
            [&arguments](const std::vector<std::string>& paths) {
@@ -182,6 +217,9 @@ void addOptions(CLI::App& app, Arguments& arguments) {
     app.add_option("--at", arguments.path, "Show one element, as tbsCertificate.extensions[0]")
         ->type_name("PATH");
     app.add_flag("--raw", arguments.raw, "With --at: write the element's octets");
+    app.add_flag("--contents", arguments.contents, "With --raw: without the element's header");
+    app.add_option("--at-offset", arguments.atOffset, "Tell the path of the octet at an offset")
+        ->type_name("OFFSET");
     app.add_flag("--check", arguments.check, "Decode, encode again and compare; a line a message");
     app.add_flag("--lint", arguments.lint, "Tell what is not DER");
     app.add_flag("--tolerant", arguments.tolerant,
@@ -204,10 +242,11 @@ void addOptions(CLI::App& app, Arguments& arguments) {
 /// @return what does not go together; null when everything does
 const char* contradiction(const Arguments& arguments) {
     const int modes = (arguments.check || arguments.lint ? 1 : 0) + (arguments.diff ? 1 : 0) +
-                      (arguments.path ? 1 : 0) + (arguments.listTypes ? 1 : 0) +
-                      (arguments.describe != nullptr ? 1 : 0);
+                      (arguments.path ? 1 : 0) + (arguments.atOffset ? 1 : 0) +
+                      (arguments.listTypes ? 1 : 0) + (arguments.describe != nullptr ? 1 : 0);
     if (modes > 1) {
-        return "--check and --lint, --at, --diff, --list-types and --describe exclude each other";
+        return "--check and --lint, --at, --at-offset, --diff, --list-types and --describe exclude "
+               "each other";
     }
     if (arguments.schema != nullptr && arguments.type == nullptr && !arguments.listTypes &&
         arguments.describe == nullptr) {
@@ -222,19 +261,22 @@ const char* contradiction(const Arguments& arguments) {
     if (arguments.raw && !arguments.path) {
         return "--raw needs --at";
     }
+    if (arguments.contents && !arguments.raw) {
+        return "--contents needs --raw";
+    }
     if (arguments.diff && arguments.files.size() != 2) {
         return "--diff needs two files";
     }
-    if (arguments.diff && arguments.message != 0) {
-        return "--message does not go with --diff";
+    if (arguments.diff && (arguments.message != 0 || arguments.limit != 0)) {
+        return "--message and --limit do not go with --diff";
     }
-    if (arguments.format->isOctets && modes != 0) {
-        return "--format der encodes whole messages";
+    if (arguments.format->encodes && modes != 0) {
+        return "--format der and pem encode whole messages";
     }
     const bool writesOthers = arguments.raw || (modes != 0 && !arguments.path);
     if (!arguments.format->takesLayout && writesOthers) {
-        return "--format json does not go with --raw, --check, --lint, --diff, --list-types and "
-               "--describe";
+        return "--format json and list do not go with --raw, --check, --lint, --at-offset, --diff, "
+               "--list-types and --describe";
     }
     if ((arguments.offsets || arguments.full) && (writesOthers || !arguments.format->takesLayout)) {
         return "--offsets and --full are for the tree";
@@ -244,6 +286,29 @@ const char* contradiction(const Arguments& arguments) {
     }
     const bool octets = arguments.raw || arguments.format->isOctets;
     return octets && isTerminal(1) ? "octets are not written to a terminal" : nullptr;
+}
+
+} // namespace
+
+namespace {
+
+/// What an option that there is none of may have been meant to be.
+std::string hintFor(const CLI::App& app, int argc, char** argv) {
+    std::vector<std::string> known;
+    for (const CLI::Option* const option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            known.push_back("--" + name);
+        }
+    }
+    for (int i = 1; i < argc; ++i) {
+        const std::string word =
+            std::string(argv[i]).substr(0, std::string_view(argv[i]).find('='));
+        if (word.rfind("--", 0) == 0 && word.size() > 2 &&
+            std::find(known.begin(), known.end(), word) == known.end()) {
+            return didYouMean(word, known);
+        }
+    }
+    return "";
 }
 
 } // namespace
@@ -264,8 +329,8 @@ std::optional<int> parseArguments(int argc, char** argv, Arguments& arguments) {
         std::fputs("derview: the output cannot be written\n", stderr);
         return SomeFailed;
     } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "derview: %s\nderview --help tells more\n",
-                     escapeName(error.what()).c_str());
+        std::fprintf(stderr, "derview: %s%s\nderview --help tells more\n",
+                     escapeName(error.what()).c_str(), hintFor(app, argc, argv).c_str());
         return BadUsage;
     }
     if (const char* const problem = contradiction(arguments)) {

@@ -8,10 +8,11 @@
 
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/asn1data/reading_policy.h>
+#include <brevantis/asn1/text/message.h>
 #include <brevantis/asn1/text/names.h>
 #include <brevantis/asn1/text/schema.h>
 
-#include "input_reader.h"
+#include "octets.h"
 #include "terminal.h"
 
 namespace derview {
@@ -32,6 +33,10 @@ struct Arguments {
     std::size_t message = 0;         ///< number of the one in each file to look at; 0: all
     std::optional<std::string> path; ///< of the element to show
     bool raw = false;
+    bool contents = false;               ///< with `raw`: without header
+    std::optional<std::size_t> atOffset; ///< of the octet to find the path of
+    std::size_t limit = 0;               ///< messages of each file to look at; 0: all
+    bool fingerprint = false;
     bool check = false;
     bool lint = false;
     bool tolerant = false;

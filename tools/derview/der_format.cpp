@@ -1,5 +1,8 @@
 #include "der_format.h"
 
+#include <brevantis/asn1/text/pem.h>
+#include <brevantis/asn1/text/recognition.h>
+
 #include "failure_text.h"
 
 namespace derview {
@@ -47,6 +50,15 @@ void DerFormat::error(const asn1data::WalkFailure& failure) {
     refuse(errorText(failure));
 }
 
+void DerFormat::write(const View& /*view*/, Octets encoded) {
+    output_.writeOctets(encoded);
+}
+
+void PemFormat::write(const View& view, Octets encoded) {
+    const std::string& label = view.message.label;
+    output_.write(pem::write(label.empty() ? labelOf(view.type()) : label, encoded));
+}
+
 bool DerFormat::end() {
     if (refused_) {
         return false;
@@ -56,7 +68,7 @@ bool DerFormat::end() {
         refuse("error " + recoder_.problem());
         return false;
     }
-    output_.writeOctets(recoder_.encoded());
+    write(*view_, recoder_.encoded());
     for (const std::string& loss : losses_) {
         diagnostics_.tell(message, loss);
     }

@@ -25,10 +25,15 @@ public:
     void trailing(const Leftover& left) override { trailing_ = left.count; }
     bool end() override;
 
+protected:
+    /// Writes a message that was encoded again.
+    virtual void write(const View& view, Octets encoded);
+
+    Output& output_;
+
 private:
     void refuse(const std::string& text);
 
-    Output& output_;
     Diagnostics& diagnostics_;
     Recoder recoder_;
     const View* view_ = nullptr;
@@ -37,6 +42,15 @@ private:
     std::vector<std::string> losses_;
     std::size_t trailing_ = 0;
     bool refused_ = false;
+};
+
+/// The same as blocks of PEM.
+class PemFormat : public DerFormat {
+public:
+    using DerFormat::DerFormat;
+
+protected:
+    void write(const View& view, Octets encoded) override;
 };
 
 } // namespace derview

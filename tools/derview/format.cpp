@@ -2,6 +2,7 @@
 
 #include "der_format.h"
 #include "json_format.h"
+#include "list_format.h"
 #include "tree_format.h"
 
 namespace derview {
@@ -17,9 +18,11 @@ std::unique_ptr<Format> make(const FormatContext& context) {
 
 std::span<const FormatDescription> allFormats() {
     static constexpr FormatDescription formats[] = {
-        {"tree", &make<TreeFormat>, true, false, true, false},
-        {"json", &make<JsonFormat>, false, true, true, false},
-        {"der", &make<DerFormat>, false, false, false, true},
+        {"tree", &make<TreeFormat>, true, false, true, false, false},
+        {"json", &make<JsonFormat>, false, true, true, false, false},
+        {"list", &make<ListFormat>, false, false, true, false, false},
+        {"der", &make<DerFormat>, false, false, false, true, true},
+        {"pem", &make<PemFormat>, false, false, false, true, false},
     };
     return formats;
 }

@@ -63,7 +63,8 @@ struct FormatDescription {
     bool takesLayout; ///< --offsets and --full
     bool takesLines;  ///< --lines
     bool showsPlain;  ///< messages of no known type
-    bool isOctets;    ///< whole messages as octets, which are not for a terminal
+    bool encodes;     ///< whole messages, encoded again
+    bool isOctets;    ///< not for a terminal
 };
 
 /// All formats, the usual one first.

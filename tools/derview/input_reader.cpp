@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <climits>
 
+#include <brevantis/asn1/text/json_reader.h>
+
 #include "escape.h"
 #include "header.h"
 
@@ -40,10 +42,53 @@ std::size_t sizeWithEnd(Octets octets, std::size_t& open) {
     return std::max(place + EndOfContentsSize * open, octets.size());
 }
 
+bool readHex(std::string_view digits, OctetStore& octets) {
+    octets.clear();
+    for (std::size_t place = 0; place + 1 < digits.size(); place += 2) {
+        const int high = hexDigit(static_cast<unsigned char>(digits[place]));
+        const int low = hexDigit(static_cast<unsigned char>(digits[place + 1]));
+        if (high < 0 || low < 0) {
+            return false;
+        }
+        octets.push_back(static_cast<unsigned char>(high << 4 | low));
+    }
+    return digits.size() % 2 == 0;
+}
+
 } // namespace
 
-InputReader::InputReader(const std::string& path, InputForm form)
-    : path_(path), file_(path), messages_(file_.octets(), form) {}
+InputReader::InputReader(const std::string& path, const Arguments& arguments)
+    : arguments_(arguments), path_(path), file_(path), messages_(file_.octets(), arguments.input) {}
+
+void InputReader::encode(Message& message) {
+    const void* const start = message.octets.data();
+    const std::string_view json(static_cast<const char*>(start), message.octets.size());
+    message.octets = {};
+    const std::string type = jsonMember(json, "type");
+    const std::string hex = type.empty() ? jsonMember(json, "hex") : "";
+    if (!hex.empty()) { // a message of no known type
+        if (!readHex(hex, encoded_)) {
+            message.problem = "\"hex\" is not an even count of hexadecimal digits";
+        }
+        message.octets = encoded_;
+        return;
+    }
+    message.type = arguments_.type;
+    if (message.type == nullptr && arguments_.schema != nullptr) {
+        message.type = arguments_.schema->findType(type);
+    }
+    if (message.type == nullptr) {
+        message.type = asn1data::findType(type.c_str());
+    }
+    JsonFailure failure;
+    if (message.type == nullptr) {
+        message.problem = "the JSON names no known type; --type tells what it is";
+    } else if (!encodeJson(*message.type, json, encoded_, failure, {}, arguments_.names)) {
+        message.problem = failureText(failure);
+    } else {
+        message.octets = encoded_;
+    }
+}
 
 void InputReader::pad(Message& message) {
     constexpr std::size_t largest = INT_MAX;
@@ -76,6 +121,9 @@ std::optional<Message> InputReader::next() {
         message.problem += "; --input der takes it as it stands";
     }
     message.trailing = found->trailing;
+    if (messages_.form() == InputForm::Json && message.problem.empty()) {
+        encode(message);
+    }
     pad(message);
     message.place = escapeName(path_ == "-" ? "standard input" : path_);
     if (message.number > 1 || messages_.hasMore()) {

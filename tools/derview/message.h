@@ -22,8 +22,9 @@ struct Message {
     std::string file;       ///< as given; "-" is standard input
     std::size_t number = 1; ///< in its file, from 1
     std::size_t offset = 0; ///< of its first octet in the decoded input
-    std::string label;      ///< of its PEM block, empty without one
-    Octets octets;          ///< lives as long as the input
+    const asn1data::TypeDescription* type = nullptr; ///< that its JSON names; null without
+    std::string label;                               ///< of its PEM block, empty without one
+    Octets octets;                                   ///< lives as long as the input
     /// What to go through in order to show it: the octets, with zeros for those that are missing.
     Octets shown;
     /// Elements of indefinite length whose end-of-contents are missing; 0 where the message is of

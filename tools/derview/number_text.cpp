@@ -1,5 +1,6 @@
 #include "number_text.h"
 
+#include <algorithm>
 #include <limits>
 
 #include <brevantis/asn1/text/value.h>
@@ -40,6 +41,33 @@ ValueText bigNumberText(const WalkElement& element, std::size_t room) {
         return {std::to_string(*small)};
     }
     return {prefix + hexText(octets)};
+}
+
+std::string otherFormText(const WalkElement& element) {
+    constexpr std::size_t longest = 64;
+    const Magnitude magnitude({element.value.octets, element.value.octetCount},
+                              element.type->shape == asn1data::Shape::BigUnsigned);
+    const char* const sign = magnitude.negative() ? "-" : "";
+    OctetStore octets = octetsOf(magnitude);
+    if (octets.size() > longest) {
+        return "";
+    }
+    if (element.value.octetCount <= 9 && magnitude.within(std::numeric_limits<long long>::max())) {
+        return std::string(sign) + "0x" + (octets.empty() ? "00" : hexText(octets));
+    }
+    std::string digits;
+    while (!octets.empty()) {
+        unsigned rest = 0;
+        for (unsigned char& octet : octets) {
+            rest = rest << 8 | octet;
+            octet = static_cast<unsigned char>(rest / 10);
+            rest %= 10;
+        }
+        digits.insert(digits.begin(), static_cast<char>('0' + rest));
+        octets.erase(octets.begin(), std::find_if(octets.begin(), octets.end(),
+                                                  [](unsigned char octet) { return octet != 0; }));
+    }
+    return sign + digits;
 }
 
 } // namespace derview

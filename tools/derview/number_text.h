@@ -13,6 +13,10 @@ std::string numberText(const asn1data::WalkElement& element);
 /// A BigNumber: in decimal where it is small, else in hexadecimal digits as far as they fit.
 ValueText bigNumberText(const asn1data::WalkElement& element, std::size_t room);
 
+/// A number in the other form than bigNumberText has it: in decimal digits, or in hexadecimal ones.
+/// @return nothing for a number of more than 64 octets
+std::string otherFormText(const asn1data::WalkElement& element);
+
 } // namespace derview
 
 #endif

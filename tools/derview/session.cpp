@@ -7,6 +7,7 @@
 #include "checker.h"
 #include "differ.h"
 #include "escape.h"
+#include "input_reader.h"
 #include "progress.h"
 #include "type_printer.h"
 #include "viewer.h"
@@ -33,7 +34,8 @@ private:
     bool checks() const { return arguments_.check || arguments_.lint; }
     /// Whether messages of no known type are shown.
     bool showsPlain() const {
-        return !checks() && !arguments_.diff && !arguments_.path && arguments_.format->showsPlain;
+        return !checks() && !arguments_.diff && !arguments_.path && !arguments_.atOffset &&
+               arguments_.format->showsPlain;
     }
     void readFile(const std::string& path);
     /// The next message, to be read as the arguments tell.
@@ -79,8 +81,9 @@ Recognition Session::recogniseOrTell(const Message& message) {
     std::string problem = message.problem;
     if (problem.empty()) {
         Recognition recognition =
-            arguments_.type != nullptr
-                ? Recognition{arguments_.type, "as told"}
+            arguments_.type != nullptr ? Recognition{arguments_.type, "as told"}
+            : message.type != nullptr
+                ? Recognition{message.type, "as its JSON tells"}
                 : recognise(message.shown, message.label, message.missing() != 0);
         if (recognition.type != nullptr || showsPlain()) {
             return recognition;
@@ -104,7 +107,7 @@ void Session::take(const Message& message) {
 
 bool Session::open(std::optional<InputReader>& reader, const std::string& path) {
     try {
-        reader.emplace(path, arguments_.input);
+        reader.emplace(path, arguments_);
         return true;
     } catch (const std::system_error& error) {
         tellProblem(escapeName(path), error.code().message());
@@ -130,6 +133,9 @@ void Session::readFile(const std::string& path) {
     }
     bool found = false;
     while (const std::optional<Message> message = next(*reader)) {
+        if (arguments_.limit != 0 && message->number > arguments_.limit) {
+            break;
+        }
         if (output_.failed()) {
             return;
         }

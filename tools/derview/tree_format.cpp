@@ -6,6 +6,8 @@
 
 #include "escape.h"
 #include "failure_text.h"
+#include "fingerprint.h"
+#include "number_text.h"
 #include "value_text.h"
 
 namespace derview {
@@ -31,6 +33,11 @@ TreePlace placeOfOctets(const WalkElement& element, Octets octets, std::size_t s
         inMessage ? static_cast<std::size_t>(octets.data() - element.data) : 0;
     return {inMessage ? element.offset + behind + shift : 0, 0, 0,
             element.assembled || element.segmented};
+}
+
+bool isSerialNumber(const WalkElement& element) {
+    const std::string_view name = element.step->name != nullptr ? element.step->name : "";
+    return name == "serialNumber" || name == "userCertificate" || name == "certSerialNumber";
 }
 
 } // namespace
@@ -84,7 +91,11 @@ void TreeFormat::writeValue(const WalkElement& element, std::size_t column) {
     }
     // A digest or a serial number is worth a second line.
     constexpr std::size_t neverCut = 66;
-    const ValueText value = valueText(element, std::max(room, neverCut), names_);
+    ValueText value = valueText(element, std::max(room, neverCut), names_);
+    if (lines_.full() && kind == ValueKind::BigNumber && isSerialNumber(element)) {
+        const std::string other = otherFormText(element);
+        value.text += other.empty() ? "" : " (" + other + ")";
+    }
     lines_.value(kind, value.rest == 0 ? value : valueText(element, room, names_), column);
 }
 
@@ -286,6 +297,9 @@ void TreeFormat::writeHeading() {
     }
     output_.write(Style::Quiet, more);
     output_.write("\n");
+    if (fingerprint_) {
+        output_.write(Style::Quiet, fingerprintText(message.octets) + "\n");
+    }
 }
 
 void TreeFormat::begin(const View& view) {

@@ -20,7 +20,7 @@ public:
     explicit TreeFormat(const FormatContext& context)
         : output_(context.output), names_(context.arguments.names),
           lines_(context.output, context.width, context.arguments.offsets, context.arguments.full),
-          plain_(lines_, names_) {}
+          plain_(lines_, names_), fingerprint_(context.arguments.fingerprint) {}
 
     void begin(const View& view) override;
     bool plain() override;
@@ -59,6 +59,7 @@ private:
     const IdentifierNames& names_;
     TreeLines lines_;
     PlainTree plain_;
+    bool fingerprint_;
     bool first_ = true; ///< no message has been written yet
     const View* view_ = nullptr;
     Labels labels_;

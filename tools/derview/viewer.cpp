@@ -4,6 +4,7 @@
 
 #include "escape.h"
 #include "failure_text.h"
+#include "header.h"
 #include "path_filter.h"
 
 namespace derview {
@@ -32,6 +33,9 @@ bool Viewer::show(const Message& message, const Recognition& recognition) {
     }
     if (arguments_.path) {
         return showElement(message, recognition);
+    }
+    if (arguments_.atOffset) {
+        return tellPath(message, recognition);
     }
     if (message.missing() == 0) {
         return write({message, recognition});
@@ -84,8 +88,38 @@ WalkResult Viewer::walk(const View& view) {
     return asn1data::walk(view.type(), octets.data(), octets.size(), counted, policy);
 }
 
+namespace {
+
+/// The octets of an element without its header, and without the end-of-contents octets.
+Octets contentsOf(const ElementSpan& span) {
+    const std::size_t header = span.contentOffset - span.offset;
+    const std::size_t size = span.contentLength == ASN1IndefiniteLength
+                                 ? span.size - header - EndOfContentsSize
+                                 : static_cast<std::size_t>(span.contentLength);
+    return {span.data + header, size};
+}
+
+} // namespace
+
+bool Viewer::tellPath(const Message& message, const Recognition& recognition) {
+    const std::size_t offset = *arguments_.atOffset;
+    PathAtOffset finder(offset);
+    if (offset < message.octets.size()) {
+        asn1data::walk(*recognition.type, message.shown.data(), message.shown.size(), finder,
+                       message.policy);
+    }
+    if (!finder.found) {
+        diagnostics_.tell(message,
+                          "no element that can be read has the octet " + std::to_string(offset));
+        return false;
+    }
+    output_.write(Style::Heading, message.place + ": ");
+    output_.write((finder.path.empty() ? "(the message)" : escapeName(finder.path)) + "\n");
+    return true;
+}
+
 bool Viewer::writeRaw(const Message& message, const ElementSpan& span) {
-    output_.writeOctets({span.data, span.size});
+    output_.writeOctets(arguments_.contents ? contentsOf(span) : Octets(span.data, span.size));
     if (message.trailing != 0) {
         diagnostics_.tell(message, trailingText(message.trailing));
     }

@@ -24,6 +24,7 @@ private:
     /// Goes through what is shown.
     asn1data::WalkResult walk(const View& view);
     bool writeRaw(const Message& message, const asn1data::ElementSpan& span);
+    bool tellPath(const Message& message, const Recognition& recognition);
     bool tellMissing(const Message& message, const asn1data::ElementSpan& span);
 
     Output& output_;

@@ -9,13 +9,13 @@ _derview() {
     fi
     case $previous in
         --type | --describe) words=$("${COMP_WORDS[0]}" --list-types 2>/dev/null | cut -d ' ' -f 1) ;;
-        --format) words="tree json der" ;;
-        --input) words="auto der pem base64 hex mail" ;;
+        --format) words="tree json list der pem" ;;
+        --input) words="auto der pem base64 hex mail json" ;;
         --color) words="auto always never" ;;
-        --at | --message | --oids | --schema | --width) return ;;
+        --at | --at-offset | --limit | --message | --oids | --schema | --width) return ;;
         *)
             if [[ $current == -* ]]; then
-                words="--help --version --schema --type --input --message --format --oids --lines --offsets --full --at --raw
+                words="--help --version --schema --type --input --message --limit --format --oids --list --fingerprint --lines --offsets --full --at --raw --contents --at-offset
                     --check --lint --tolerant --exact --der --diff --list-types --describe --color --width"
             fi
             ;;

@@ -66,6 +66,12 @@ encodeJson(const asn1data::TypeDescription& type, std::string_view json, OctetSt
            JsonFailure& failure, const JsonLimits& limits = {},
            const IdentifierNames& names = IdentifierNames::ofLibrary());
 
+/// A string in an object, as it stands there: "type" of an object of derview tells what its value
+/// is.
+/// @return nothing when the text is no object, or the object has no string of the name
+/// @throws std::bad_alloc
+BREVANTIS_ASN1_TEXT_API std::string jsonMember(std::string_view object, std::string_view name);
+
 } // namespace asn1text
 
 #endif

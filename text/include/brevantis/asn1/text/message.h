@@ -21,7 +21,8 @@ enum class InputForm : unsigned char {
     Pem,
     Base64, ///< with either alphabet of RFC 4648, with padding or without
     Hex,    ///< digits; the dump of a program; values of a source
-    Mail    ///< the parts of a mail that hold messages (RFC 8551)
+    Mail,   ///< the parts of a mail that hold messages (RFC 8551)
+    Json ///< one value behind another; `FoundMessage::octets` are the text of one, for encodeJson
 };
 
 /// A message that was found, damaged or not.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <brevantis/asn1/text/export.h>
+#include <brevantis/asn1/text/octets.h>
 
 namespace asn1text::pem {
 
@@ -25,6 +26,10 @@ BREVANTIS_ASN1_TEXT_API bool isPem(std::string_view file);
 /// Reads the blocks of a file. Text around them is passed over, as RFC 7468, section 2 wants it. A
 /// damaged block comes with its problem, and reading goes on behind it.
 BREVANTIS_ASN1_TEXT_API std::vector<Block> read(std::string_view file);
+
+/// A block as a file has it, with its lines of 64 characters.
+/// @throws std::bad_alloc
+BREVANTIS_ASN1_TEXT_API std::string write(std::string_view label, Octets octets);
 
 /// Decodes base64 (RFC 4648, section 4); blanks and line ends may stand anywhere.
 /// @param octets receives what was decoded, also in front of a problem

@@ -27,6 +27,11 @@ struct Recognition {
 BREVANTIS_ASN1_TEXT_API Recognition recognise(Octets message, std::string_view label = {},
                                               bool cut = false);
 
+/// The label of a PEM block of a type: that of RFC 7468 or the usual one, else the name of the type
+/// in capital letters.
+/// @throws std::bad_alloc
+BREVANTIS_ASN1_TEXT_API std::string labelOf(const asn1data::TypeDescription& type);
+
 } // namespace asn1text
 
 #endif
