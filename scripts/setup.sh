@@ -41,6 +41,7 @@ is_provided() {
             compgen -G '/usr/local/lib/cmake/benchmark/benchmarkConfig.cmake' ;;
         nlohmann-json3-dev) test -e /usr/include/nlohmann/json.hpp ;;
         libcli11-dev) test -e /usr/include/CLI/CLI.hpp ;;
+        nettle-dev) test -e /usr/include/nettle/sha2.h ;;
         python3-pytest) /usr/bin/python3 -c 'import pytest' ;;
         ca-certificates) test -s "$ca_bundle" ;;
         libgtest-dev) compgen -G '/usr/lib/*/cmake/GTest/GTestConfig.cmake' ||
