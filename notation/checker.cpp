@@ -172,10 +172,34 @@ void Checker::finishTags(Type& type) {
     if (implicitMode && type.outerTag == 0 && type.tag != 0) {
         type.tag = tagValue(node) | (type.tag & Constructed);
     } else if (!implicitMode && type.outerTag != 0) {
-        diagnostics_.error(node.at, "a second EXPLICIT tag on one type is not supported");
+        wrapInChoice(type, tagValue(node) | Constructed);
     } else {
         type.outerTag = tagValue(node) | Constructed;
     }
+}
+
+// A type has room for one EXPLICIT tag. A second one is that of a CHOICE with the other type as its
+// only alternative, which is the same on the wire.
+void Checker::wrapInChoice(Type& type, unsigned tag) {
+    if (!type.node->sizes.empty() || !type.node->values.empty() || !type.node->further.empty()) {
+        diagnostics_.error(type.tagNode->at,
+                           "a second EXPLICIT tag on a type with a constraint is not supported");
+    }
+    Element inner;
+    inner.name = "value";
+    inner.member = "value";
+    inner.line = "value " + type.aliasOf->name;
+    inner.at = type.at;
+    inner.type = type.aliasOf;
+    type.elements.push_back(std::move(inner));
+    type.aliasOf = nullptr;
+    type.shape = Shape::Choice;
+    type.universalTag = 0;
+    type.capacity = 0;
+    type.constraint.clear();
+    type.tag = 0;
+    type.outerTag = tag;
+    type.node = nullptr;
 }
 
 void Checker::finishElement(const Type& type, Element& element) {

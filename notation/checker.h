@@ -24,6 +24,7 @@ public:
 private:
     void finish(Type& type);
     void finishTags(Type& type);
+    void wrapInChoice(Type& type, unsigned tag);
     void finishElements(Type& type);
     void finishElement(const Type& type, Element& element);
     void finishConstraint(Type& type);

@@ -68,9 +68,12 @@ bool listsNames(const Tokens& body) {
         const bool word = token.is("UNION") || token.is("INTERSECTION") || token.is("EXCEPT");
         return !word && (token.kind == Token::Lower || token.kind == Token::Upper);
     };
+    enum { DeepestBraces = 16 }; // parameters that hand on parameters add a pair each
+    int depth = 0;
     for (std::size_t i = 1; i + 2 < body.size(); ++i) {
-        if (body[i].is("{") || body[i].kind == Token::Field || body[i].kind == Token::Number ||
-            (isName(body[i]) && isName(body[i + 1]))) {
+        depth += body[i].is("{") ? 1 : body[i].is("}") ? -1 : 0;
+        if (depth > DeepestBraces || body[i].kind == Token::Field ||
+            body[i].kind == Token::Number || (isName(body[i]) && isName(body[i + 1]))) {
             return false;
         }
     }
@@ -285,6 +288,32 @@ std::vector<unsigned> Resolver::arcs(const ValueNode& value) {
     return result;
 }
 
+// `object CLASS ::= other`
+void Resolver::resolveOtherName(Object& object, const Assignment& assignment) {
+    const Token& name = assignment.body[0];
+    const Symbol* const other = find(&object.module->node, name.text, name.at, "object");
+    if (other == nullptr) {
+        return;
+    }
+    if (other->object == nullptr || other->object->objectClass != object.objectClass) {
+        diagnostics_.error(name.at, "'" + name.text + "' is not an object of class '" +
+                                        object.objectClass->node->name + "'");
+        return;
+    }
+    if (evaluating_.size() > LongestChain || other->object->state == Object::Resolving) {
+        diagnostics_.error(name.at, other->object->state == Object::Resolving
+                                        ? "'" + name.text + "' is defined by itself"
+                                        : ChainTooLong);
+        return;
+    }
+    evaluating_.insert(&object);
+    resolveObject(*other->object, *other->assignment);
+    evaluating_.erase(&object);
+    object.arcs = other->object->arcs;
+    object.type = other->object->type;
+    object.state = Object::Resolved;
+}
+
 void Resolver::resolveObject(Object& object, Assignment& assignment) {
     if (object.state != Object::Declared) {
         return;
@@ -292,6 +321,10 @@ void Resolver::resolveObject(Object& object, Assignment& assignment) {
     object.state = Object::Resolving;
     Module& module = *object.module;
     const ObjectClass& objectClass = *object.objectClass;
+    if (assignment.body[0].kind == Token::Lower) {
+        resolveOtherName(object, assignment);
+        return;
+    }
     ObjectFields fields;
     try {
         Parser parser(assignment.body, module.node, diagnostics_);
@@ -416,9 +449,7 @@ void Resolver::addMembers(ObjectSet& set, const Tokens& body, const Module& home
                 }
                 continue;
             }
-            if (!member->assignment->body.empty() && member->assignment->body[0].is("{")) {
-                resolveObject(*member->object, *member->assignment);
-            }
+            resolveObject(*member->object, *member->assignment);
             const bool known = std::find(set.objects.begin(), set.objects.end(), member->object) !=
                                set.objects.end();
             if ((!member->object->arcs.empty() && !(known && !set.objectClass->hasRecord)) ||

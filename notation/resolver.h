@@ -114,6 +114,7 @@ private:
     void appendArcs(std::vector<unsigned>& result, const ValueNode& value, const std::string& name,
                     const Location& at, bool first);
     void resolveObject(Object& object, Assignment& assignment);
+    void resolveOtherName(Object& object, const Assignment& assignment);
     void resolveSet(ObjectSet& set, const Assignment& assignment);
     void addMembers(ObjectSet& set, const Tokens& body, const Module& home);
     void addMembersOf(ObjectSet& set, const Symbol& other);
