@@ -100,6 +100,7 @@ install(FILES
 
 # What there is to read, in the places that its links lead to.
 foreach(page IN ITEMS README.md SECURITY.md CHANGELOG.md CONTRIBUTING.md COPYING bench/README.md
+        bench/libraries/brevantis.cpp cmake/Asn1Gen.cmake tests/data/derview/own.asn1
         tools/asn1gen/README.md)
     if(EXISTS ${PROJECT_SOURCE_DIR}/${page})
         get_filename_component(directory ${page} DIRECTORY)
@@ -108,6 +109,6 @@ foreach(page IN ITEMS README.md SECURITY.md CHANGELOG.md CONTRIBUTING.md COPYING
     endif()
 endforeach()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
-    COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+    COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.1")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT documentation)

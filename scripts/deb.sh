@@ -9,7 +9,7 @@ set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
-install_missing g++ cmake ninja-build nlohmann-json3-dev libcli11-dev debhelper dpkg-dev dh-python \
+install_missing g++ cmake ninja-build nlohmann-json3-dev libcli11-dev nettle-dev debhelper dpkg-dev dh-python \
     python3-all doxygen lintian
 directory=$root/build/deb
 version=$(sed -n '1s/.*(\(.*\)).*/\1/p' "$root/packaging/debian/changelog")

@@ -22,7 +22,7 @@ is_provided() {
         dpkg-dev) command -v dpkg-buildpackage ;;
         dh-python) command -v dh_python3 ;;
         python3-all) command -v python3 && dpkg -s python3-all ;;
-        doxygen | lintian | debootstrap) command -v "$1" ;;
+        doxygen | lintian | debootstrap | python3) command -v "$1" ;;
         llvm) command -v llvm-cov ;;
         g++) command -v c++ || command -v g++ ;;
         cmake) command -v cmake ;;
