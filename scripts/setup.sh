@@ -42,6 +42,9 @@ is_provided() {
         nlohmann-json3-dev) test -e /usr/include/nlohmann/json.hpp ;;
         libcli11-dev) test -e /usr/include/CLI/CLI.hpp ;;
         nettle-dev) test -e /usr/include/nettle/sha2.h ;;
+        chromium) command -v chromium ;;
+        chromium-driver) command -v chromedriver ;;
+        python3-selenium) /usr/bin/python3 -c 'import selenium' ;;
         python3-pytest) /usr/bin/python3 -c 'import pytest' ;;
         ca-certificates) test -s "$ca_bundle" ;;
         libgtest-dev) compgen -G '/usr/lib/*/cmake/GTest/GTestConfig.cmake' ||

@@ -248,10 +248,10 @@ std::vector<Block> read(std::string_view file) {
     return collector.finish();
 }
 
-std::string write(std::string_view label, Octets octets) {
+std::string encodeBase64(Octets octets) {
     constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    constexpr std::size_t lineSize = 48; // octets, 64 characters
-    std::string text = std::string(BeginMark) + std::string(label) + "-----\n";
+    std::string text;
+    text.reserve((octets.size() + 2) / 3 * 4);
     for (std::size_t place = 0; place < octets.size(); place += 3) {
         const std::size_t count = std::min<std::size_t>(octets.size() - place, 3);
         unsigned group = 0;
@@ -261,9 +261,16 @@ std::string write(std::string_view label, Octets octets) {
         for (std::size_t i = 0; i < 4; ++i) {
             text += i <= count ? digits[group >> (18 - 6 * i) & 0x3F] : '=';
         }
-        if ((place + 3) % lineSize == 0 || place + 3 >= octets.size()) {
-            text += '\n';
-        }
+    }
+    return text;
+}
+
+std::string write(std::string_view label, Octets octets) {
+    constexpr std::size_t lineSize = 64;
+    const std::string digits = encodeBase64(octets);
+    std::string text = std::string(BeginMark) + std::string(label) + "-----\n";
+    for (std::size_t place = 0; place < digits.size(); place += lineSize) {
+        text += digits.substr(place, lineSize) + "\n";
     }
     return text + std::string(EndMark) + std::string(label) + "-----\n";
 }

@@ -28,7 +28,7 @@ constexpr const char* Remarks =
     "Exit status: 0 all good, 1 some input failed, 2 wrong usage.";
 
 /// Of the formats.
-constexpr std::size_t ListChoice = 2;
+constexpr std::size_t ListChoice = 3;
 
 template <class Value>
 using Choices = std::vector<std::pair<std::string, Value>>;
@@ -275,7 +275,8 @@ const char* contradiction(const Arguments& arguments) {
     }
     const bool writesOthers = arguments.raw || (modes != 0 && !arguments.path);
     if (!arguments.format->takesLayout && writesOthers) {
-        return "--format json and list do not go with --raw, --check, --lint, --at-offset, --diff, "
+        return "--format json, html and list do not go with --raw, --check, --lint, --at-offset, "
+               "--diff, "
                "--list-types and --describe";
     }
     if ((arguments.offsets || arguments.full) && (writesOthers || !arguments.format->takesLayout)) {

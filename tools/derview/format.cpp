@@ -1,6 +1,7 @@
 #include "format.h"
 
 #include "der_format.h"
+#include "html_format.h"
 #include "json_format.h"
 #include "list_format.h"
 #include "tree_format.h"
@@ -20,6 +21,7 @@ std::span<const FormatDescription> allFormats() {
     static constexpr FormatDescription formats[] = {
         {"tree", &make<TreeFormat>, true, false, true, false, false},
         {"json", &make<JsonFormat>, false, true, true, false, false},
+        {"html", &make<HtmlFormat>, false, false, true, false, false, HtmlFormat::Largest},
         {"list", &make<ListFormat>, false, false, true, false, false},
         {"der", &make<DerFormat>, false, false, false, true, true},
         {"pem", &make<PemFormat>, false, false, false, true, false},

@@ -1,6 +1,7 @@
 #ifndef DERVIEW_FORMAT_H
 #define DERVIEW_FORMAT_H
 
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -45,6 +46,8 @@ public:
     virtual void trailing(const Leftover& left) = 0;
     /// @return false when the format itself found something wrong with the message
     virtual bool end() = 0;
+    /// There are no more messages.
+    virtual void finish() {}
 };
 
 /// What a format writes to and goes by.
@@ -65,6 +68,7 @@ struct FormatDescription {
     bool showsPlain;  ///< messages of no known type
     bool encodes;     ///< whole messages, encoded again
     bool isOctets;    ///< not for a terminal
+    std::size_t largest = std::numeric_limits<std::size_t>::max(); ///< octets of a message
 };
 
 /// All formats, the usual one first.

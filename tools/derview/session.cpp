@@ -200,6 +200,8 @@ int Session::run() {
         }
         if (checks()) {
             checker_.writeTotal();
+        } else {
+            viewer_.finish();
         }
     }
     progress_.clear();

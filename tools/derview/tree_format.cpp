@@ -278,27 +278,30 @@ void TreeFormat::reach(const WalkElement& element, bool entered) {
     reached_ = std::max(reached_, element.offset + size);
 }
 
+std::string TreeFormat::headingText() const {
+    const asn1data::TypeDescription* const type = view_->recognition.type;
+    return view_->message.place + ": " + (type != nullptr ? type->name : "unknown type");
+}
+
+std::string TreeFormat::headingRest() const {
+    if (view_->span == nullptr) {
+        return ", " + octetsText(view_->size()) + ", " + view_->recognition.reason;
+    }
+    const std::string& path = *view_->path;
+    return ", " + (path.empty() ? "the message" : escapeName(path)) + " at offset " +
+           std::to_string(view_->span->offset) + ", " + octetsText(view_->size());
+}
+
 void TreeFormat::writeHeading() {
-    const Message& message = view_->message;
     if (!first_) {
         output_.write("\n");
     }
     first_ = false;
-    const asn1data::TypeDescription* const type = view_->recognition.type;
-    output_.write(Style::Heading,
-                  message.place + ": " + (type != nullptr ? type->name : "unknown type"));
-    std::string more = ", ";
-    if (view_->span != nullptr) {
-        const std::string& path = *view_->path;
-        more += (path.empty() ? "the message" : escapeName(path)) + " at offset " +
-                std::to_string(view_->span->offset) + ", " + octetsText(view_->size());
-    } else {
-        more += octetsText(view_->size()) + ", " + view_->recognition.reason;
-    }
-    output_.write(Style::Quiet, more);
+    output_.write(Style::Heading, headingText());
+    output_.write(Style::Quiet, headingRest());
     output_.write("\n");
     if (fingerprint_) {
-        output_.write(Style::Quiet, fingerprintText(message.octets) + "\n");
+        output_.write(Style::Quiet, fingerprintText(view_->message.octets) + "\n");
     }
 }
 

@@ -1,6 +1,7 @@
 #ifndef DERVIEW_TREE_FORMAT_H
 #define DERVIEW_TREE_FORMAT_H
 
+#include <memory>
 #include <string>
 
 #include <brevantis/asn1/asn1data/walk_rules.h>
@@ -18,9 +19,9 @@ namespace derview {
 class TreeFormat : public Format {
 public:
     explicit TreeFormat(const FormatContext& context)
-        : output_(context.output), names_(context.arguments.names),
-          lines_(context.output, context.width, context.arguments.offsets, context.arguments.full),
-          plain_(lines_, names_), fingerprint_(context.arguments.fingerprint) {}
+        : TreeFormat(context, std::make_unique<TreeLines>(context.output, context.width,
+                                                          context.arguments.offsets,
+                                                          context.arguments.full)) {}
 
     void begin(const View& view) override;
     bool plain() override;
@@ -35,8 +36,26 @@ public:
     void trailing(const Leftover& left) override;
     bool end() override { return !hidesOctets_; }
 
+protected:
+    /// @param lines what the tree is written with; they outlive the object
+    TreeFormat(const FormatContext& context, TreeLines& lines)
+        : output_(context.output), names_(context.arguments.names), lines_(lines),
+          plain_(lines, names_), fingerprint_(context.arguments.fingerprint) {}
+
+    virtual void writeHeading();
+    /// "FILE: Certificate", and what is told behind it.
+    std::string headingText() const;
+    std::string headingRest() const;
+    /// The octets of the message.
+    Octets shownOctets() const { return view_->message.octets; }
+
+    Output& output_;
+
 private:
-    void writeHeading();
+    TreeFormat(const FormatContext& context, std::unique_ptr<TreeLines> lines)
+        : TreeFormat(context, *lines) {
+        own_ = std::move(lines);
+    }
     /// Writes what stands in front of the value.
     /// @return the column that the value begins at
     std::size_t writeLabel(const asn1data::WalkElement& element);
@@ -55,9 +74,9 @@ private:
     void writeRest();
     std::size_t depth() const { return outerDepth_ + labels_.depth(); }
 
-    Output& output_;
     const IdentifierNames& names_;
-    TreeLines lines_;
+    TreeLines& lines_;
+    std::unique_ptr<TreeLines> own_;
     PlainTree plain_;
     bool fingerprint_;
     bool first_ = true; ///< no message has been written yet

@@ -31,30 +31,34 @@ public:
     TreeLines(Output& output, std::size_t width, bool offsets, bool full)
         : output_(output), width_(width), offsets_(offsets), full_(full) {}
 
+    virtual ~TreeLines() = default;
+    TreeLines(const TreeLines&) = delete;
+    TreeLines& operator=(const TreeLines&) = delete;
+
     bool offsets() const { return offsets_; }
     bool full() const { return full_; }
 
     /// Begins the line of an element.
     /// @return the column to write at
-    std::size_t begin(std::size_t depth, const TreePlace& place);
+    virtual std::size_t begin(std::size_t depth, const TreePlace& place);
     /// Writes a name, and blanks up to where the names beside it end.
-    std::size_t name(std::string_view name, std::size_t columns, std::size_t column);
+    virtual std::size_t name(std::string_view name, std::size_t columns, std::size_t column);
     /// Writes what stands in front of a value, as "utf8String: ".
-    std::size_t prefix(std::string_view text, std::size_t column);
+    virtual std::size_t prefix(std::string_view text, std::size_t column);
     /// Writes a text and ends the line.
-    void text(Style style, std::string_view text, std::size_t column);
-    void value(ValueKind kind, const ValueText& value, std::size_t column);
+    virtual void text(Style style, std::string_view text, std::size_t column);
+    virtual void value(ValueKind kind, const ValueText& value, std::size_t column);
     /// Writes octets in digits, all of them, and ends the line.
-    void octets(Octets octets, std::size_t column);
+    virtual void octets(Octets octets, std::size_t column);
     /// Tells what is wrong, at a depth of the tree.
-    void failure(std::size_t depth, const std::string& text);
+    virtual void failure(std::size_t depth, const std::string& text);
     /// Tells something about the message behind its tree.
-    void note(const std::string& text);
+    virtual void note(const std::string& text);
 
     /// Columns for a value.
     std::size_t roomAt(std::size_t column) const;
     /// Where a value goes that needs so many columns at least: here, or in the next line.
-    std::size_t findRoom(std::size_t column, std::size_t columns);
+    virtual std::size_t findRoom(std::size_t column, std::size_t columns);
 
     /// Columns below which a value is better off in a line of its own.
     static constexpr std::size_t LeastRoom = 16;

@@ -28,6 +28,12 @@ bool Viewer::showPlain(const Message& message, const Recognition& recognition) {
 }
 
 bool Viewer::show(const Message& message, const Recognition& recognition) {
+    if (message.octets.size() > arguments_.format->largest) {
+        diagnostics_.tell(message, "--format " + std::string(arguments_.format->name) +
+                                       " takes messages of at most " +
+                                       octetsText(arguments_.format->largest));
+        return false;
+    }
     if (recognition.type == nullptr) {
         return showPlain(message, recognition);
     }

@@ -17,6 +17,9 @@ public:
     /// @return whether the message decodes and nothing is wrong with it
     bool show(const Message& message, const Recognition& recognition);
 
+    /// There are no more messages.
+    void finish() { format_->finish(); }
+
 private:
     bool showPlain(const Message& message, const Recognition& recognition);
     bool showElement(const Message& message, const Recognition& recognition);

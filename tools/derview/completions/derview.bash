@@ -9,7 +9,7 @@ _derview() {
     fi
     case $previous in
         --type | --describe) words=$("${COMP_WORDS[0]}" --list-types 2>/dev/null | cut -d ' ' -f 1) ;;
-        --format) words="tree json list der pem" ;;
+        --format) words="tree json html list der pem" ;;
         --input) words="auto der pem base64 hex mail json" ;;
         --color) words="auto always never" ;;
         --at | --at-offset | --limit | --message | --oids | --schema | --width) return ;;

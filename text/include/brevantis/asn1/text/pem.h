@@ -27,6 +27,10 @@ BREVANTIS_ASN1_TEXT_API bool isPem(std::string_view file);
 /// damaged block comes with its problem, and reading goes on behind it.
 BREVANTIS_ASN1_TEXT_API std::vector<Block> read(std::string_view file);
 
+/// Base64 (RFC 4648, section 4), with padding, in one line.
+/// @throws std::bad_alloc
+BREVANTIS_ASN1_TEXT_API std::string encodeBase64(Octets octets);
+
 /// A block as a file has it, with its lines of 64 characters.
 /// @throws std::bad_alloc
 BREVANTIS_ASN1_TEXT_API std::string write(std::string_view label, Octets octets);
