@@ -227,6 +227,7 @@ struct Assignment {
 struct ImportNode {
     std::string name;
     std::string module;
+    std::string identifier; ///< of the module, as ModuleNode has it; empty where none is given
     Location at;
     Location moduleAt;
 };
@@ -242,7 +243,9 @@ struct FileNode {
 
 /// A module of a file.
 struct ModuleNode {
-    std::string name;
+    std::string name;       ///< with a number behind it where an earlier module has the same
+    std::string published;  ///< as it stands
+    std::string identifier; ///< arcs, numbers where they are given; empty without one
     std::shared_ptr<FileNode> file;
     Location at;
     unsigned firstLine = 0; ///< behind the module before it

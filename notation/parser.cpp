@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 
 namespace notation {
 
@@ -157,12 +158,40 @@ std::size_t parseModule(ModuleNode& module, std::size_t first, Diagnostics& diag
     return parser.position();
 }
 
+namespace {
+
+// The arcs of a module's identifier, so that both ways of writing them come to the same.
+std::string identifierOf(const Tokens& tokens) {
+    if (!tokens.front().is("{")) {
+        return ""; // a value's name
+    }
+    static const std::map<std::string, std::string> roots = {{"itu-t", "0"},
+                                                             {"ccitt", "0"},
+                                                             {"iso", "1"},
+                                                             {"joint-iso-itu-t", "2"},
+                                                             {"joint-iso-ccitt", "2"}};
+    std::string arcs;
+    for (std::size_t i = 1; i + 2 < tokens.size(); ++i) {
+        const bool numbered = tokens[i + 1].is("(");
+        const auto root = roots.find(tokens[i].text);
+        if (tokens[i].kind == Token::Number) {
+            arcs += tokens[i].text + " ";
+        } else if (tokens[i].kind == Token::Lower && !numbered) {
+            arcs += (root != roots.end() && arcs.empty() ? root->second : tokens[i].text) + " ";
+        }
+    }
+    return arcs;
+}
+
+} // namespace
+
 void Parser::parseHeader(ModuleNode& module) {
     const Token name = take(Token::Upper, "the name of the module");
     module.at = name.at;
     module.name = name.text;
+    module.published = name.text;
     if (peek().is("{")) {
-        takeBalanced();
+        module.identifier = identifierOf(takeBalanced());
     }
     if (peek().kind == Token::String) {
         take(); // an internationalized identifier
@@ -212,14 +241,16 @@ void Parser::parseImports(ModuleNode& module) {
         // X.680, 13.16: a name in front of a comma or FROM is the next one to import.
         const bool named = peek().kind == Token::Lower && !peek(1).is(",") && !peek(1).is("FROM") &&
                            !peek(1).is("{");
+        std::string identifier;
         if (named || peek().is("{")) {
-            takeBalanced();
+            identifier = identifierOf(takeBalanced());
         }
         if (accept("WITH")) {
             take(); // SUCCESSORS or DESCENDANTS
         }
         for (std::size_t i = first; i < module.imports.size(); ++i) {
             module.imports[i].module = from.text;
+            module.imports[i].identifier = identifier;
             module.imports[i].moduleAt = from.at;
         }
     }

@@ -1,5 +1,6 @@
 #include "reader.h"
 
+#include <map>
 #include <set>
 
 #include "checker.h"
@@ -9,7 +10,7 @@
 namespace notation {
 
 bool readModules(const std::vector<SourceFile>& files, Model& model, Diagnostics& diagnostics) {
-    std::set<std::pair<bool, std::string>> names;
+    std::map<std::pair<bool, std::string>, std::set<std::string>> identifiers; // by names
     for (const SourceFile& source : files) {
         File& file = model.files.emplace_back();
         file.node = std::make_shared<FileNode>();
@@ -22,9 +23,15 @@ bool readModules(const std::vector<SourceFile>& files, Model& model, Diagnostics
             module->node.file = file.node;
             module->ofLibrary = file.ofLibrary;
             next = parseModule(module->node, next, diagnostics);
-            if (!names.emplace(file.ofLibrary, module->node.name).second &&
-                !module->node.name.empty()) {
-                diagnostics.error(module->node.at, "a second module '" + module->node.name + "'");
+            ModuleNode& node = module->node;
+            std::set<std::string>& known = identifiers[{file.ofLibrary, node.name}];
+            if (!known.insert(node.identifier).second && !node.name.empty()) {
+                diagnostics.error(
+                    node.at,
+                    "a second module '" + node.name + "'" +
+                        (node.identifier.empty() ? "" : " with the same object identifier"));
+            } else if (known.size() > 1) {
+                node.name += "-" + std::to_string(known.size());
             }
             file.modules.push_back(module.get());
             model.modules.push_back(std::move(module));

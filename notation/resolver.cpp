@@ -20,7 +20,7 @@ void Resolver::run() {
     std::vector<Module*> all = {&model_.builtinModule};
     for (auto& module : model_.modules) {
         all.push_back(module.get());
-        modulesByName_.emplace(std::pair(module->ofLibrary, module->node.name), module.get());
+        modulesByName_[{module->ofLibrary, module->node.published}].push_back(module.get());
     }
     for (Module* module : all) {
         modules_[&module->node] = module;
@@ -448,7 +448,7 @@ void Resolver::declareClass(Module& module, Assignment& assignment, ObjectClass&
 
 void Resolver::checkImports(const Module& module) {
     for (const ImportNode& import : module.node.imports) {
-        const Module* const from = moduleNamed(&module.node, import.module);
+        const Module* const from = moduleNamed(&module.node, import.module, import.identifier);
         if (from == nullptr) {
             diagnostics_.error(import.moduleAt, "module '" + import.module +
                                                     "' is not among the files" + hintFor(import));
@@ -464,15 +464,25 @@ void Resolver::checkImports(const Module& module) {
     }
 }
 
-// A module of the library means another one of it, any other means those beside it first.
-Module* Resolver::moduleNamed(const ModuleNode* scope, const std::string& name) const {
+// A module of the library means another one of it, any other means those beside it first. Of
+// several with the name it is the one with the identifier.
+Module* Resolver::moduleNamed(const ModuleNode* scope, const std::string& name,
+                              const std::string& identifier) const {
     const auto home = modules_.find(scope);
     const bool ofLibrary = home != modules_.end() && home->second->ofLibrary;
     auto found = modulesByName_.find({ofLibrary, name});
     if (found == modulesByName_.end() && !ofLibrary) {
         found = modulesByName_.find({true, name});
     }
-    return found != modulesByName_.end() ? found->second : nullptr;
+    if (found == modulesByName_.end()) {
+        return nullptr;
+    }
+    for (Module* module : found->second) {
+        if (module->node.identifier == identifier) {
+            return module;
+        }
+    }
+    return found->second.front();
 }
 
 // Where else a name is that is imported from a module that is not there.
@@ -496,8 +506,9 @@ Resolver::Symbol* Resolver::lookUp(const ModuleNode* scope, const std::string& n
         return &found->second;
     }
     for (const ImportNode& import : scope->imports) {
-        const Module* const from =
-            import.name == name && depth < 8 ? moduleNamed(scope, import.module) : nullptr;
+        const Module* const from = import.name == name && depth < 8
+                                       ? moduleNamed(scope, import.module, import.identifier)
+                                       : nullptr;
         if (from != nullptr) {
             if (Symbol* symbol = lookUp(&from->node, name, depth + 1)) {
                 return symbol;
@@ -524,7 +535,7 @@ Resolver::Symbol* Resolver::find(const ModuleNode* scope, const std::string& nam
                            std::string(what) + " '" + name + "' is neither defined nor imported");
         return nullptr;
     }
-    const bool given = moduleNamed(scope, import->module) != nullptr;
+    const bool given = moduleNamed(scope, import->module, import->identifier) != nullptr;
     const bool type = name[0] >= 'A' && name[0] <= 'Z';
     if (given && type && std::string(what) == "type") {
         return &builtins["ANY-MISSING"];
@@ -545,7 +556,13 @@ Resolver::Symbol* Resolver::findType(const TypeNode& node) {
     if (node.module.empty()) {
         return find(node.scope, node.reference, node.at, "type");
     }
-    const Module* const module = moduleNamed(node.scope, node.module);
+    std::string identifier;
+    for (const ImportNode& import : node.scope->imports) {
+        if (import.module == node.module && (identifier.empty() || import.name == node.reference)) {
+            identifier = import.identifier;
+        }
+    }
+    const Module* const module = moduleNamed(node.scope, node.module, identifier);
     if (module == nullptr) {
         diagnostics_.error(node.at, "module '" + node.module + "' is not among the files");
         return nullptr;

@@ -58,7 +58,8 @@ private:
     void declareAssignment(Module& module, Assignment& assignment);
     void declareValue(Module& module, const Assignment& assignment);
     void checkImports(const Module& module);
-    Module* moduleNamed(const ModuleNode* scope, const std::string& name) const;
+    Module* moduleNamed(const ModuleNode* scope, const std::string& name,
+                        const std::string& identifier) const;
     std::string hintFor(const ImportNode& import);
     Symbol* lookUp(const ModuleNode* scope, const std::string& name, unsigned depth = 0);
     Symbol* find(const ModuleNode* scope, const std::string& name, const Location& at,
@@ -128,7 +129,8 @@ private:
     Diagnostics& diagnostics_;
     std::map<const ModuleNode*, std::map<std::string, Symbol>> symbols_;
     std::map<const ModuleNode*, Module*> modules_;
-    std::map<std::pair<bool, std::string>, Module*> modulesByName_; ///< the library's apart
+    /// In the order of the files; the library's apart.
+    std::map<std::pair<bool, std::string>, std::vector<Module*>> modulesByName_;
     std::map<std::pair<const Module*, std::string>, Type*> typesByName_;
     std::map<std::pair<const Module*, std::string>, Location> valuesByName_;
     std::map<std::tuple<const Type*, bool, bool>, Type*> sharedLists_; ///< the library's apart

@@ -64,6 +64,17 @@ TEST(Diagnostics, ModulesOfTheLibrary) {
         return printed.str();
     };
     EXPECT_EQ(said("M DEFINITIONS ::= BEGIN IMPORTS Name FROM X;\nA ::= X.Name\nEND\n"), "");
+    // Of two modules with one name the identifier tells which is meant.
+    const std::string two = "T { iso 1 } DEFINITIONS ::= BEGIN A ::= INTEGER END\n"
+                            "T { iso 2 } DEFINITIONS ::= BEGIN B ::= INTEGER END\n";
+    EXPECT_EQ(said(two + "M DEFINITIONS ::= BEGIN IMPORTS A FROM T { 1 1 } B FROM T { iso(1) 2 };\n"
+                         "C ::= SEQUENCE { a A, b T.B }\nEND\n"),
+              "");
+    EXPECT_EQ(said(two + "M DEFINITIONS ::= BEGIN IMPORTS B FROM T { 1 1 };\nEND\n"),
+              "m.asn1:3:33: warning: module 'T' does not define 'B'; values of that type are left "
+              "open.\n");
+    EXPECT_EQ(said("T { 1 2 } DEFINITIONS ::= BEGIN END\nT { iso 2 } DEFINITIONS ::= BEGIN END\n"),
+              "m.asn1:2:1: error: a second module 'T' with the same object identifier.\n");
     EXPECT_EQ(said("M DEFINITIONS ::= BEGIN IMPORTS Name FROM Gone;\nEND\n"),
               "m.asn1:1:43: error: module 'Gone' is not among the files; add the file that holds "
               "it, or import 'Name' from 'X', which is installed with the library (x.asn1).\n");
