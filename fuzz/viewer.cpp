@@ -1,3 +1,4 @@
+#include <fingerprint.h>
 #include <format.h>
 #include <session.h>
 
@@ -41,7 +42,7 @@ derview::Arguments argumentsOf(Input& input) {
     derview::Arguments arguments;
     const auto formats = derview::allFormats();
     arguments.format = &formats[input.below(formats.size())];
-    arguments.input = static_cast<derview::InputForm>(input.below(5));
+    arguments.input = static_cast<derview::InputForm>(input.below(7));
     const unsigned char more = input.octet();
     arguments.offsets = (more & 1u) != 0;
     arguments.full = (more & 2u) != 0;
@@ -51,7 +52,7 @@ derview::Arguments argumentsOf(Input& input) {
     if ((more & 32u) != 0) {
         arguments.type = &asn1data::allTypes()[input.below(asn1data::allTypes().size())];
     }
-    switch (input.below(6)) {
+    switch (input.below(7)) {
     case 0:
         arguments.check = true;
         break;
@@ -64,9 +65,14 @@ derview::Arguments argumentsOf(Input& input) {
     case 3:
         arguments.path.emplace();
         arguments.raw = (more & 64u) != 0;
+        arguments.contents = arguments.raw && (more & 128u) != 0;
         for (unsigned length = input.octet(); length-- > 0;) {
             *arguments.path += static_cast<char>(input.octet());
         }
+        break;
+    case 4:
+        arguments.atOffset = input.octet();
+        arguments.fingerprint = derview::hasFingerprints();
         break;
     default:
         break;

@@ -5,6 +5,8 @@
 
 #include <brevantis/asn1/runtime/header.h>
 
+#include <brevantis/asn1/text/sct.h>
+
 #include "escape.h"
 #include "raw_value.h"
 
@@ -98,9 +100,41 @@ bool PlainTree::writeValue(const PlainElement& element, std::size_t column, std:
     return write(element.contents, depth + 1, inside(element, element.contents, place));
 }
 
+/// Writes timestamps of logs, which are no elements.
+bool PlainTree::writeTimestamps(const PlainElement& element, std::size_t column, std::size_t depth,
+                                const TreePlace& place) {
+    const auto timestamps = readTimestamps(element.contents);
+    if (!timestamps) {
+        return false;
+    }
+    lines_.text(Style::Quiet, tagText(element) + ", signed certificate timestamps", column);
+    for (const SignedTimestamp& timestamp : *timestamps) {
+        const auto line = [&](const char* name, Style style, const std::string& text,
+                              Octets octets) {
+            TreePlace own = inside(element, octets, place);
+            own.contentLength = static_cast<long long>(octets.size());
+            const std::size_t start = lines_.begin(depth + 1, own);
+            lines_.text(style, text,
+                        lines_.name(name, std::string_view("extensions").size(), start));
+        };
+        constexpr std::size_t timeSize = 8;
+        line("log", Style::Hex, hexText(timestamp.log), timestamp.log);
+        line("time", Style::Number, timeText(timestamp), {timestamp.log.end(), timeSize});
+        if (!timestamp.extensions.empty()) {
+            line("extensions", Style::Hex, hexText(timestamp.extensions), timestamp.extensions);
+        }
+        line("signature", Style::Hex, algorithmText(timestamp) + " " + hexText(timestamp.value),
+             timestamp.value);
+    }
+    return true;
+}
+
 void PlainTree::writePrimitive(const PlainElement& element, std::size_t column, std::size_t depth,
                                const TreePlace& place) {
     const std::string tag = tagText(element);
+    if (element.tagClass == 0 && writeTimestamps(element, column, depth, place)) {
+        return;
+    }
     if (const Octets octets = insideOf(element); !octets.empty()) {
         lines_.text(Style::Quiet, tag, column);
         write(octets, depth + 1, inside(element, octets, place));

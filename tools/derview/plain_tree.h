@@ -27,6 +27,8 @@ public:
 private:
     void writePrimitive(const PlainElement& element, std::size_t column, std::size_t depth,
                         const TreePlace& place);
+    bool writeTimestamps(const PlainElement& element, std::size_t column, std::size_t depth,
+                         const TreePlace& place);
     void writeCut(Octets octets, std::size_t depth, TreePlace place);
     void writeDigits(Octets octets, std::size_t column);
     /// Where octets inside an element stand.

@@ -133,7 +133,10 @@ bool TreeFormat::writeInside(const WalkElement& element, std::size_t column) {
     if (!inner.key.empty()) {
         column = lines_.prefix(inner.key, column);
     }
-    if (!plain || !plain->constructed || !holdElements(octets)) {
+    // The value of an extension is an element in any case; elsewhere a primitive may be chance.
+    const bool isElement =
+        element.step->name != nullptr && std::string_view(element.step->name) == "extnValue";
+    if (!plain || !(plain->constructed || isElement) || !holdElements(octets)) {
         return !inner.key.empty() && (writeKey(element, column), true);
     }
     const std::string text = kind == ValueKind::Bits
