@@ -129,6 +129,18 @@ bool PlainTree::writeTimestamps(const PlainElement& element, std::size_t column,
     return true;
 }
 
+/// The value of an element of a built-in type; that of an ENUMERATED is read as an INTEGER.
+std::optional<RawValue> PlainTree::valueOf(const PlainElement& element, std::size_t room) const {
+    constexpr unsigned enumerated = 10;
+    constexpr unsigned char integer = 2;
+    if (element.tagClass != 0 || element.number != enumerated || element.octets.size() > room) {
+        return rawValueText(element.octets, room, names_);
+    }
+    OctetStore octets(element.octets.begin(), element.octets.end());
+    octets[0] = integer;
+    return rawValueText(octets, room, names_);
+}
+
 void PlainTree::writePrimitive(const PlainElement& element, std::size_t column, std::size_t depth,
                                const TreePlace& place) {
     const std::string tag = tagText(element);
@@ -141,7 +153,7 @@ void PlainTree::writePrimitive(const PlainElement& element, std::size_t column, 
         return;
     }
     const std::size_t room = lines_.full() ? Endless : lines_.roomAt(column + tag.size() + 2);
-    const std::optional<RawValue> value = rawValueText(element.octets, room, names_);
+    const std::optional<RawValue> value = valueOf(element, room);
     if (value && value->kind == ValueKind::Null) {
         lines_.text(Style::Plain, "NULL", column);
         return;

@@ -4,6 +4,7 @@
 #include <brevantis/asn1/text/elements.h>
 #include <brevantis/asn1/text/names.h>
 
+#include "raw_value.h"
 #include "tree_lines.h"
 
 namespace derview {
@@ -30,6 +31,7 @@ private:
     bool writeTimestamps(const PlainElement& element, std::size_t column, std::size_t depth,
                          const TreePlace& place);
     void writeCut(Octets octets, std::size_t depth, TreePlace place);
+    std::optional<RawValue> valueOf(const PlainElement& element, std::size_t room) const;
     void writeDigits(Octets octets, std::size_t column);
     /// Where octets inside an element stand.
     static TreePlace inside(const PlainElement& element, Octets octets, const TreePlace& place);
