@@ -9,7 +9,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
 # Places of headers with something that is not documented. It may only become less.
-undocumented_at_most=470
+undocumented_at_most=344
 
 install_missing g++ cmake ninja-build doxygen python3 nlohmann-json3-dev libcli11-dev nettle-dev
 build release -- brevantis_docs
