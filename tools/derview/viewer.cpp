@@ -6,6 +6,7 @@
 #include "failure_text.h"
 #include "header.h"
 #include "path_filter.h"
+#include "path_hint.h"
 
 namespace derview {
 
@@ -55,7 +56,7 @@ bool Viewer::showElement(const Message& message, const Recognition& recognition)
     const ElementSpan span = asn1data::findElement(*recognition.type, message.shown.data(),
                                                    message.shown.size(), path.c_str());
     if (span.status != 0 || span.offset + std::size_t{span.size} > message.octets.size()) {
-        return tellMissing(message, span);
+        return tellMissing(message, *recognition.type, span);
     }
     return arguments_.raw ? writeRaw(message, span) : write({message, recognition, &span, &path});
 }
@@ -132,7 +133,8 @@ bool Viewer::writeRaw(const Message& message, const ElementSpan& span) {
     return message.trailing == 0;
 }
 
-bool Viewer::tellMissing(const Message& message, const ElementSpan& span) {
+bool Viewer::tellMissing(const Message& message, const asn1data::TypeDescription& type,
+                         const ElementSpan& span) {
     const std::string path = "'" + escapeName(*arguments_.path) + "'";
     const bool reachesEnd = span.status == 0 || span.failure.offset >= message.octets.size();
     if (message.missing() != 0 && reachesEnd) {
@@ -146,7 +148,8 @@ bool Viewer::tellMissing(const Message& message, const ElementSpan& span) {
     } else if (span.status == ASN1S_NOT_SUPPORTED) {
         diagnostics_.tell(message, path + " lies in an OCTET STRING that comes in segments");
     } else {
-        diagnostics_.tell(message, "there is no " + path);
+        diagnostics_.tell(message,
+                          "there is no " + path + pathHint(message, type, *arguments_.path));
     }
     return false;
 }

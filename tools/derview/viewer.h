@@ -28,7 +28,8 @@ private:
     asn1data::WalkResult walk(const View& view);
     bool writeRaw(const Message& message, const asn1data::ElementSpan& span);
     bool tellPath(const Message& message, const Recognition& recognition);
-    bool tellMissing(const Message& message, const asn1data::ElementSpan& span);
+    bool tellMissing(const Message& message, const asn1data::TypeDescription& type,
+                     const asn1data::ElementSpan& span);
 
     Output& output_;
     Diagnostics& diagnostics_;
