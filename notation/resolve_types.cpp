@@ -322,9 +322,11 @@ Type* Resolver::useReference(const TypeNode& node, const Place& place) {
                                   token.kind == Token::Number;
                 const bool mark =
                     token.is("{") || token.is("}") || token.is(",") || token.kind == Token::End;
-                name = name.empty() || (!word && !mark) ? ""
-                       : word                           ? name + "_" + cppName(token.text)
-                                                        : name;
+                if (!word && !mark) {
+                    name.clear();
+                    break;
+                }
+                name.append(word ? "_" + cppName(token.text) : "");
             }
             Place inner = place;
             inner.remarks = nullptr;

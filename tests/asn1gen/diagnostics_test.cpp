@@ -196,7 +196,7 @@ TEST(Diagnostics, DepthAndChains) {
     std::string doubling = "A0 ::= SEQUENCE { a BOOLEAN }\n";
     for (int i = 1; i < 40; ++i) {
         const std::string last = "COMPONENTS OF A" + std::to_string(i - 1);
-        doubling += "A" + std::to_string(i) + " ::= SEQUENCE { " + last + ", " + last + " }\n";
+        doubling.append("A" + std::to_string(i) + " ::= SEQUENCE { " + last + ", " + last + " }\n");
     }
     EXPECT_NE(saidOf(doubling).find("more than 500000 tokens"), std::string::npos);
     EXPECT_NE(saidOf("A ::= SEQUENCE { COMPONENTS OF A }\n").find("COMPONENTS OF"),
