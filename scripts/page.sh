@@ -13,5 +13,5 @@ build release -- brevantis_derview
 say "the page of derview in a browser"
 status=0
 /usr/bin/python3 "$root/tests/derview/page_test.py" "$root/build/release/bin/derview" \
-    "$root/tests/data/derview" "$@" || status=$?
+    "$@" || status=$?
 ((status == 0 || status == 77))

@@ -1,11 +1,13 @@
 #!/usr/bin/python3
-"""Clicks through the page that derview writes, in headless Chromium, and takes pictures of it.
+"""The pages of --format html in Chromium: clicks, keys, search, both themes.
 
-Usage: page_test.py DERVIEW MESSAGES-FOLDER [PICTURES-FOLDER]
+Usage: page_test.py PROGRAM [FOLDER]     (screenshots go to FOLDER)
 
 Skipped, with the status 77, where Chromium, its driver or Selenium are missing.
 """
+
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -14,192 +16,255 @@ import time
 try:
     from selenium import webdriver
     from selenium.webdriver.chrome.service import Service
+    from selenium.webdriver.common.action_chains import ActionChains
     from selenium.webdriver.common.by import By
     from selenium.webdriver.common.keys import Keys
 except ImportError:
     print("skipped: python3-selenium is missing")
     sys.exit(77)
-import shutil
 
-CHROMIUM, DRIVER = shutil.which("chromium"), shutil.which("chromedriver")
-if not CHROMIUM or not DRIVER:
-    print("skipped: chromium or chromium-driver is missing")
-    sys.exit(77)
+PROGRAM = pathlib.Path(sys.argv[1]).resolve()
+WORK = None if len(sys.argv) > 2 else tempfile.TemporaryDirectory()
+FOLDER = pathlib.Path(WORK.name if WORK else sys.argv[2]).resolve()
+DATA = pathlib.Path(__file__).resolve().parent.parent / "data" / "derview"
 
-derview, messages = sys.argv[1], pathlib.Path(sys.argv[2])
-pictures = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 else None
-work = pathlib.Path(tempfile.mkdtemp())
-
-
-def page_of(name, *files, octets=None):
-    page = work / (name + ".html")
-    result = subprocess.run([derview, "--format", "html", *map(str, files)], input=octets,
-                            stdout=subprocess.PIPE, check=False)
-    page.write_bytes(result.stdout)
-    return page
-
-
-def element(tag, *contents):
-    octets = b"".join(contents)
-    size = len(octets)
-    length = bytes([size]) if size < 128 else b"\x84" + size.to_bytes(4, "big")
-    return bytes([tag]) + length + octets
-
-
-def large_list(entries):
-    """A revocation list, not signed by anybody."""
-    algorithm = element(0x30, bytes.fromhex("06092a864886f70d01010b"), b"\x05\x00")
-    name = element(0x30, element(0x31, element(0x30, b"\x06\x03\x55\x04\x03", element(0x0C, b"CA"))))
-    reason = element(0x30, element(0x30, b"\x06\x03\x55\x1d\x15", element(0x04, b"\x0a\x01\x01")))
-    revoked = element(0x30, *(element(0x30, element(2, b"\x01" + (i * 2654435761).to_bytes(15, "big")),
-                                      element(0x17, b"260101000000Z"), reason)
-                              for i in range(entries)))
-    times = element(0x17, b"260101000000Z") + element(0x17, b"270101000000Z")
-    content = element(0x30, b"\x02\x01\x01", algorithm, name, times, revoked)
-    return element(0x30, content, algorithm, element(3, b"\0" * 257))
-
-
-def expect(condition, what):
-    if not condition:
-        raise AssertionError(what)
+# The least contrast of WCAG 2.1, 1.4.3, of each text with what is behind it.
+CONTRAST = """
+const canvas = new OffscreenCanvas(1, 1).getContext('2d', { willReadFrequently: true });
+const channels = (color) => {
+  canvas.clearRect(0, 0, 1, 1);
+  canvas.fillStyle = color;
+  canvas.fillRect(0, 0, 1, 1);
+  return [...canvas.getImageData(0, 0, 1, 1).data];
+};
+const light = (color) => {
+  const [red, green, blue] = channels(color).map((value) => value / 255)
+    .map((value) => (value <= 0.03928 ? value / 12.92 : ((value + 0.055) / 1.055) ** 2.4));
+  return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
+};
+const back = (element) => {
+  const color = getComputedStyle(element).backgroundColor;
+  return channels(color)[3] === 255 || !element.parentElement ? color : back(element.parentElement);
+};
+let least = [21, ''];
+for (const element of document.querySelectorAll('body *')) {
+  const hasText = [...element.childNodes].some((node) => node.nodeType === 3 && node.data.trim());
+  if (hasText && element.checkVisibility()) {
+    const of = [light(getComputedStyle(element).color), light(back(element))].sort((a, b) => b - a);
+    const ratio = (of[0] + 0.05) / (of[1] + 0.05);
+    least = ratio < least[0] ? [ratio, element.className || element.id] : least;
+  }
+}
+return least;
+"""
 
 
 class Page:
-    def __init__(self, theme="light"):
-        options = webdriver.ChromeOptions()
-        options.binary_location = CHROMIUM
-        for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--window-size=1400,900",
-                         "--user-data-dir=" + tempfile.mkdtemp(dir=work)):
-            options.add_argument(argument)
-        if theme == "dark":
-            options.add_argument("--force-dark-mode")
-        options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-        self.browser = webdriver.Chrome(service=Service(DRIVER), options=options)
+    """A page in the browser."""
 
-    def open(self, page):
-        self.browser.get(page.as_uri())
+    def __init__(self, driver, name, *options, message=b""):
+        self.driver = driver
+        done = subprocess.run([PROGRAM, "--format", "html", *options], input=message, cwd=DATA,
+                              capture_output=True, check=False)
+        path = FOLDER / f"{name}.html"
+        path.write_bytes(done.stdout)
+        self.name = name
+        self.size = len(done.stdout)
+        begin = time.monotonic()
+        driver.get(path.as_uri())
+        self.wait("document.documentElement.dataset.ready !== undefined")
+        self.seconds = time.monotonic() - begin
 
-    def find(self, css):
-        return self.browser.find_element(By.CSS_SELECTOR, css)
+    def js(self, text):
+        return self.driver.execute_script(text)
 
-    def all(self, css):
-        return self.browser.find_elements(By.CSS_SELECTOR, css)
+    def wait(self, condition):
+        for _ in range(400):
+            if self.js(f"return {condition}"):
+                return
+            time.sleep(0.02)
+        self.shoot("failed")
+        raise AssertionError(f"{self.name}: {condition} does not come true; {self.log()}")
 
-    def status(self):
-        return self.find("#status").text
+    def log(self):
+        return [entry["message"] for entry in self.driver.get_log("browser")]
+
+    def all(self, selector):
+        return self.driver.find_elements(By.CSS_SELECTOR, selector)
+
+    def line(self, text):
+        return self.js("return [...document.querySelectorAll('#tree .line')]"
+                       f".find((line) => line.textContent.includes('{text}'))")
+
+    def keys(self, *keys):
+        ActionChains(self.driver).send_keys(*keys).perform()
 
     def selected(self):
-        return self.find(".row[aria-selected='true']")
+        return self.js("return document.querySelector('[aria-selected=true]').innerText")
 
-    def row(self, name):
-        return next(row for row in self.all(".row") if name in row.text and row.is_displayed())
+    def path(self):
+        return self.js("return document.querySelector('#details code').textContent")
 
-    def picture(self, name):
-        if pictures:
-            pictures.mkdir(parents=True, exist_ok=True)
-            self.browser.save_screenshot(str(pictures / (name + ".png")))
+    def marked(self, *names):
+        """The octets that are marked, in digits."""
+        cells = ",".join(f".octet.{name}" for name in names)
+        return self.js(f"return [...document.querySelectorAll('{cells}')]"
+                       ".map((cell) => cell.textContent).join('')")
 
-    def check_log(self):
-        bad = [entry["message"] for entry in self.browser.get_log("browser")
-               if entry["level"] == "SEVERE"]
-        expect(not bad, "the browser complains: " + "; ".join(bad))
+    def search(self, text):
+        self.keys("/")
+        self.js("document.getElementById('query').value = ''")
+        before = self.js("return document.getElementById('found').textContent")
+        self.keys(text, Keys.ENTER)
+        return before, self.js("return document.getElementById('found').textContent")
 
-
-def test_certificate(page):
-    page.open(page_of("certificate", messages / "Certificate-every-extension.hex"))
-    page.check_log()
-    expect(page.find("h1").text.startswith("Certificate") is False and
-           "Certificate, 2045 octets" in page.find("h1").text, "the heading tells the message")
-    page.row("serialNumber").click()
-    expect("tbsCertificate.serialNumber at offset" in page.status(), "a click tells the path")
-    marked = page.all("#rows .in:not(.head)")
-    header = page.all("#rows .in.head")
-    expect(len(header) == 2 * 2 and len(marked) == 2 * 20, "the octets of the element are marked")
-    # The other way.
-    octet = page.find("#rows span[data-at='60']")
-    octet.click()
-    offset = int(page.selected().find_element(By.CLASS_NAME, "offset").text)
-    expect(offset <= 60 and "at offset" in page.status(), "an octet leads to its element")
-    # Keys.
-    page.row("serialNumber").click()
-    page.selected().send_keys(Keys.ARROW_DOWN)
-    expect("signature" in page.selected().text, "down goes to the next row")
-    page.selected().send_keys(Keys.ARROW_RIGHT)
-    expect(page.selected().get_attribute("aria-expanded") == "true", "right unfolds")
-    page.selected().send_keys(Keys.ARROW_LEFT)
-    expect(page.selected().get_attribute("aria-expanded") == "false", "left folds")
-    # Search.
-    page.find("body").send_keys("/")
-    search = page.find("#search")
-    search.send_keys("https://example.com/path", Keys.ENTER)
-    expect("example.com/path" in page.selected().text, "search reveals what is folded")
-    search.clear()
-    search.send_keys("nothing of this kind", Keys.ENTER)
-    expect("nothing found" in page.status(), "search tells when there is nothing")
-    # Themes.
-    page.row("serialNumber").click()
-    back = page.find("body").value_of_css_property("background-color")
-    page.picture("certificate-light")
-    page.find("#theme").click()
-    expect(page.find("body").value_of_css_property("background-color") != back, "there are two themes")
-    page.picture("certificate-dark")
-    page.check_log()
+    def shoot(self, what):
+        self.driver.save_screenshot(str(FOLDER / f"{self.name}-{what}.png"))
 
 
-def test_hostile(page):
-    script = b"<script>document.title='owned'</script><img src=x onerror=\"document.title='owned'\">"
-    page.open(page_of("hostile", octets=element(0x30, element(0x0C, script), b"\x05\x01")))
+def elements_and_octets_belong_together(driver):
+    page = Page(driver, "certificate", "Certificate-every-extension.hex")
+    page.line("notBefore").click()
+    assert page.path() == "tbsCertificate.validity.notBefore.utcTime", page.path()
+    assert page.marked("in-header", "in-contents") == "170d" + b"261121143111Z".hex()
+    assert page.marked("in-header") == "170d"
+    # The 43rd octet is in the middle of an algorithm's identifier.
+    page.all("#octets .octet")[42].click()
+    assert page.path() == "tbsCertificate.signature.algorithm", page.path()
+    assert "sha256WithRSAEncryption" in page.selected()
+    assert page.js("return document.querySelector('#tree').getAttribute('aria-activedescendant') ==="
+                   " document.querySelector('[aria-selected=true]').id")
+    # Hovering shows the same without selecting.
+    ActionChains(driver).move_to_element(page.line("serialNumber")).perform()
+    assert page.marked("over").startswith("0214"), page.marked("over")
+    ActionChains(driver).move_to_element(page.all("#octets .octet")[9]).perform()
+    assert "version" in page.js("return document.querySelector('#tree .over').innerText")
+    assert page.path() == "tbsCertificate.signature.algorithm"
+    page.shoot("light")
+    assert page.js(CONTRAST)[0] >= 4.5, page.js(CONTRAST)
+    assert page.log() == []
+
+
+def keys_go_everywhere(driver):
+    page = Page(driver, "keys", "Certificate-every-extension.hex")
+    page.keys(Keys.ARROW_DOWN, Keys.ARROW_DOWN)
+    assert page.path() == "tbsCertificate.version"
+    page.keys(Keys.ARROW_LEFT, Keys.ARROW_LEFT)
+    assert page.path() == "tbsCertificate"
+    closed = page.js("return document.querySelector('[aria-selected=true]').ariaExpanded")
+    assert closed == "false", "the second key folds"
+    page.keys(Keys.ARROW_DOWN)
+    assert page.path() == "signatureAlgorithm"
+    page.keys(Keys.ARROW_UP, Keys.ENTER, Keys.END)
+    assert page.path() == "signature"
+    page.keys("x")
+    assert page.selected().split()[0] == format(2045 - 261, "x"), page.selected()
+    page.keys("x", Keys.TAB)
+    page.keys(Keys.CONTROL, Keys.HOME)
+    ActionChains(driver).key_down(Keys.CONTROL).send_keys(Keys.HOME).key_up(Keys.CONTROL).perform()
+    page.keys(Keys.ARROW_DOWN, Keys.ARROW_RIGHT)
+    assert page.path() == "tbsCertificate.serialNumber", "the 18th octet"
+    page.keys("d", Keys.ESCAPE)
+    assert page.js("return document.activeElement.id") == "tree"
+    assert page.js("return document.documentElement.dataset.theme") == "dark"
+    page.keys(Keys.ARROW_UP)
+    assert page.path() == "tbsCertificate.version"
+    page.shoot("dark")
+    assert page.js(CONTRAST)[0] >= 4.5, page.js(CONTRAST)
+    page.keys("?")
+    page.shoot("help-dark")
+    assert page.js("return document.getElementById('keys').open")
+    page.keys(Keys.ESCAPE)
+
+
+def search_finds_text_octets_and_offsets(driver):
+    page = Page(driver, "search", "Certificate-every-extension.hex", "request.b64")
+    _, found = page.search("keyusage")
+    assert found.startswith("1 of "), found
+    assert "keyUsage" in page.selected()
+    page.keys(Keys.ENTER)
+    assert page.js("return document.getElementById('found').textContent").startswith("2 of ")
+    page.search("06 03 55 1d 0f")
+    assert page.marked("found") == "0603551d0f"
+    assert page.path().endswith(".extnID"), page.path()
+    page.search("@43")
+    assert page.path() == "tbsCertificate.signature.algorithm"
+    _, found = page.search("no such thing")
+    assert found == "not found"
+    page.keys(Keys.ESCAPE)
+    assert page.js("return document.activeElement.id") == "tree"
+    # What is folded is unfolded where something is found in it.
+    page.js("document.getElementById('fold').click()")
+    assert len(page.all("#tree .line")) == 2
+    page.search("request.b64")
+    assert "request.b64" in page.selected()
+    page.shoot("light")
+
+
+def faults_are_told_where_they_stand(driver):
+    digits = (DATA / "Certificate-every-extension.hex").read_text().replace("\n", "")
+    damaged = digits[:200] + "16" + digits[202:] + "ffff"
+    page = Page(driver, "damaged", "--input", "hex", message=damaged.encode())
+    page.line("error -").click()
+    assert page.selected().split()[0] == "102" and "notBefore" in page.selected(), page.selected()
+    page.keys(Keys.ARROW_DOWN)
+    assert "IA5String" in page.selected() and page.marked("in-header") == "160d", page.selected()
+    # Every octet of the message belongs to some line, trailing ones too.
+    page.keys(Keys.TAB)
+    ActionChains(driver).key_down(Keys.CONTROL).send_keys(Keys.END).key_up(Keys.CONTROL).perform()
+    assert "ffff" in page.selected(), page.selected()
+    page.shoot("light")
+    page.keys("d")
+    page.shoot("dark")
+    assert page.js(CONTRAST)[0] >= 4.5, page.js(CONTRAST)
+
+    hostile = Page(driver, "hostile", "--type", "Name", "Name-hostile.hex")
+    assert hostile.log() == []
+
+
+def large_messages_are_usable_at_once(driver):
+    count = 150000
+    entry = "302102100abbccdd0abbccdd0abbccdd{:08x}170d3236313132313133333330365a"
+    entries = bytes.fromhex("".join(entry.format(i) for i in range(count)))
+    message = b"\x30\x84" + len(entries).to_bytes(4, "big") + entries
+    page = Page(driver, "large", "--type", "_SeqOfTBSCertList_revokedCertificates_element",
+                message=message)
+    print(f"{len(message)} octets: a page {page.size / len(message):.2f} times as long, "
+          f"usable after {page.seconds:.1f} s")
+    page.keys(Keys.ARROW_RIGHT, Keys.END)
+    assert page.path() == f"[{count - 1}].revocationDate.utcTime", page.path()
+    begin = time.monotonic()
+    page.search("0abbccdd{:08x}".format(99999))
+    assert page.path() == "[99999].userCertificate", page.path()
+    print(f"searched in {time.monotonic() - begin:.1f} s")
+    assert len(page.all(".line")) < 200, "lines are made as they are shown"
+    page.shoot("light")
+    driver.set_window_size(800, 900)
     time.sleep(0.3)
-    expect("owned" not in page.browser.title, "nothing of a message is run")
-    expect(any("<script>" in row.text for row in page.all(".row")), "it is shown as text")
-    expect(not page.all("#tree img") and not page.all("#tree script"), "nothing of it is an element")
-    page.check_log()
+    page.shoot("narrow")
 
 
-def test_damaged(page):
-    hexadecimal = (messages / "Certificate-odd-text.hex").read_text().replace("\n", "")
-    page.open(page_of("damaged", octets=bytes.fromhex(hexadecimal[:200]) + b"\x05" +
-                      bytes.fromhex(hexadecimal[202:])))
-    expect(page.all(".b"), "what is wrong stands in the tree")
-    page.picture("damaged")
+def main():
+    if not shutil.which("chromium") or not shutil.which("chromedriver"):
+        print("skipped: chromium or chromium-driver is missing")
+        return 77
+    FOLDER.mkdir(parents=True, exist_ok=True)
+    options = webdriver.ChromeOptions()
+    options.binary_location = shutil.which("chromium")
+    for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
+                     "--window-size=1500,900", "--force-prefers-color-scheme=light"):
+        options.add_argument(argument)
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    driver = webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
+    try:
+        for test in (elements_and_octets_belong_together, keys_go_everywhere,
+                     search_finds_text_octets_and_offsets, faults_are_told_where_they_stand,
+                     large_messages_are_usable_at_once):
+            test(driver)
+            print(test.__name__.replace("_", " "))
+    finally:
+        driver.quit()
+    return 0
 
 
-def test_several(page):
-    page.open(page_of("several", messages / "bundle.pem"))
-    choice = page.find("#which")
-    expect(len(choice.find_elements(By.TAG_NAME, "option")) == 3, "each message can be chosen")
-    choice.send_keys("message 2")
-    expect("bundle.pem#3" in page.find("h1").text, "another message is shown")
-
-
-def test_large(page):
-    message = large_list(100000)
-    file = page_of("large", octets=message)
-    ratio = file.stat().st_size / len(message)
-    start = time.monotonic()
-    page.open(file)
-    page.row("revokedCertificates").click()
-    took = time.monotonic() - start
-    print(f"{len(message)} octets: the page is {ratio:.1f} times as large, usable in {took:.1f} s")
-    expect(ratio <= 6, "a page is at most six times the message")
-    page.find("#search").send_keys("reasonCode", Keys.ENTER)
-    expect("reasonCode" in page.selected().text, "a large message can be searched")
-    page.picture("large")
-
-
-def test_bound():
-    result = subprocess.run([derview, "--format", "html"], input=element(0x04, bytes((16 << 20) + 1)),
-                            stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
-    expect(result.returncode == 1 and b"at most 16777216 octets" in result.stderr,
-           "a message above the bound is refused")
-
-
-test_bound()
-browser = Page()
-try:
-    for test in (test_certificate, test_hostile, test_damaged, test_several, test_large):
-        test(browser)
-        print(test.__name__ + ": as expected")
-finally:
-    browser.browser.quit()
-    shutil.rmtree(work, ignore_errors=True)
+sys.exit(main())

@@ -21,7 +21,7 @@ std::span<const FormatDescription> allFormats() {
     static constexpr FormatDescription formats[] = {
         {"tree", &make<TreeFormat>, true, false, true, false, false},
         {"json", &make<JsonFormat>, false, true, true, false, false},
-        {"html", &make<HtmlFormat>, false, false, true, false, false, HtmlFormat::Largest},
+        {"html", &make<HtmlFormat>, false, false, true, false, false},
         {"list", &make<ListFormat>, false, false, true, false, false},
         {"der", &make<DerFormat>, false, false, false, true, true},
         {"pem", &make<PemFormat>, false, false, false, true, false},

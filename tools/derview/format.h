@@ -1,7 +1,6 @@
 #ifndef DERVIEW_FORMAT_H
 #define DERVIEW_FORMAT_H
 
-#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -33,6 +32,9 @@ struct View {
 /// What a view refers to lives until then.
 class Format : public asn1data::WalkVisitor {
 public:
+    /// Whether a message can be written in this format. What is against it has been told, and
+    /// nothing else is called for that message.
+    virtual bool takes(const View& /*view*/) { return true; }
     virtual void begin(const View& view) = 0;
     /// The message is of no known type.
     /// @return whether it is sound
@@ -68,7 +70,6 @@ struct FormatDescription {
     bool showsPlain;  ///< messages of no known type
     bool encodes;     ///< whole messages, encoded again
     bool isOctets;    ///< not for a terminal
-    std::size_t largest = std::numeric_limits<std::size_t>::max(); ///< octets of a message
 };
 
 /// All formats, the usual one first.

@@ -1,29 +1,35 @@
 #include "html_format.h"
 
-#include <charconv>
-
-#include <brevantis/asn1/text/json_stream.h>
 #include <brevantis/asn1/text/pem.h>
 
-#include "escape.h"
-#include "page.inc"
+#include "header.h"
 
 namespace derview {
 
 namespace {
 
-/// Lets no text end the block of data that it stands in: "<" is written as an escape of JSON.
-class BlockSink : public Sink {
+constexpr std::string_view Page =
+#include "page.inc"
+    ;
+
+/// Octets of all messages that a page holds at most.
+constexpr std::size_t LargestPage = std::size_t{16} << 20;
+
+/// Keeps from text what could end or change the block of data that it stands in. In JSON the
+/// character is in strings alone.
+class DataBlock : public Sink {
 public:
-    explicit BlockSink(Output& output) : output_(output) {}
+    explicit DataBlock(Output& output) : output_(output) {}
+
     void write(std::string_view text) override {
-        while (!text.empty()) {
-            const std::size_t end = std::min(text.find('<'), text.size());
-            output_.write(text.substr(0, end));
-            if (end != text.size()) {
-                output_.write("\\u003c");
+        for (;;) {
+            const std::size_t place = text.find('<');
+            output_.write(text.substr(0, place));
+            if (place == std::string_view::npos) {
+                return;
             }
-            text.remove_prefix(std::min(end + 1, text.size()));
+            output_.write("\\u003c");
+            text.remove_prefix(place + 1);
         }
     }
 
@@ -31,172 +37,84 @@ private:
     Output& output_;
 };
 
-char letterOf(Style style) {
-    switch (style) {
-    case Style::Number:
-        return 'n';
-    case Style::Text:
-        return 't';
-    case Style::Hex:
-        return 'h';
-    case Style::Bad:
-        return 'b';
-    case Style::Quiet:
-        return 'q';
-    default:
-        return 'p';
-    }
+/// The octets that a page holds of a view.
+Octets octetsOf(const View& view) {
+    return view.span != nullptr ? Octets(view.span->data, view.span->size)
+                                : view.message.withTrailing();
 }
 
-void addNumber(std::string& text, long long number) {
-    char digits[24];
-    const std::to_chars_result result = std::to_chars(digits, digits + sizeof digits, number);
-    text.append(digits, result.ptr);
-    text += ',';
-}
-
-/// SHA-256 as a policy names it.
-std::string hashText(std::string_view hex) {
-    OctetStore octets;
-    for (std::size_t place = 0; place + 1 < hex.size(); place += 2) {
-        octets.push_back(
-            static_cast<unsigned char>(hexDigit(static_cast<unsigned char>(hex[place])) << 4 |
-                                       hexDigit(static_cast<unsigned char>(hex[place + 1]))));
+/// Octets of the header of what a view is about.
+std::size_t headerOf(const View& view) {
+    if (view.span != nullptr) {
+        return view.span->contentOffset - view.span->offset;
     }
-    return "'sha256-" + pem::encodeBase64(octets) + "'";
+    // By tags alone, the outermost element has a line of its own.
+    return view.recognition.type != nullptr ? readHeader(view.message.octets).size : 0;
 }
 
 } // namespace
 
-void PageRows::clear() {
-    numbers_.clear();
-    texts_.clear();
-    rows_.clear();
-    offset_ = 0;
-    numberOf("");
-}
-
-std::size_t PageRows::numberOf(std::string_view text) {
-    const auto [place, isNew] = numbers_.emplace(text, texts_.size());
-    if (isNew) {
-        texts_.emplace_back(text);
+bool HtmlFormat::takes(const View& view) {
+    const std::size_t size = octetsOf(view).size();
+    if (size <= LargestPage - total_) {
+        return true;
     }
-    return place->second;
+    diagnostics_.tell(view.message, "a page holds " + octetsText(LargestPage) +
+                                        " at most, and with this message " +
+                                        std::to_string(total_ + size));
+    return false;
 }
 
-std::size_t PageRows::begin(std::size_t depth, const TreePlace& place) {
-    addNumber(rows_, static_cast<long long>(depth));
-    if (place.assembled) {
-        rows_ += "0,,";
+void HtmlFormat::begin(const View& view) {
+    octets_ = octetsOf(view);
+    if (view.span != nullptr) {
+        lines_.begin(octets_, octets_, view.span->offset);
     } else {
-        addNumber(rows_, static_cast<long long>(place.offset) - static_cast<long long>(offset_));
-        offset_ = place.offset;
-        addNumber(rows_, static_cast<long long>(place.headerLength));
+        lines_.begin(octets_, view.message.shown, 0);
     }
-    addNumber(rows_, place.contentLength);
-    name_.clear();
-    value_.clear();
-    return 0;
-}
-
-std::size_t PageRows::name(std::string_view name, std::size_t /*columns*/, std::size_t /*column*/) {
-    name_ = name;
-    return 0;
-}
-
-std::size_t PageRows::prefix(std::string_view text, std::size_t /*column*/) {
-    value_.append(text).append(": ");
-    return 0;
-}
-
-std::size_t PageRows::findRoom(std::size_t /*column*/, std::size_t /*columns*/) {
-    return 0;
-}
-
-void PageRows::end(char kind, std::string_view text) {
-    value_ += text;
-    addNumber(rows_, static_cast<long long>(numberOf(name_)));
-    addNumber(rows_, static_cast<long long>(numberOf(value_)));
-    rows_ += kind;
-    rows_ += '\n';
-}
-
-void PageRows::text(Style style, std::string_view text, std::size_t /*column*/) {
-    end(letterOf(style), text);
-}
-
-void PageRows::value(ValueKind kind, const ValueText& value, std::size_t /*column*/) {
-    end(letterOf(styleOf(kind)),
-        value.rest == 0 ? value.text : value.text + " " + restText(value.rest));
-}
-
-void PageRows::octets(Octets octets, std::size_t /*column*/) {
-    end('h', hexText(octets));
-}
-
-void PageRows::failure(std::size_t depth, const std::string& text) {
-    begin(depth, {0, 0, 0, true});
-    end('b', text);
-}
-
-void PageRows::note(const std::string& text) {
-    failure(0, text);
-}
-
-void HtmlFormat::beginPage() {
-    begun_ = true;
-    output_.write("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-                  "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-                  "style-src ");
-    output_.write(hashText(PageStyleHash));
-    output_.write("; script-src ");
-    output_.write(hashText(PageScriptHash));
-    output_.write("; base-uri 'none'; form-action 'none'\">\n"
-                  "<meta name=\"viewport\" content=\"width=device-width\">\n"
-                  "<title>derview</title>\n<style>");
-    output_.write(PageStyle);
-    output_.write("</style>\n</head>\n");
-    output_.write(PageBody);
-}
-
-void HtmlFormat::writeHeading() {
-    rows_.clear();
-    title_ = headingText() + headingRest();
+    TreeFormat::begin(view);
 }
 
 bool HtmlFormat::end() {
-    if (!begun_) {
-        beginPage();
-    }
-    output_.write("<script type=\"text/x-message\">");
-    BlockSink sink(output_);
-    JsonStream json(sink, JsonLayout::OneLine);
-    json.beginObject();
-    json.key("title");
-    json.string(title_);
-    json.key("octets");
-    json.string(pem::encodeBase64(shownOctets()));
-    json.key("texts");
-    json.beginArray();
-    for (const std::string& text : rows_.texts()) {
-        json.string(text);
-    }
-    json.end();
-    json.key("rows");
-    json.string(rows_.rows());
-    json.end();
-    json.finish();
-    output_.write("</script>\n");
+    writeBlock();
     return TreeFormat::end();
 }
 
 void HtmlFormat::finish() {
-    if (!begun_) {
-        return;
+    if (total_ != 0) {
+        output_.write("</body>\n</html>\n");
     }
-    output_.write("<script>");
-    output_.write(PageScript);
-    output_.write("</script>\n</body>\n</html>\n");
+}
+
+void HtmlFormat::writeBlock() {
+    const bool isPart = view().span != nullptr;
+    const asn1data::TypeDescription* const type = view().recognition.type;
+    if (total_ == 0) {
+        output_.write(Page);
+    }
+    total_ += octets_.size();
+    output_.write("<script type=\"application/json\">");
+    DataBlock block(output_);
+    JsonStream json(block, JsonLayout::OneLine);
+    json.beginObject();
+    json.key("place");
+    json.string(view().message.place);
+    json.key("type");
+    json.string(type != nullptr ? type->name : "unknown type");
+    json.key("path");
+    json.string(isPart ? *view().path : "");
+    json.key("offset");
+    json.number(isPart ? static_cast<long long>(view().span->offset) : 0);
+    json.key("header");
+    json.number(static_cast<long long>(headerOf(view())));
+    json.key("octets");
+    json.string(pem::encodeBase64(octets_));
+    json.key("about");
+    json.string(headingRest().substr(2));
+    lines_.write(json);
+    json.end();
+    json.finish();
+    output_.write("</script>\n");
 }
 
 } // namespace derview

@@ -38,6 +38,9 @@ struct Message {
     /// the end-of-contents octets and what is left of the element in front of them.
     std::size_t missing() const { return shown.size() - octets.size(); }
 
+    /// The octets, and those behind them that belong to no message.
+    Octets withTrailing() const { return {octets.data(), octets.size() + trailing}; }
+
     /// Octets that no value holds: those behind the message, and those at its end that a walk
     /// through the whole of it has left.
     Leftover leftover(const asn1data::WalkResult& result) const;

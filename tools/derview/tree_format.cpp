@@ -20,10 +20,14 @@ namespace {
 /// Longer names push their own value to the right, not those of their neighbours.
 constexpr std::size_t LongestAligned = 26;
 
-TreePlace placeOf(const WalkElement& element, std::size_t shift) {
+TreePlace placeOf(const WalkElement& element, std::size_t shift, bool inner) {
     return {element.offset + shift, element.headerLength,
             element.contentLength == ASN1IndefiniteLength ? -1LL : element.contentLength,
-            element.assembled};
+            element.assembled, inner};
+}
+
+TreePlace placeOf(const asn1data::WalkFailure& failure, std::size_t shift) {
+    return {failure.offset + shift, 0, 0, failure.assembled};
 }
 
 /// Where octets stand that a value consists of.
@@ -60,7 +64,7 @@ std::size_t TreeFormat::nameColumns() {
 }
 
 std::size_t TreeFormat::writeLabel(const WalkElement& element) {
-    std::size_t column = lines_.begin(depth(), placeOf(element, shift_));
+    std::size_t column = lines_.begin(depth(), placeOf(element, shift_, outerDepth_ != 0));
     const Label label = labels_.labelOf(element);
     if (!label.name.empty()) {
         column = lines_.name(label.name, nameColumns(), column);
@@ -194,7 +198,7 @@ bool TreeFormat::writeName(const WalkElement& element) {
     if (!text || text->find("=#") != std::string::npos) {
         return false;
     }
-    std::size_t column = lines_.begin(depth(), placeOf(element, shift_));
+    std::size_t column = lines_.begin(depth(), placeOf(element, shift_, outerDepth_ != 0));
     const Label label = labels_.labelOf(element);
     if (!label.name.empty()) {
         column = lines_.name(label.name, nameColumns(), column);
@@ -238,8 +242,9 @@ WalkAction TreeFormat::leave(const WalkElement& element) {
         hidesOctets_ = true;
         OctetStore store;
         const Octets hidden = valueOctets(element, Endless, store).last(gap.hidden);
-        lines_.failure(depth(), octetsText(gap.hidden) + " behind the value");
-        plain_.write(hidden, depth(), placeOfOctets(element, hidden, shift_));
+        const TreePlace place = placeOfOctets(element, hidden, shift_);
+        lines_.failure(depth(), octetsText(gap.hidden) + " behind the value", place);
+        plain_.write(hidden, depth(), place);
     }
     labels_.leave();
     types_.leave();
@@ -256,7 +261,7 @@ WalkAction TreeFormat::primitive(const WalkElement& element) {
 
 WalkAction TreeFormat::fault(const asn1data::WalkFault& fault) {
     faulted_ = true;
-    lines_.failure(depth(), errorText(fault.failure));
+    lines_.failure(depth(), errorText(fault.failure), placeOf(fault.failure, shift_));
     plain_.write({fault.data, fault.size}, depth(), {fault.offset + shift_, 0, 0, fault.assembled});
     if (!fault.assembled && shift_ == 0) {
         reached_ = fault.offset + std::size_t{fault.size};
@@ -318,7 +323,7 @@ void TreeFormat::begin(const View& view) {
     reached_ = 0;
     writeHeading();
     if (view.cut != nullptr && view.cut->status != 0) {
-        lines_.failure(0, errorText(view.cut->failure));
+        lines_.failure(0, errorText(view.cut->failure), placeOf(view.cut->failure, 0));
     }
 }
 
@@ -341,22 +346,23 @@ void TreeFormat::missing(const asn1data::WalkResult& walked) {
         return;
     }
     writeRest();
-    lines_.failure(depth(), "the message ends here: " + missingText(message));
+    lines_.failure(depth(), "the message ends here: " + missingText(message),
+                   {message.octets.size(), 0, 0, false});
 }
 
 void TreeFormat::error(const asn1data::WalkFailure& failure) {
     if (faulted_) { // it was told where it stands
         return;
     }
-    lines_.failure(depth(), errorText(failure));
+    lines_.failure(depth(), errorText(failure), placeOf(failure, shift_));
     writeRest();
 }
 
 void TreeFormat::trailing(const Leftover& left) {
     const Message& message = view_->message;
     lines_.note(trailingText(left.count) + " from offset " + std::to_string(left.offset) + " on");
-    plain_.write({message.octets.data() + (left.offset - message.offset), left.count}, 0,
-                 {left.offset, 0, 0, false});
+    const std::size_t offset = left.offset - message.offset;
+    plain_.write({message.octets.data() + offset, left.count}, 0, {offset, 0, 0, false});
 }
 
 } // namespace derview

@@ -46,8 +46,7 @@ protected:
     /// "FILE: Certificate", and what is told behind it.
     std::string headingText() const;
     std::string headingRest() const;
-    /// The octets of the message.
-    Octets shownOctets() const { return view_->message.octets; }
+    const View& view() const { return *view_; }
 
     Output& output_;
 

@@ -139,7 +139,7 @@ void TreeLines::value(ValueKind kind, const ValueText& value, std::size_t column
     text(Style::Quiet, note, column);
 }
 
-void TreeLines::failure(std::size_t depth, const std::string& text) {
+void TreeLines::failure(std::size_t depth, const std::string& text, const TreePlace& /*place*/) {
     depth_ = depth;
     output_.fill(margin());
     output_.write(Style::Bad, text);

@@ -17,6 +17,7 @@ struct TreePlace {
     std::size_t headerLength;
     long long contentLength; ///< below 0 for an indefinite length
     bool assembled;          ///< as in WalkElement
+    bool inner = false;      ///< in a value that the type of the message leaves unopened
 };
 
 /// The colour of a value.
@@ -51,7 +52,8 @@ public:
     /// Writes octets in digits, all of them, and ends the line.
     virtual void octets(Octets octets, std::size_t column);
     /// Tells what is wrong, at a depth of the tree.
-    virtual void failure(std::size_t depth, const std::string& text);
+    /// @param place that it is about
+    virtual void failure(std::size_t depth, const std::string& text, const TreePlace& place);
     /// Tells something about the message behind its tree.
     virtual void note(const std::string& text);
 

@@ -19,6 +19,9 @@ Viewer::Viewer(const FormatContext& context, Progress& progress)
 
 bool Viewer::showPlain(const Message& message, const Recognition& recognition) {
     const View view{message, recognition};
+    if (!format_->takes(view)) {
+        return false;
+    }
     format_->begin(view);
     bool good = format_->plain();
     if (message.trailing != 0) {
@@ -29,12 +32,6 @@ bool Viewer::showPlain(const Message& message, const Recognition& recognition) {
 }
 
 bool Viewer::show(const Message& message, const Recognition& recognition) {
-    if (message.octets.size() > arguments_.format->largest) {
-        diagnostics_.tell(message, "--format " + std::string(arguments_.format->name) +
-                                       " takes messages of at most " +
-                                       octetsText(arguments_.format->largest));
-        return false;
-    }
     if (recognition.type == nullptr) {
         return showPlain(message, recognition);
     }
@@ -62,6 +59,9 @@ bool Viewer::showElement(const Message& message, const Recognition& recognition)
 }
 
 bool Viewer::write(const View& view) {
+    if (!format_->takes(view)) {
+        return false;
+    }
     format_->begin(view);
     const WalkResult walked = walk(view);
     if (view.cut != nullptr) {

@@ -1,313 +1,944 @@
-"use strict";
-// The tree of a message beside its octets. What comes out of the message is put in place as text.
+// What a page of derview does. It reads the blocks of data behind it (page_nodes.h tells of them)
+// and makes lines only of what is on the screen. Text of messages reaches the document through
+// textContent alone.
+
+const TreeHeight = 22;
+const OctetHeight = 20;
+const LineOctets = 16;
+// Browsers do not make elements as high as they are told without an end.
+const MostPixels = 8e6;
+// With more elements than this, long lists and further messages begin folded.
+const MostUnfolded = 3000;
+const LongList = 100;
+const MostIndented = 24;
+const MostFound = 100000;
+const LineHex = 64;
+const DetailHex = 4096;
+
+const Flag = { container: 1, text: 2, assembled: 4, inner: 32 };
+const Hex = { none: 0, contents: 1, bits: 2, whole: 3 };
+
 const byId = (id) => document.getElementById(id);
-const make = (tag, kind, text) => {
-  const element = document.createElement(tag);
-  if (kind) element.className = kind;
-  if (text !== undefined) element.textContent = text;
-  return element;
-};
-const RowHeight = 20, Columns = 16, Step = 500;
-const blocks = document.querySelectorAll("script[type='text/x-message']");
-let message; // the one that is shown
-let selected = -1;
-let found = -1;
+const clamp = (value, least, most) => Math.max(least, Math.min(value, most));
+const countText = (count, what) =>
+  `${count.toLocaleString('en')} ${what}${count === 1 ? '' : 's'}`;
+const hexDigits = Array.from({ length: 256 }, (_, octet) => octet.toString(16).padStart(2, '0'));
+const hexText = (octets, between = '') =>
+  Array.from(octets, (octet) => hexDigits[octet]).join(between);
 
-function read(block) {
-  const data = JSON.parse(block.textContent);
-  const raw = atob(data.octets);
-  const octets = new Uint8Array(raw.length);
-  for (let i = 0; i < raw.length; ++i) octets[i] = raw.charCodeAt(i);
-  const lines = data.rows.split("\n");
-  const count = lines.length - 1;
-  const nodes = {
-    count, depth: new Int32Array(count), at: new Int32Array(count), header: new Int32Array(count),
-    contents: new Int32Array(count), name: new Int32Array(count), value: new Int32Array(count),
-    kind: [], end: new Int32Array(count).fill(count), parent: new Int32Array(count).fill(-1),
-  };
-  const open = [];
-  let at = 0;
-  for (let i = 0; i < count; ++i) {
-    const row = lines[i].split(",");
-    nodes.depth[i] = +row[0];
-    at += +row[1];
-    nodes.at[i] = row[2] === "" ? -1 : at;
-    nodes.header[i] = +row[2];
-    nodes.contents[i] = +row[3];
-    nodes.name[i] = +row[4];
-    nodes.value[i] = +row[5];
-    nodes.kind.push(row[6]);
-    while (open.length && nodes.depth[open[open.length - 1]] >= nodes.depth[i]) nodes.end[open.pop()] = i;
-    if (open.length) nodes.parent[i] = open[open.length - 1];
-    open.push(i);
+function make(name, className, text = '') {
+  const made = document.createElement(name);
+  made.className = className;
+  made.textContent = text;
+  return made;
+}
+
+function octetsOf(base64) {
+  if (Uint8Array.fromBase64) {
+    return Uint8Array.fromBase64(base64);
   }
-  return { title: data.title, texts: data.texts, octets, nodes, lists: new Map() };
-}
-
-const hasChildren = (i) => message.nodes.end[i] > i + 1;
-const inMessage = (i) => i >= 0 && message.nodes.at[i] >= 0;
-const sizeOf = (i) => message.nodes.header[i] + Math.max(0, message.nodes.contents[i]);
-
-function rowOf(i) {
-  const { nodes, texts } = message;
-  const item = make("li");
-  item.setAttribute("role", "none");
-  const row = make("div", "row");
-  row.setAttribute("role", "treeitem");
-  row.tabIndex = -1;
-  row.dataset.node = i;
-  row.append(make("span", "fold", hasChildren(i) ? "▸" : ""));
-  row.append(make("span", "offset", inMessage(i) ? String(nodes.at[i]) : ""));
-  if (texts[nodes.name[i]]) row.append(make("span", "name", texts[nodes.name[i]]));
-  row.append(make("span", "value " + nodes.kind[i], texts[nodes.value[i]]));
-  if (hasChildren(i)) row.setAttribute("aria-expanded", "false");
-  item.append(row);
-  return item;
-}
-
-function childrenOf(i) {
-  const { nodes } = message;
-  const children = [];
-  const end = i < 0 ? nodes.count : nodes.end[i];
-  for (let child = i + 1; child < end; child = nodes.end[child]) children.push(child);
-  return children;
-}
-
-// Long lists come in pieces.
-function fill(list, children, until) {
-  const last = list.lastElementChild;
-  if (last && last.dataset.more) last.remove();
-  const from = list.childElementCount;
-  const end = Math.min(children.length, Math.max(until + 1, from + Step));
-  for (let place = from; place < end; ++place) {
-    const item = rowOf(children[place]);
-    list.append(item);
-    message.rows.set(children[place], item);
+  const text = atob(base64);
+  const octets = new Uint8Array(text.length);
+  for (let i = 0; i < text.length; ++i) {
+    octets[i] = text.charCodeAt(i);
   }
-  if (end < children.length) {
-    const item = make("li");
-    item.dataset.more = "1";
-    const button = make("button", "", (children.length - end) + " more");
-    button.addEventListener("click", () => fill(list, children, 0));
-    item.append(button);
-    list.append(item);
-  }
+  return octets;
 }
 
-function unfold(i) {
-  const item = message.rows.get(i);
-  if (!item || !hasChildren(i)) return;
-  const row = item.firstElementChild;
-  row.setAttribute("aria-expanded", "true");
-  row.firstElementChild.textContent = "▾";
-  if (item.childElementCount === 1) {
-    const list = make("ul");
-    list.setAttribute("role", "group");
-    item.append(list);
-    const children = childrenOf(i);
-    message.lists.set(i, { list, children });
-    fill(list, children, 0);
-  }
-  item.children[1].hidden = false;
-}
-
-function fold(i) {
-  const item = message.rows.get(i);
-  if (!item || item.childElementCount < 2) return;
-  item.firstElementChild.setAttribute("aria-expanded", "false");
-  item.firstElementChild.firstElementChild.textContent = "▸";
-  item.children[1].hidden = true;
-}
-
-const isUnfolded = (i) => message.rows.get(i)?.firstElementChild.getAttribute("aria-expanded") === "true";
-
-// Makes the row of a node there, with all that is around it.
-function reveal(i) {
-  const { nodes } = message;
-  const way = [];
-  for (let node = i; node >= 0; node = nodes.parent[node]) way.unshift(node);
-  for (const node of way) {
-    const parent = nodes.parent[node];
-    if (parent >= 0) unfold(parent);
-    const { list, children } = message.lists.get(parent);
-    if (!message.rows.has(node)) fill(list, children, children.indexOf(node));
-  }
-}
-
-function select(i, where) {
-  const before = message.rows.get(selected)?.firstElementChild;
-  if (before) { before.setAttribute("aria-selected", "false"); before.tabIndex = -1; }
-  selected = i;
-  reveal(i);
-  const row = message.rows.get(i).firstElementChild;
-  row.setAttribute("aria-selected", "true");
-  row.tabIndex = 0;
-  row.scrollIntoView({ block: "nearest" });
-  if (where !== "search") row.focus({ preventScroll: true });
-  const { nodes } = message;
-  if (inMessage(i) && where !== "octets") {
-    const top = Math.floor(nodes.at[i] / Columns) * RowHeight;
-    const pane = byId("octets");
-    if (top < pane.scrollTop || top + RowHeight > pane.scrollTop + pane.clientHeight) pane.scrollTop = top - 3 * RowHeight;
-  }
-  const contents = nodes.contents[i] < 0 ? "indefinite length" : nodes.contents[i] + " octets of contents";
-  byId("status").textContent = inMessage(i)
-    ? pathOf(i) + " at offset " + nodes.at[i] + ": " + nodes.header[i] + " octets of header, " + contents
-    : pathOf(i);
-  drawOctets();
-}
-
-function pathOf(i) {
-  const names = [];
-  for (let node = i; node >= 0; node = message.nodes.parent[node]) names.unshift(message.texts[message.nodes.name[node]]);
-  return names.filter(Boolean).join(".").replaceAll(".[", "[") || "the message";
-}
-
-function nodeAt(offset) {
-  let best = -1;
-  const { nodes } = message;
-  const covers = (i) => inMessage(i) && nodes.at[i] <= offset &&
-    (nodes.contents[i] < 0 ? hasChildren(i) || offset < nodes.at[i] + nodes.header[i] : offset < nodes.at[i] + sizeOf(i));
-  for (let i = 0; i < nodes.count;) {
-    if (covers(i)) { best = i; ++i; } else i = nodes.end[i];
-  }
-  return best;
-}
-
-function drawOctets() {
-  const pane = byId("octets"), rows = byId("rows");
-  const { octets, nodes } = message;
-  const first = Math.max(0, Math.floor(pane.scrollTop / RowHeight) - 5);
-  const last = Math.min(Math.ceil(octets.length / Columns), first + Math.ceil(pane.clientHeight / RowHeight) + 10);
-  const from = inMessage(selected) ? nodes.at[selected] : -1;
-  const head = from + (from >= 0 ? nodes.header[selected] : 0);
-  const to = from < 0 ? -1 : nodes.contents[selected] < 0 ? endOf(selected) : from + sizeOf(selected);
-  rows.textContent = "";
-  rows.style.top = first * RowHeight + "px";
-  for (let line = first; line < last; ++line) {
-    const row = make("div");
-    row.append(make("span", "place", String(line * Columns).padStart(8) + "  "));
-    const characters = make("span", "", " ");
-    for (let column = 0; column < Columns; ++column) {
-      const at = line * Columns + column;
-      const octet = octets[at];
-      const there = at < octets.length;
-      const kind = there && at >= from && at < to ? (at < head ? "in head" : "in") : "";
-      const cell = make("span", kind, there ? octet.toString(16).padStart(2, "0") : "  ");
-      if (there) cell.dataset.at = at;
-      row.append(cell, column === 7 ? "  " : " ");
-      const character = make("span", kind, there ? (octet >= 32 && octet < 127 ? String.fromCharCode(octet) : "·") : " ");
-      if (there) character.dataset.at = at;
-      characters.append(character);
+// All messages, and their elements in one sequence of nodes. The first node of a message stands for
+// all of it and for its outermost element.
+class Messages {
+  constructor(blocks) {
+    this.count = 0;
+    this.shapes = [];
+    this.texts = [];
+    this.messages = [];
+    const total = blocks.reduce((sum, block) => sum + block.count + 1, 0);
+    for (const name of ['shape', 'offset', 'size', 'text', 'after', 'place', 'children',
+      'next', 'message']) {
+      this[name] = new Uint32Array(total);
     }
-    row.append(characters);
-    rows.append(row);
+    this.level = new Uint16Array(total);
+    this.parent = new Int32Array(total).fill(-1);
+    this.index = new Int32Array(total).fill(-1);
+    for (const block of blocks) {
+      this.read(block);
+    }
+  }
+
+  read(block) {
+    let text = this.texts.length; // the next one that has not been used
+    for (const [name, choices, type, style, header, flags] of block.shapes) {
+      this.shapes.push({
+        name, choices, type, style, header,
+        container: (flags & Flag.container) !== 0,
+        hasText: (flags & Flag.text) !== 0,
+        assembled: (flags & Flag.assembled) !== 0,
+        inner: (flags & Flag.inner) !== 0,
+        hex: flags >> 3 & 3,
+      });
+    }
+    for (const unused of block.texts) {
+      this.texts.push(unused);
+    }
+
+    const root = this.count++;
+    const octets = octetsOf(block.octets);
+    this.offset[root] = block.offset;
+    this.size[root] = octets.length - block.header;
+    this.message[root] = this.place[root] = this.messages.length;
+    this.messages.push({
+      octets, root, place: block.place, about: block.about, path: block.path,
+      first: block.offset, order: null,
+      shape: {
+        name: block.place, choices: [], type: block.type, style: 'plain', header: block.header,
+        container: true, hasText: false, assembled: false, inner: false, hex: Hex.none,
+      },
+    });
+
+    const data = octetsOf(block.nodes);
+    let at = 0;
+    const number = () => {
+      let value = 0;
+      for (let factor = 1; ; factor *= 128) {
+        const octet = data[at++];
+        value += (octet & 127) * factor;
+        if (octet < 128) {
+          return value;
+        }
+      }
+    };
+    const around = [root];
+    const ends = [];
+    let expected = block.offset;
+    while (at < data.length) {
+      const head = number();
+      if (head === 0) {
+        this.after[around.pop()] = this.count;
+        expected = ends.pop();
+        continue;
+      }
+      if (head % 2 === 1) {
+        const moved = number();
+        expected += moved % 2 === 0 ? moved / 2 : -(moved + 1) / 2;
+      }
+      const node = this.count++;
+      const outer = around.at(-1);
+      this.shape[node] = (head >> 1) - 1;
+      const shape = this.shapes[this.shape[node]];
+      this.message[node] = this.message[root];
+      this.parent[node] = outer;
+      this.level[node] = around.length;
+      this.place[node] = this.children[outer]++;
+      this.offset[node] = expected;
+      this.size[node] = number();
+      this.after[node] = node + 1;
+      if (shape.hasText) {
+        const known = number();
+        this.text[node] = known === 0 ? text++ : known - 1;
+      }
+      if (shape.name === '[]') {
+        this.index[node] = this.next[outer]++;
+      } else if (shape.name.startsWith('[')) {
+        this.next[outer] = parseInt(shape.name.slice(1), 10) + 1;
+      }
+      expected += shape.header;
+      if (shape.container) {
+        around.push(node);
+        ends.push(expected + this.size[node]);
+      } else {
+        expected += this.size[node];
+      }
+    }
+    for (const node of around) {
+      this.after[node] = this.count;
+    }
+  }
+
+  messageOf(node) {
+    return this.messages[this.message[node]];
+  }
+
+  shapeOf(node) {
+    return this.level[node] === 0 ? this.messageOf(node).shape : this.shapes[this.shape[node]];
+  }
+
+  isContainer(node) {
+    return this.shapeOf(node).container && this.after[node] > node + 1;
+  }
+
+  nameOf(node) {
+    return this.index[node] >= 0 ? `[${this.index[node]}]` : this.shapeOf(node).name;
+  }
+
+  // As --at takes it; what has no path of its own has that of the element around.
+  pathOf(node) {
+    const shape = this.shapeOf(node);
+    if (this.level[node] === 0) {
+      return this.messageOf(node).path;
+    }
+    let path = this.pathOf(this.parent[node]);
+    if (shape.name === '' || shape.inner) {
+      return path;
+    }
+    for (const step of [this.nameOf(node), ...shape.choices]) {
+      path += step === '' || step.startsWith('[') || path === '' ? step : `.${step}`;
+    }
+    return path;
+  }
+
+  // Where an element stands among the octets of its message. What was put together from segments
+  // stands where these do.
+  rangeOf(node) {
+    let around = node;
+    while (this.shapeOf(around).assembled) {
+      around = this.parent[around];
+    }
+    const { first, octets } = this.messageOf(node);
+    const begin = this.offset[around] - first;
+    const contents = begin + this.shapeOf(around).header;
+    return { begin, contents, end: Math.min(contents + this.size[around], octets.length) };
+  }
+
+  // The octets that are shown as a value.
+  valueOctets(node) {
+    const { begin, contents, end } = this.rangeOf(node);
+    const from = { [Hex.none]: end, [Hex.contents]: contents, [Hex.bits]: contents + 1,
+      [Hex.whole]: begin };
+    return this.messageOf(node).octets.subarray(from[this.shapeOf(node).hex], end);
+  }
+
+  // @param most octets
+  valueOf(node, most) {
+    const shape = this.shapeOf(node);
+    let text = shape.hasText ? this.texts[this.text[node]] : '';
+    const octets = this.valueOctets(node);
+    if (octets.length !== 0) {
+      const left = octets.length - most;
+      text += `${text && ' '}${hexText(octets.subarray(0, most))}`;
+      text += left > 0 ? ` … ${countText(left, 'more octet')}` : '';
+    }
+    return text;
+  }
+
+  // The nodes of a message that have octets, by their offsets.
+  orderOf(message) {
+    if (message.order === null) {
+      const nodes = [];
+      for (let node = message.root; node < this.after[message.root]; ++node) {
+        const shape = this.shapeOf(node);
+        if (!shape.assembled && shape.header + this.size[node] !== 0) {
+          nodes.push(node);
+        }
+      }
+      message.order = Uint32Array.from(nodes);
+      // What an identifier selects may follow what stands behind it.
+      const inOrder = message.order.every(
+        (node, i) => i === 0 || this.offset[message.order[i - 1]] <= this.offset[node]);
+      if (!inOrder) {
+        message.order.sort((one, other) => this.offset[one] - this.offset[other] || one - other);
+      }
+    }
+    return message.order;
+  }
+
+  // The innermost element that an octet belongs to.
+  nodeAt(message, octet) {
+    const order = this.orderOf(message);
+    const offset = octet + message.first;
+    let low = 0;
+    for (let high = order.length; high - low > 1;) {
+      const middle = (low + high) >> 1;
+      if (this.offset[order[middle]] <= offset) {
+        low = middle;
+      } else {
+        high = middle;
+      }
+    }
+    let node = order[low];
+    while (this.level[node] !== 0 &&
+        offset >= this.offset[node] + this.shapeOf(node).header + this.size[node]) {
+      node = this.parent[node];
+    }
+    return node;
+  }
+
+  // The places that a query tells of, as nodes and, where it tells octets, these.
+  find(query, message) {
+    const at = /^@\s*(0x[0-9a-f]+|\d+)$/i.exec(query);
+    if (at) {
+      const octet = Number(at[1]) - message.first;
+      const isThere = octet >= 0 && octet < message.octets.length;
+      return isThere ? [{ node: this.nodeAt(message, octet), octet, size: 1 }] : [];
+    }
+    const wanted = query.toLowerCase();
+    const has = (text) => text.toLowerCase().includes(wanted);
+    const shapes = this.shapes.map(
+      ({ name, choices, type }) =>
+        has(name) || choices.some(has) || has(type));
+    const texts = this.texts.map(has);
+    const found = [];
+    for (let node = 0; node < this.count && found.length < MostFound; ++node) {
+      const shape = this.shapeOf(node);
+      const isFound = this.level[node] === 0
+        ? has(shape.name) || has(shape.type)
+        : shapes[this.shape[node]] || (shape.hasText && texts[this.text[node]]);
+      if (isFound) {
+        found.push({ node, octet: -1, size: 0 });
+      }
+    }
+    return found.concat(this.findOctets(query))
+      .sort((one, other) => one.node - other.node || one.octet - other.octet);
+  }
+
+  findOctets(query) {
+    const text = query.replace(/^0x|[\s:]/gi, '');
+    const found = [];
+    if (text.length < 4 || !/^([0-9a-f]{2})+$/i.test(text)) {
+      return found;
+    }
+    const wanted = text.match(/../g).map((pair) => parseInt(pair, 16));
+    for (const message of this.messages) {
+      const { octets } = message;
+      for (let at = octets.indexOf(wanted[0]); at >= 0 && found.length < MostFound;
+        at = octets.indexOf(wanted[0], at + 1)) {
+        if (wanted.every((octet, i) => octets[at + i] === octet)) {
+          found.push({ node: this.nodeAt(message, at), octet: at, size: wanted.length });
+        }
+      }
+    }
+    return found;
   }
 }
 
-// Where an element of indefinite length ends, as far as the tree tells: behind what is in it.
-function endOf(i) {
-  const { nodes, octets } = message;
-  let next = nodes.end[i];
-  while (next < nodes.count && !inMessage(next)) ++next;
-  return next < nodes.count ? nodes.at[next] : octets.length;
+// Lines of one height, of which those are made that are on the screen.
+class Lines {
+  constructor(scroller, height, makeLine, paint) {
+    this.scroller = scroller;
+    this.height = height;
+    this.makeLine = makeLine;
+    this.paint = paint;
+    this.count = 0;
+    this.room = make('div', 'room');
+    this.lines = make('div', 'lines');
+    this.lines.setAttribute('role', 'presentation');
+    this.room.setAttribute('role', 'presentation');
+    scroller.append(this.room, this.lines);
+    scroller.addEventListener('scroll', () => this.later());
+    scroller.addEventListener('wheel', (event) => this.wheel(event), { passive: false });
+    new ResizeObserver(() => this.later()).observe(scroller);
+  }
+
+  setCount(count) {
+    this.count = count;
+    this.room.style.height = `${Math.min(count * this.height, MostPixels)}px`;
+  }
+
+  // How many of its pixels the lines move for one of the scroller's.
+  get ratio() {
+    const all = this.count * this.height;
+    const shown = this.scroller.clientHeight;
+    return all > MostPixels ? (all - shown) / (MostPixels - shown) : 1;
+  }
+
+  get top() {
+    return this.scroller.scrollTop * this.ratio / this.height;
+  }
+
+  // Whole lines that are on the screen.
+  get page() {
+    return Math.max(1, Math.floor(this.scroller.clientHeight / this.height));
+  }
+
+  wheel(event) {
+    if (this.ratio > 1 && event.deltaMode === 0 && !event.ctrlKey) {
+      event.preventDefault();
+      this.scroller.scrollTop += event.deltaY / this.ratio;
+    }
+  }
+
+  later() {
+    if (!this.waiting) {
+      this.waiting = true;
+      requestAnimationFrame(() => this.render());
+    }
+  }
+
+  render() {
+    this.waiting = false;
+    const { top } = this;
+    const first = Math.floor(top);
+    const last = Math.min(first + this.page + 2, this.count);
+    const made = [];
+    for (let line = first; line < last; ++line) {
+      made.push(this.makeLine(line));
+    }
+    this.lines.replaceChildren(...made);
+    const moved = this.scroller.scrollTop - (top - first) * this.height;
+    this.lines.style.transform = `translateY(${moved}px)`;
+    this.paint();
+  }
+
+  // Shows a line, and moves only where it is not shown yet.
+  reveal(line) {
+    if (line < Math.ceil(this.top) || line >= Math.floor(this.top) + this.page) {
+      const first = clamp(line - Math.floor(this.page / 3), 0, this.count);
+      this.scroller.scrollTop = first * this.height / this.ratio;
+    }
+    this.render();
+  }
 }
 
-function search(back) {
-  const wanted = byId("search").value.toLowerCase();
-  const { nodes, texts } = message;
-  if (!wanted) return;
-  message.lower ??= texts.map((text) => text.toLowerCase());
-  const fits = message.lower.map((text) => text.includes(wanted));
-  for (let tried = 1; tried <= nodes.count; ++tried) {
-    const i = (((found + (back ? -tried : tried)) % nodes.count) + nodes.count) % nodes.count;
-    if (fits[nodes.name[i]] || fits[nodes.value[i]] || String(nodes.at[i]) === wanted) {
-      found = i;
-      select(i, "search");
+// The elements that are not inside folded ones.
+class TreePane {
+  constructor(page) {
+    this.page = page;
+    this.pane = byId('tree');
+    this.rows = [];
+    const { messages } = page;
+    this.folded = new Uint8Array(messages.count);
+    if (messages.count > MostUnfolded) {
+      for (let node = 0; node < messages.count; ++node) {
+        const isFurther = messages.level[node] === 0 && messages.messages.length > 1;
+        this.folded[node] = isFurther || messages.children[node] > LongList ? 1 : 0;
+      }
+    }
+    this.lines = new Lines(this.pane, TreeHeight, (row) => this.makeLine(this.rows[row]),
+      () => this.paint());
+    this.fill();
+    this.pane.addEventListener('click', (event) => this.click(event));
+    this.pane.addEventListener('dblclick', (event) => this.toggle(this.nodeOf(event)));
+    this.pane.addEventListener('pointermove', (event) => page.setOver(this.nodeOf(event)));
+    this.pane.addEventListener('pointerleave', () => page.setOver(-1));
+    this.pane.addEventListener('keydown', (event) => this.key(event));
+  }
+
+  nodeOf(event) {
+    return event.target.closest('.line')?.node ?? -1;
+  }
+
+  fill() {
+    const { messages } = this.page;
+    this.rows = [];
+    for (let node = 0; node < messages.count;) {
+      this.rows.push(node);
+      node = this.folded[node] ? messages.after[node] : node + 1;
+    }
+    this.lines.setCount(this.rows.length);
+  }
+
+  rowOf(node) {
+    let low = 0;
+    for (let high = this.rows.length; high - low > 1;) {
+      const middle = (low + high) >> 1;
+      if (this.rows[middle] <= node) {
+        low = middle;
+      } else {
+        high = middle;
+      }
+    }
+    return low;
+  }
+
+  makeLine(node) {
+    const { messages } = this.page;
+    const shape = messages.shapeOf(node);
+    const isContainer = messages.isContainer(node);
+    const level = messages.level[node];
+    const line = make('div', level === 0 ? 'line message' : 'line');
+    line.node = node;
+    line.id = `node-${node}`;
+    line.setAttribute('role', 'treeitem');
+    line.setAttribute('aria-level', level + 1);
+    line.setAttribute('aria-posinset', messages.place[node] + 1);
+    line.setAttribute('aria-setsize', level === 0 ? messages.messages.length
+      : messages.children[messages.parent[node]]);
+    if (isContainer) {
+      line.setAttribute('aria-expanded', this.folded[node] === 0);
+    }
+    line.append(this.makePlace(node, shape));
+    const fold = make('span', 'fold', isContainer ? (this.folded[node] ? '▸' : '▾') : '');
+    fold.setAttribute('aria-hidden', 'true');
+    fold.style.marginLeft = `${Math.min(level, MostIndented) * 16}px`;
+    line.append(fold);
+    const name = messages.nameOf(node);
+    if (name !== '') {
+      line.append(make('span', 'name', name));
+    }
+    for (const choice of shape.choices) {
+      line.append(make('span', 'choice', `${choice}: `));
+    }
+    const value = messages.valueOf(node, LineHex);
+    if (shape.type !== '') {
+      line.append(make('span', 'type', shape.type));
+    }
+    if (isContainer) {
+      line.append(make('span', 'note', this.noteOf(node)));
+    }
+    if (value !== '') {
+      line.append(make('span', `value ${shape.style}`, value));
+    }
+    return line;
+  }
+
+  noteOf(node) {
+    const { messages } = this.page;
+    if (messages.level[node] === 0) {
+      return `(${messages.messageOf(node).about})`;
+    }
+    return this.folded[node] ? countText(messages.children[node], 'element') : '';
+  }
+
+  // Offset and octets of header and contents.
+  makePlace(node, shape) {
+    const { messages, columns } = this.page;
+    const offset = this.page.offsetText(messages.offset[node]);
+    const mark = shape.assembled ? '~' : '';
+    const isNowhere = shape.header + messages.size[node] === 0; // it tells of an octet only
+    const size = isNowhere ? '' : `${shape.header}+${messages.size[node]}`;
+    const place = make('span', 'place',
+      `${(mark + offset).padStart(columns.offset + 1)}  ${size.padEnd(columns.size)}`);
+    place.setAttribute('aria-hidden', 'true');
+    return place;
+  }
+
+  paint() {
+    const { selected, over, isFound } = this.page;
+    for (const line of this.lines.lines.children) {
+      line.setAttribute('aria-selected', line.node === selected);
+      line.classList.toggle('over', line.node === over);
+      line.classList.toggle('hit', isFound.has(line.node));
+    }
+    const line = byId(`node-${selected}`);
+    if (line) {
+      this.pane.setAttribute('aria-activedescendant', line.id);
+    } else {
+      this.pane.removeAttribute('aria-activedescendant');
+    }
+  }
+
+  // Makes an element a line, and that visible.
+  reveal(node) {
+    const { messages } = this.page;
+    let isHidden = false;
+    for (let outer = messages.parent[node]; outer >= 0; outer = messages.parent[outer]) {
+      isHidden ||= this.folded[outer] !== 0;
+      this.folded[outer] = 0;
+    }
+    if (isHidden) {
+      this.fill();
+    }
+    this.lines.reveal(this.rowOf(node));
+  }
+
+  setFolded(node, folded) {
+    if (node >= 0 && this.page.messages.isContainer(node)) {
+      this.folded[node] = folded ? 1 : 0;
+      this.fill();
+      this.lines.render();
+    }
+  }
+
+  toggle(node) {
+    this.setFolded(node, node >= 0 && this.folded[node] === 0);
+  }
+
+  // Folds or unfolds what is in some nodes; a message that stands alone is not folded.
+  setAllFolded(folded, first = 0, last = this.page.messages.count) {
+    const { messages } = this.page;
+    for (let node = first; node < last; ++node) {
+      const isMessage = messages.level[node] === 0 && messages.messages.length === 1;
+      this.folded[node] = folded && !isMessage ? 1 : 0;
+    }
+    this.fill();
+    let { selected } = this.page;
+    for (let node = selected; node >= 0; node = messages.parent[node]) {
+      selected = this.folded[node] ? node : selected;
+    }
+    this.page.select(selected);
+  }
+
+  click(event) {
+    const node = this.nodeOf(event);
+    if (node < 0) {
       return;
     }
+    if (event.target.classList.contains('fold')) {
+      this.toggle(node);
+    }
+    this.page.select(node);
   }
-  byId("status").textContent = "nothing found";
-}
 
-function show(number) {
-  message = read(blocks[number]);
-  message.rows = new Map();
-  selected = found = -1;
-  byId("title").textContent = message.title;
-  document.title = message.title;
-  const list = make("ul");
-  list.setAttribute("role", "tree");
-  byId("tree").replaceChildren(list);
-  const children = childrenOf(-1);
-  message.lists.set(-1, { list, children });
-  fill(list, children, 0);
-  byId("space").style.height = Math.ceil(message.octets.length / Columns) * RowHeight + "px";
-  byId("octets").scrollTop = 0;
-  for (const child of children.slice(0, 1)) {
-    unfold(child);
-    for (const inner of childrenOf(child).slice(0, 40)) unfold(inner);
+  key(event) {
+    const { page, rows } = this;
+    const { messages, selected } = page;
+    const row = this.rowOf(selected);
+    const go = (to) => page.select(rows[clamp(to, 0, rows.length - 1)]);
+    const isOpen = messages.isContainer(selected) && this.folded[selected] === 0;
+    const actions = {
+      ArrowDown: () => go(row + 1),
+      ArrowUp: () => go(row - 1),
+      PageDown: () => go(row + this.lines.page - 1),
+      PageUp: () => go(row - this.lines.page + 1),
+      Home: () => go(0),
+      End: () => go(rows.length - 1),
+      ArrowRight: () => (isOpen ? go(row + 1) : this.setFolded(selected, false)),
+      ArrowLeft: () => (isOpen ? this.setFolded(selected, true)
+        : page.select(Math.max(messages.parent[selected], 0))),
+      Enter: () => this.toggle(selected),
+      ' ': () => this.toggle(selected),
+      '*': () => this.setAllFolded(false, selected, messages.after[selected]),
+    };
+    page.act(event, actions);
   }
-  // What is wrong is seen at once.
-  const bad = [];
-  for (let i = 0; i < message.nodes.count && bad.length < 20; ++i) if (message.nodes.kind[i] === "b") bad.push(i);
-  bad.forEach(reveal);
-  if (bad.length) select(bad[0]);
-  else if (children.length) select(children[0]);
-  else drawOctets();
 }
 
-function visibleRows() {
-  return [...byId("tree").querySelectorAll(".row")].filter((row) => row.offsetParent);
+// The octets of the message that the selected element is in.
+class OctetPane {
+  constructor(page) {
+    this.page = page;
+    this.pane = byId('octets');
+    this.message = page.messages.messages[0];
+    this.cursor = 0;
+    this.lines = new Lines(this.pane, OctetHeight, (line) => this.makeLine(line),
+      () => this.paint());
+    this.fill();
+    this.pane.addEventListener('click', (event) => {
+      const octet = event.target.octet;
+      if (octet !== undefined) {
+        page.selectOctet(octet);
+      }
+    });
+    this.pane.addEventListener('pointermove', (event) => {
+      const octet = event.target.octet;
+      page.setOver(octet === undefined ? -1 : page.messages.nodeAt(this.message, octet));
+    });
+    this.pane.addEventListener('pointerleave', () => page.setOver(-1));
+    this.pane.addEventListener('keydown', (event) => this.key(event));
+  }
+
+  fill() {
+    this.lines.setCount(Math.ceil(this.message.octets.length / LineOctets));
+  }
+
+  makeLine(number) {
+    const { octets, first } = this.message;
+    const from = number * LineOctets;
+    const line = make('div', 'line');
+    const cells = make('span', 'cells');
+    const letters = make('span', 'letters');
+    for (let i = from; i < from + LineOctets; ++i) {
+      const isThere = i < octets.length;
+      const cell = make('span', isThere ? 'octet' : 'none', isThere ? hexDigits[octets[i]] : '  ');
+      cells.append(cell);
+      if (isThere) {
+        const isVisible = octets[i] > 0x20 && octets[i] < 0x7f;
+        const letter =
+          make('span', 'letter', isVisible ? String.fromCharCode(octets[i]) : '·');
+        cell.octet = letter.octet = i;
+        letters.append(letter);
+      }
+    }
+    const offset = this.page.offsetText(first + from).padStart(this.page.columns.offset);
+    line.append(make('span', 'place', offset), cells, letters);
+    return line;
+  }
+
+  // The octets of an element in the message that is shown; none of another one.
+  rangeOf(node) {
+    const { messages } = this.page;
+    const isHere = node >= 0 && messages.messageOf(node) === this.message;
+    return isHere ? messages.rangeOf(node) : { begin: 0, contents: 0, end: 0 };
+  }
+
+  paint() {
+    const chosen = this.rangeOf(this.page.selected);
+    const over = this.rangeOf(this.page.over);
+    const { found } = this.page;
+    const isFoundHere = found !== null && this.page.messages.messageOf(found.node) === this.message;
+    for (const cell of this.pane.querySelectorAll('.octet, .letter')) {
+      const { octet } = cell;
+      const set = (name, is) => cell.classList.toggle(name, is);
+      set('in-header', octet >= chosen.begin && octet < chosen.contents);
+      set('in-contents', octet >= chosen.contents && octet < chosen.end);
+      set('over', octet >= over.begin && octet < over.end);
+      set('found', isFoundHere && octet >= found.octet && octet < found.octet + found.size);
+      set('cursor', octet === this.cursor);
+    }
+  }
+
+  reveal(message, octet) {
+    if (this.message !== message) {
+      this.message = message;
+      this.fill();
+    }
+    this.cursor = clamp(octet, 0, Math.max(message.octets.length - 1, 0));
+    this.lines.reveal(Math.floor(this.cursor / LineOctets));
+  }
+
+  key(event) {
+    const last = this.message.octets.length - 1;
+    const go = (to) => this.page.selectOctet(clamp(to, 0, last));
+    const page = this.lines.page * LineOctets;
+    const line = this.cursor - this.cursor % LineOctets;
+    this.page.act(event, {
+      ArrowRight: () => go(this.cursor + 1),
+      ArrowLeft: () => go(this.cursor - 1),
+      ArrowDown: () => go(this.cursor + LineOctets),
+      ArrowUp: () => go(this.cursor - LineOctets),
+      PageDown: () => go(this.cursor + page),
+      PageUp: () => go(this.cursor - page),
+      Home: () => go(event.ctrlKey ? 0 : line),
+      End: () => go(event.ctrlKey ? last : line + LineOctets - 1),
+      Enter: () => byId('tree').focus(),
+      Escape: () => byId('tree').focus(),
+    });
+  }
 }
 
-byId("tree").addEventListener("click", (event) => {
-  const row = event.target.closest(".row");
-  if (!row) return;
-  const i = +row.dataset.node;
-  if (event.target.className === "fold") { if (isUnfolded(i)) fold(i); else unfold(i); }
-  select(i);
-});
-byId("tree").addEventListener("dblclick", (event) => {
-  const row = event.target.closest(".row");
-  if (row) { const i = +row.dataset.node; if (isUnfolded(i)) fold(i); else unfold(i); }
-});
-byId("tree").addEventListener("keydown", (event) => {
-  const rows = visibleRows();
-  const place = rows.findIndex((row) => +row.dataset.node === selected);
-  const go = (to) => { if (rows[to]) select(+rows[to].dataset.node); };
-  const keys = {
-    ArrowDown: () => go(place + 1), ArrowUp: () => go(place - 1), Home: () => go(0), End: () => go(rows.length - 1),
-    ArrowRight: () => { if (hasChildren(selected) && !isUnfolded(selected)) unfold(selected); else go(place + 1); },
-    ArrowLeft: () => {
-      if (isUnfolded(selected)) fold(selected);
-      else if (message.nodes.parent[selected] >= 0) select(message.nodes.parent[selected]);
-    },
-    Enter: () => { if (isUnfolded(selected)) fold(selected); else unfold(selected); },
-  };
-  if (keys[event.key]) { keys[event.key](); event.preventDefault(); }
-});
-byId("rows").addEventListener("click", (event) => {
-  const at = event.target.dataset?.at;
-  const node = at === undefined ? -1 : nodeAt(+at);
-  if (node >= 0) select(node, "octets");
-});
-byId("octets").addEventListener("scroll", drawOctets);
-addEventListener("resize", drawOctets);
-byId("search").addEventListener("keydown", (event) => { if (event.key === "Enter") search(event.shiftKey); });
-byId("theme").addEventListener("click", () => {
-  const root = document.documentElement;
-  root.dataset.theme = root.dataset.theme === "dark" ? "light" : "dark";
-});
-addEventListener("keydown", (event) => {
-  if (event.key === "/" && event.target.id !== "search") { byId("search").focus(); event.preventDefault(); }
-});
-document.documentElement.dataset.theme = matchMedia("(prefers-color-scheme: dark)").matches ? "dark" : "light";
-for (let i = 0; i < blocks.length; ++i) {
-  const option = make("option", "", "message " + (i + 1));
-  option.value = i;
-  byId("which").append(option);
+// Finds what is asked for, and goes from one place to the next.
+class Search {
+  constructor(page) {
+    this.page = page;
+    this.query = byId('query');
+    this.places = [];
+    this.at = -1;
+    this.query.addEventListener('input', () => {
+      clearTimeout(this.timer);
+      this.timer = setTimeout(() => this.run(), 150);
+    });
+    this.query.addEventListener('keydown', (event) => this.key(event));
+    byId('search').addEventListener('submit', (event) => {
+      event.preventDefault();
+      this.step(1);
+    });
+    byId('previous').addEventListener('click', () => this.step(-1));
+  }
+
+  key(event) {
+    if (event.key === 'Enter' && event.shiftKey) {
+      event.preventDefault();
+      this.step(-1);
+    } else if (event.key === 'Escape') {
+      event.preventDefault();
+      this.query.value = '';
+      this.run();
+      byId('tree').focus();
+    }
+  }
+
+  run() {
+    clearTimeout(this.timer);
+    const { page } = this;
+    this.done = this.query.value;
+    const query = this.done.trim();
+    this.places = query === '' ? [] : page.messages.find(query, page.octets.message);
+    page.isFound = new Set(this.places.map((place) => place.node));
+    const next = this.places.findIndex((place) => place.node >= page.selected);
+    this.at = this.places.length === 0 ? -1 : Math.max(next, 0);
+    this.show();
+  }
+
+  step(by) {
+    if (this.done !== this.query.value) {
+      this.run();
+    } else if (this.places.length !== 0) {
+      this.at = (this.at + by + this.places.length) % this.places.length;
+      this.show();
+    }
+  }
+
+  show() {
+    const { page, places } = this;
+    byId('found').textContent = places.length !== 0
+      ? `${(this.at + 1).toLocaleString('en')} of ${places.length.toLocaleString('en')}`
+      : this.query.value.trim() === '' ? '' : 'not found';
+    page.found = places[this.at] ?? null;
+    if (page.found === null) {
+      page.select(page.selected);
+    } else {
+      page.select(page.found.node, page.found.octet);
+    }
+  }
 }
-byId("which").hidden = blocks.length < 2;
-byId("which").addEventListener("change", (event) => show(+event.target.value));
-if (blocks.length) show(0);
+
+class Page {
+  constructor(messages) {
+    this.messages = messages;
+    this.selected = 0;
+    this.over = -1;
+    this.found = null;
+    this.isFound = new Set();
+    this.isHex = false;
+    this.measure();
+    this.octets = new OctetPane(this);
+    this.tree = new TreePane(this);
+    this.search = new Search(this);
+    this.addTools();
+    const places = messages.messages.map((message) => message.place);
+    const title = places.length === 1 ? places[0] : `${places[0]} and ${places.length - 1} more`;
+    byId('title').textContent = title;
+    document.title = `${title} - derview`;
+    this.select(0);
+    byId('tree').focus();
+  }
+
+  addTools() {
+    const press = (id, action) => byId(id).addEventListener('click', action);
+    const keys = byId('keys');
+    this.showTheme();
+    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => this.showTheme());
+    press('fold', () => this.tree.setAllFolded(true));
+    press('unfold', () => this.tree.setAllFolded(false));
+    press('base', () => this.setHex(!this.isHex));
+    press('theme', () => this.switchTheme());
+    press('help', () => keys.showModal());
+    document.addEventListener('keydown', (event) => {
+      if (keys.open || event.target === byId('query')) {
+        return;
+      }
+      this.act(event, {
+        '/': () => {
+          byId('query').focus();
+          byId('query').select();
+        },
+        d: () => this.switchTheme(),
+        x: () => this.setHex(!this.isHex),
+        '?': () => keys.showModal(),
+      });
+    });
+  }
+
+  // Does what a key stands for.
+  act(event, actions) {
+    const isOther = event.altKey || event.metaKey ||
+      (event.ctrlKey && event.key !== 'Home' && event.key !== 'End');
+    if (!isOther && Object.hasOwn(actions, event.key)) {
+      event.preventDefault();
+      event.stopPropagation();
+      actions[event.key]();
+    }
+  }
+
+  get isDark() {
+    const { theme } = document.documentElement.dataset;
+    return theme ? theme === 'dark' : matchMedia('(prefers-color-scheme: dark)').matches;
+  }
+
+  switchTheme() {
+    document.documentElement.dataset.theme = this.isDark ? 'light' : 'dark';
+    this.showTheme();
+  }
+
+  showTheme() {
+    byId('theme').textContent = this.isDark ? 'Light' : 'Dark';
+  }
+
+  setHex(isHex) {
+    this.isHex = isHex;
+    byId('base').setAttribute('aria-pressed', isHex);
+    this.measure();
+    this.tree.lines.render();
+    this.octets.lines.render();
+    this.showDetails();
+  }
+
+  offsetText(offset) {
+    return this.isHex ? offset.toString(16) : String(offset);
+  }
+
+  // How wide numbers are.
+  measure() {
+    let end = 0;
+    let longest = 0;
+    for (const { octets, first } of this.messages.messages) {
+      end = Math.max(end, first + octets.length);
+      longest = Math.max(longest, octets.length);
+    }
+    this.columns = {
+      offset: Math.max(this.offsetText(end).length, 4),
+      size: Math.max(String(longest).length + 2, 6),
+    };
+    byId('octets').style.setProperty('--address', this.columns.offset);
+  }
+
+  // @param octet that is asked for in it; -1 when it is the element itself
+  select(node, octet = -1) {
+    this.selected = node;
+    const message = this.messages.messageOf(node);
+    this.octets.reveal(message, octet >= 0 ? octet : this.messages.rangeOf(node).begin);
+    this.tree.reveal(node);
+    this.showDetails();
+  }
+
+  selectOctet(octet) {
+    const { message } = this.octets;
+    const node = this.messages.nodeAt(message, octet);
+    this.select(node, octet);
+    byId('said').textContent =
+      `${hexDigits[message.octets[octet]]} at ${octet + message.first}: ` +
+      (this.messages.pathOf(node) || message.shape.type);
+  }
+
+  setOver(node) {
+    if (node !== this.over) {
+      this.over = node;
+      this.tree.paint();
+      this.octets.paint();
+    }
+  }
+
+  showDetails() {
+    const { messages, selected } = this;
+    const shape = messages.shapeOf(selected);
+    const message = messages.messageOf(selected);
+    const path = messages.pathOf(selected);
+    const head = make('div', 'path');
+    head.append(make('code', '', path || shape.type));
+    if (path !== '') {
+      const copy = make('button', '', 'Copy path');
+      copy.addEventListener('click', () => this.copy(path));
+      head.append(copy);
+    }
+    const { begin, contents, end } = messages.rangeOf(selected);
+    const facts = [];
+    if (messages.messages.length > 1) {
+      facts.push(message.place);
+    }
+    if (shape.type !== '') {
+      facts.push(shape.type);
+    }
+    const offset = messages.offset[selected];
+    if (shape.assembled) {
+      facts.push(`at ${offset} in the contents of a string in segments, put together`);
+    } else {
+      facts.push(`offset ${offset} (0x${offset.toString(16)})`);
+      if (shape.header !== 0) {
+        facts.push(`header ${hexText(message.octets.subarray(begin, contents), ' ')}`);
+      }
+      facts.push(countText(end - contents, 'octet') + (shape.header !== 0 ? ' of contents' : ''));
+    }
+    byId('details').replaceChildren(head, make('p', '', facts.join(' · ')));
+    const value = messages.valueOf(selected, DetailHex);
+    if (value !== '') {
+      byId('details').append(make('pre', shape.style, value));
+    }
+  }
+
+  async copy(text) {
+    try {
+      await navigator.clipboard.writeText(text);
+      byId('said').textContent = 'copied';
+    } catch {
+      byId('said').textContent = 'the browser does not let the page copy';
+    }
+  }
+}
+
+const blocks = [];
+for (const script of document.querySelectorAll('script[type="application/json"]')) {
+  blocks.push(JSON.parse(script.textContent));
+  script.remove();
+}
+new Page(new Messages(blocks));
+document.documentElement.dataset.ready = Math.round(performance.now());
