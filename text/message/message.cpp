@@ -144,7 +144,7 @@ std::string decodeBase64(std::string_view text, OctetStore& octets) {
         const std::size_t padding = text.find('=');
         const std::size_t end = text.find_first_not_of("= \t\n\v\f\r", padding);
         const std::string_view piece = text.substr(0, end);
-        if (const std::string problem = decodePiece(piece, octets); !problem.empty()) {
+        if (std::string problem = decodePiece(piece, octets); !problem.empty()) {
             return problem;
         }
         text.remove_prefix(piece.size());

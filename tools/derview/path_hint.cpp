@@ -69,7 +69,7 @@ std::string pathHint(const Message& message, const asn1data::TypeDescription& ty
     const std::size_t start = way.size() + (way.empty() || path[way.size()] != '.' ? 0 : 1);
     const std::string wrong = path.substr(start, path.find_first_of(".[", start + 1) - start);
     const bool isIndex = wrong.rfind('[', 0) == 0;
-    const std::string near = isIndex ? "" : didYouMean(wrong, names.found);
+    std::string near = isIndex ? "" : didYouMean(wrong, names.found);
     if (!near.empty()) {
         return near;
     }
