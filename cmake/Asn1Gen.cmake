@@ -6,6 +6,7 @@
 #       OUTPUT_DIRECTORY dir      headers go to dir/include/path, sources to dir/src
 #       [EXPORT_MACRO name]       marks what a shared library exports
 #       [CATALOGUE]               adds the source that finds every description by name
+#       [MODULE_NAMES]            descriptions are called Module.Type rather than Type
 #       [WITHOUT_LIBRARY]         modules of the library are not imported from
 #       MODULES file...)          modules that import from each other
 #
@@ -17,7 +18,7 @@
 # then. BREVANTIS_ASN1GEN names the compiler to run, which has to be one for the building machine:
 # where the target runs on another, one that was built for this one has to be given.
 function(asn1gen_modules target)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "CATALOGUE;WITHOUT_LIBRARY"
+    cmake_parse_arguments(PARSE_ARGV 1 arg "CATALOGUE;MODULE_NAMES;WITHOUT_LIBRARY"
         "NAMESPACE;INCLUDE_PREFIX;OUTPUT_DIRECTORY;EXPORT_MACRO" "MODULES")
     if(NOT TARGET ${target})
         message(FATAL_ERROR "asn1gen_modules: there is no target '${target}'")
@@ -76,6 +77,9 @@ function(asn1gen_modules target)
     if(arg_CATALOGUE)
         list(APPEND options --catalogue)
         list(APPEND sources ${source_dir}/catalogue.cpp)
+    endif()
+    if(arg_MODULE_NAMES)
+        list(APPEND options --module-names)
     endif()
     if(NOT arg_WITHOUT_LIBRARY)
         set(library "${BREVANTIS_ASN1_SCHEMA_DIRECTORY}")

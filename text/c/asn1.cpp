@@ -15,6 +15,7 @@
 #include <brevantis/asn1/text/path_at.h>
 #include <brevantis/asn1/text/recognition.h>
 #include <brevantis/asn1/text/schema.h>
+#include <brevantis/asn1/text/types.h>
 
 #include "json/encode_buffer.h"
 
@@ -349,7 +350,7 @@ int basn1_set_limit(basn1_handle* handle, int limit, size_t value) {
 }
 
 const basn1_type* basn1_find_type(const char* name) {
-    return name != nullptr ? handleOf(asn1data::findType(name)) : nullptr;
+    return name != nullptr ? handleOf(asn1text::findType(name)) : nullptr;
 }
 
 const basn1_type* basn1_type_at(size_t index) {

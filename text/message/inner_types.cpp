@@ -6,6 +6,7 @@
 
 #include <brevantis/asn1/text/elements.h>
 #include <brevantis/asn1/text/names.h>
+#include <brevantis/asn1/text/types.h>
 #include <brevantis/asn1/text/value.h>
 
 namespace asn1text {
@@ -30,13 +31,17 @@ constexpr Row Rows[] = {
     {"toBeSigned", "SignedOpenType", nullptr, nullptr, "TBSCertificate"},
     {"toBeSigned", "SignedOpenType", nullptr, nullptr, "TBSCertList"},
     {"toBeSigned", "SignedOpenType", nullptr, nullptr, "AttributeCertificateInfo"},
-    {"subjectPublicKey", nullptr, "rsaEncryption", nullptr, "RSAPublicKey"},
+    {"toBeSigned", "SignedOpenType", nullptr, nullptr, "PublishedX509.TBSCertificate"},
     {"subjectPublicKey", nullptr, "rsaEncryption", nullptr, "RsaPubKey"},
-    {"subjectPublicKey", nullptr, "id_RSASSA_PSS", nullptr, "RSAPublicKey"},
+    {"subjectPublicKey", nullptr, "rsaEncryption", nullptr, "RSAPublicKey"},
     {"subjectPublicKey", nullptr, "id_RSASSA_PSS", nullptr, "RsaPubKey"},
+    {"subjectPublicKey", nullptr, "id_RSASSA_PSS", nullptr, "RSAPublicKey"},
+    {"subjectPublicKey", nullptr, "id_dsa", nullptr, "DSAPublicKey"},
+    {"subjectPublicKey", nullptr, "dhpublicnumber", nullptr, "DHPublicKey"},
     {"privateKey", nullptr, "rsaEncryption", nullptr, "RSAPrivateKey"},
     {"privateKey", nullptr, "id_RSASSA_PSS", nullptr, "RSAPrivateKey"},
     {"privateKey", nullptr, "id_ecPublicKey", nullptr, "ECPrivateKey"},
+    {"privateKey", nullptr, "id_dsa", nullptr, "DSAPublicKey"},
     {"parameters", nullptr, "id_PBES2", nullptr, "PBES2-params"},
     {"parameters", nullptr, "id_PBKDF2", nullptr, "PBKDF2-params"},
     {"parameters", nullptr, "id_RSASSA_PSS", nullptr, "RSASSA-PSS-params"},
@@ -177,7 +182,7 @@ InnerType InnerTypes::find(const WalkElement& element, Octets contents) const {
              (algorithm.name == nullptr || std::strcmp(row.algorithm, algorithm.name) != 0))) {
             continue;
         }
-        const TypeDescription* const type = asn1data::findType(row.type);
+        const TypeDescription* const type = findType(row.type);
         if (type != nullptr && (row.begins == nullptr || begins(contents, row.begins)) &&
             isWhole(*type, contents)) {
             inner.type = type;

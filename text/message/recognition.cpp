@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include <brevantis/asn1/asn1data/walk.h>
+#include <brevantis/asn1/text/types.h>
 
 namespace asn1text {
 
@@ -37,6 +38,11 @@ constexpr LabelledType LabelledTypes[] = {
     {"ENCRYPTED PRIVATE KEY", "EncryptedPrivateKeyInfo"},
     {"PUBLIC KEY", "SubjectPublicKeyInfo"},
     {"RSA PUBLIC KEY", "RsaPubKey"},
+    {"RSA PRIVATE KEY", "PublishedKeys.RSAPrivateKey"},
+    {"EC PRIVATE KEY", "PublishedKeys.ECPrivateKey"},
+    {"EC PARAMETERS", "PublishedKeys.ECParameters"},
+    {"DSA PRIVATE KEY", "PublishedKeys.DSAPrivateKey"},
+    {"DH PARAMETERS", "PublishedKeys.DHParameter"},
     {"ATTRIBUTE CERTIFICATE", "AttributeCertificate"},
     {"DSA PARAMETERS", "Dss_Parms"},
     {"X9.42 DH PARAMETERS", "DomainParameters"},
@@ -76,6 +82,9 @@ constexpr const char* UsualTypes[] = {
     "RsaPubKey",
     "Dss_Parms",
     "DomainParameters",
+    "PublishedKeys.RSAPrivateKey",
+    "PublishedKeys.ECPrivateKey",
+    "PublishedKeys.DSAPrivateKey",
 };
 
 /// Ends a walk that has agreed for long enough.
@@ -138,7 +147,7 @@ bool isKnownContent(Octets message) {
     private:
         const TypeDescription& type_;
     };
-    const TypeDescription* const type = asn1data::findType("ContentInfo");
+    const TypeDescription* const type = findType("ContentInfo");
     FirstIdentifier visitor(*type);
     asn1data::walk(*type, message.data(), message.size(), visitor);
     return visitor.known;
@@ -147,7 +156,7 @@ bool isKnownContent(Octets message) {
 const TypeDescription* typeOfLabel(std::string_view label) {
     for (const LabelledType& labelled : LabelledTypes) {
         if (label == labelled.label) {
-            return asn1data::findType(labelled.type);
+            return findType(labelled.type);
         }
     }
     return nullptr;
@@ -162,7 +171,7 @@ const TypeDescription* bestMatch(Octets message, bool whole, bool cut) {
     // A SEQUENCE alone says nothing, and little with a number in it, unless that is all there is.
     most.elements = cut ? 1 : 2;
     for (const char* const name : UsualTypes) {
-        const TypeDescription* const type = asn1data::findType(name);
+        const TypeDescription* const type = findType(name);
         const Agreement agreement = compare(message, *type);
         if (agreement.whole) {
             return type;
@@ -178,9 +187,14 @@ const TypeDescription* bestMatch(Octets message, bool whole, bool cut) {
     return best;
 }
 
-} // namespace
+bool isWhole(Octets message, const TypeDescription& type) {
+    asn1data::WalkVisitor nothing;
+    const asn1data::WalkResult result =
+        asn1data::walk(type, message.data(), message.size(), nothing);
+    return result.status == 0 && result.consumed == message.size();
+}
 
-Recognition recognise(Octets message, std::string_view label, bool cut) {
+Recognition recogniseInCatalogue(Octets message, std::string_view label, bool cut) {
     if (const TypeDescription* const type = typeOfLabel(label)) {
         // A label may lie; what it names is taken if the message agrees with it beyond its start.
         const Agreement agreement = compare(message, *type);
@@ -193,7 +207,7 @@ Recognition recognise(Octets message, std::string_view label, bool cut) {
         return {type, "by its PEM label"};
     }
     if (isKnownContent(message)) {
-        return {asn1data::findType("ContentInfo"), "by its content type"};
+        return {findType("ContentInfo"), "by its content type"};
     }
     // What the label names is a better guess than a type that the message does not even fit.
     const bool labelled = !label.empty();
@@ -205,10 +219,30 @@ Recognition recognise(Octets message, std::string_view label, bool cut) {
     return {type, "best match"};
 }
 
+} // namespace
+
+Recognition recognise(Octets message, std::string_view label, bool cut) {
+    Recognition recognition = recogniseInCatalogue(message, label, cut);
+    // A message is gone through once more for this: with a revocation list of gigabytes that would
+    // be felt, and the catalogue reads these.
+    constexpr std::size_t largest = std::size_t{16} << 20;
+    if (recognition.type == nullptr || cut || message.size() > largest) {
+        return recognition;
+    }
+    const TypeDescription* const published = publishedForm(*recognition.type);
+    if (published != nullptr && !isWhole(message, *recognition.type) &&
+        isWhole(message, *published)) {
+        recognition.reason += "; only its published form fits";
+        recognition.type = published;
+    }
+    return recognition;
+}
+
 std::string labelOf(const TypeDescription& type) {
     std::string label = type.name;
+    label.erase(0, label.find('.') + 1); // of a published type as of the catalogue's
     for (const LabelledType& labelled : LabelledTypes) {
-        if (label == labelled.type) {
+        if (label == labelled.type || std::string_view(type.name) == labelled.type) {
             return std::string(labelled.label);
         }
     }

@@ -9,10 +9,10 @@ namespace asn1gen {
 namespace {
 
 constexpr const char* Declarations = R"(
-asn1data::TypeRange allTypes() noexcept;
-const asn1data::TypeDescription* findType(const char* name) noexcept;
-asn1data::ObjectSetRange allObjectSets() noexcept;
-asn1data::IdentifierRange allIdentifiers() noexcept;
+${api}asn1data::TypeRange allTypes() noexcept;
+${api}const asn1data::TypeDescription* findType(const char* name) noexcept;
+${api}asn1data::ObjectSetRange allObjectSets() noexcept;
+${api}asn1data::IdentifierRange allIdentifiers() noexcept;
 
 )";
 
@@ -85,7 +85,7 @@ std::string Emitter::catalogue() {
             headers.push_back(stem);
         }
         for (const Type* type : module->types) {
-            types.emplace_back(type->name, from(module.get(), "types::" + type->name));
+            types.emplace_back(calledName(*type), from(module.get(), "types::" + type->name));
         }
         for (const ObjectSet* set : module->sets) {
             sets.emplace_back(set->name, from(module.get(), "sets::" + set->name));
@@ -108,7 +108,8 @@ std::string Emitter::catalogue() {
     out.line();
     out.line("namespace " + output_.nameSpace + " {");
     out.line();
-    out.lines(Declarations, {});
+    out.lines(Declarations,
+              {{"api", output_.exportMacro.empty() ? "" : output_.exportMacro + " "}});
     out.line("namespace {");
     out.line();
     table(out, "const asn1data::TypeDescription* sortedTypes", types,

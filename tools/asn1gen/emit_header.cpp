@@ -69,7 +69,7 @@ constexpr const char* RecordFunctions = R"(
 constexpr const char* NullControl = R"(
 public:
     /// What findType knows the type by.
-    static constexpr const char* typeName = "$X";
+    static constexpr const char* typeName = "$called";
 
     /// On a context of its own.
     $C();
@@ -84,7 +84,7 @@ public:
 constexpr const char* Constructors = R"(
 public:
     /// What findType knows the type by.
-    static constexpr const char* typeName = "$X";
+    static constexpr const char* typeName = "$called";
 
     /// On a context of its own; the value is the caller's and outlives the object.
     explicit $C($T& value);

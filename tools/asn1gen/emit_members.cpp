@@ -196,6 +196,7 @@ int asn1DTC_$X(ASN1CTXT* ctxt, $T* value) {
 
 Values Emitter::namesOf(const Type& type) const {
     return {{"X", type.name},
+            {"called", calledName(type)},
             {"T", recordName(type)},
             {"C", controlName(type)},
             {"family", engine("family::")}};

@@ -445,7 +445,7 @@ void Emitter::description(Writer& out, const Type& type) {
     const auto row = [&out](const char* field, const std::string& value) {
         out.line("    /*" + std::string(field) + "=*/" + value + ",");
     };
-    row("name", "\"" + type.name + "\"");
+    row("name", "\"" + calledName(type) + "\"");
     const std::vector<std::string> notation = literalLines(type.notation);
     if (notation.size() == 1 && notation.front().size() < 80) {
         row("notation", notation.front());

@@ -17,6 +17,7 @@ struct Output {
     std::string nameSpace;
     std::string includePrefix;
     std::string exportMacro; ///< may be empty
+    bool moduleNames = false; ///< descriptions are called `Module.Type`
 };
 
 /// The library's own modules, where they are imported from.
@@ -122,6 +123,7 @@ private:
     /// What templates call a type: X, its record T and its control class C; `family` qualifies
     /// names of the engine.
     Values namesOf(const Type& type) const;
+    std::string calledName(const Type& type) const; ///< what findType knows the type by
     std::string exported(const std::string& keyword) const;
     std::string engine(const std::string& name) const;
     std::string memberType(const Type& type, const Module& module) const;

@@ -231,6 +231,10 @@ std::string Emitter::from(const Module* home, const std::string& name) const {
                                                    : "::" + spaceName(home->space) + "::" + name;
 }
 
+std::string Emitter::calledName(const Type& type) const {
+    return output_.moduleNames ? type.module->node.name + "." + type.name : type.name;
+}
+
 std::string Emitter::recordFrom(const Type& type) const {
     return from(type.module, recordName(type));
 }

@@ -13,7 +13,8 @@ namespace {
 
 const char* const help =
     R"(usage: asn1gen --namespace NAME --header-dir DIR --include-prefix PATH --source-dir DIR
-               [--export-macro NAME] [--catalogue] [--library DIR] MODULE.asn1...
+               [--export-macro NAME] [--catalogue] [--module-names] [--library DIR]
+               MODULE.asn1...
 
 Compiles ASN.1 modules (X.680 to X.683) that import from each other, in any order. For each file
 M.asn1 it writes M.h with the records, control classes and functions of its types, M.cpp with their
@@ -25,6 +26,7 @@ descriptions, and M_types.h, which M.cpp needs. A file that would not change is 
   --source-dir DIR       where the sources go
   --export-macro NAME    marks what a shared library exports
   --catalogue            also write catalogue.cpp, which finds every description by name
+  --module-names         descriptions are called Module.Type rather than Type
   --library DIR          modules of the library, whose types are used where they are imported
   --help                 print this and exit
   --version              print the version and exit
@@ -113,6 +115,10 @@ int run(const std::vector<std::string>& arguments) {
         }
         if (argument == "--catalogue") {
             options.catalogue = true;
+            continue;
+        }
+        if (argument == "--module-names") {
+            options.output.moduleNames = true;
             continue;
         }
         if (argument.rfind("--", 0) != 0) {

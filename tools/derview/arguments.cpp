@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <brevantis/asn1/text/types.h>
+
 #include "escape.h"
 #include "file_octets.h"
 #include "fingerprint.h"
@@ -81,7 +83,7 @@ void addType(CLI::App& app, const std::string& name, const TypeDescription*& typ
            name,
            [name, &type, &arguments](const std::string& word) {
                type = arguments.schema != nullptr ? arguments.schema->findType(word) : nullptr;
-               type = type != nullptr ? type : asn1data::findType(word.c_str());
+               type = type != nullptr ? type : findType(word.c_str());
                if (type == nullptr) {
                    const std::string near = didYouMean(word, typeNames(arguments));
                    throw CLI::ValidationError(

@@ -4,6 +4,7 @@
 #include <climits>
 
 #include <brevantis/asn1/text/json_reader.h>
+#include <brevantis/asn1/text/types.h>
 
 #include "escape.h"
 #include "header.h"
@@ -78,7 +79,7 @@ void InputReader::encode(Message& message) {
         message.type = arguments_.schema->findType(type);
     }
     if (message.type == nullptr) {
-        message.type = asn1data::findType(type.c_str());
+        message.type = findType(type.c_str());
     }
     JsonFailure failure;
     if (message.type == nullptr) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <system_error>
 
+#include <brevantis/asn1/asn1published.h>
+
 #include "checker.h"
 #include "differ.h"
 #include "escape.h"
@@ -188,8 +190,12 @@ void Session::diff() {
 
 int Session::run() {
     if (arguments_.listTypes) {
-        listTypes(output_,
-                  arguments_.schema != nullptr ? arguments_.schema->types() : asn1data::allTypes());
+        if (arguments_.schema != nullptr) {
+            listTypes(output_, arguments_.schema->types());
+        } else {
+            listTypes(output_, asn1data::allTypes());
+            listTypes(output_, asn1published::allTypes());
+        }
     } else if (arguments_.describe != nullptr) {
         describeType(output_, *arguments_.describe);
     } else if (arguments_.diff) {

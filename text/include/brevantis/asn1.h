@@ -98,10 +98,11 @@ BASN1_API int basn1_set_policy(basn1_handle* handle, unsigned policies);
 /** Sets a limit from now on. @param limit BASN1_LIMIT_... */
 BASN1_API int basn1_set_limit(basn1_handle* handle, int limit, size_t value);
 
-/** Finds a type by its name, "Certificate". @return null when there is none */
+/** Finds a type by its name, "Certificate", or of those that are as published where the catalogue
+ * is narrower, "PublishedKeys.RSAPrivateKey". @return null when there is none */
 BASN1_API const basn1_type* basn1_find_type(const char* name);
 
-/** The types by number, sorted by name. @return null behind the last one */
+/** The types of the catalogue by number, sorted by name. @return null behind the last one */
 BASN1_API const basn1_type* basn1_type_at(size_t index);
 
 /** Name of a type; a constant. Null for null. */

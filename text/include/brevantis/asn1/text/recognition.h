@@ -19,7 +19,9 @@ struct Recognition {
 };
 
 /// Finds the type of a message: the one that its PEM label names if the message begins like one, or
-/// else the usual top-level type that the message is, or agrees with for longest.
+/// else the usual top-level type that the message is, or agrees with for longest. A type of the
+/// catalogue gives way to its published form where only that fits; messages above 16 MiB are not
+/// gone through for this.
 /// @param message all of it, or as much as there is
 /// @param label of its PEM block; empty without one
 /// @param cut octets at its end are missing and may be zeros, so that the agreement of less counts
