@@ -2,8 +2,6 @@
 
 #include <brevantis/asn1/text/pem.h>
 
-#include "header.h"
-
 namespace derview {
 
 namespace {
@@ -43,15 +41,6 @@ Octets octetsOf(const View& view) {
                                 : view.message.withTrailing();
 }
 
-/// Octets of the header of what a view is about.
-std::size_t headerOf(const View& view) {
-    if (view.span != nullptr) {
-        return view.span->contentOffset - view.span->offset;
-    }
-    // By tags alone, the outermost element has a line of its own.
-    return view.recognition.type != nullptr ? readHeader(view.message.octets).size : 0;
-}
-
 } // namespace
 
 bool HtmlFormat::takes(const View& view) {
@@ -67,11 +56,10 @@ bool HtmlFormat::takes(const View& view) {
 
 void HtmlFormat::begin(const View& view) {
     octets_ = octetsOf(view);
-    if (view.span != nullptr) {
-        lines_.begin(octets_, octets_, view.span->offset);
-    } else {
-        lines_.begin(octets_, view.message.shown, 0);
-    }
+    const bool isPart = view.span != nullptr;
+    // By tags alone, the outermost element has a line of its own.
+    lines_.begin(octets_, isPart ? octets_ : view.message.shown, isPart ? view.span->offset : 0,
+                 view.recognition.type != nullptr);
     TreeFormat::begin(view);
 }
 
@@ -105,8 +93,6 @@ void HtmlFormat::writeBlock() {
     json.string(isPart ? *view().path : "");
     json.key("offset");
     json.number(isPart ? static_cast<long long>(view().span->offset) : 0);
-    json.key("header");
-    json.number(static_cast<long long>(headerOf(view())));
     json.key("octets");
     json.string(pem::encodeBase64(octets_));
     json.key("about");

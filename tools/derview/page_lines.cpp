@@ -41,7 +41,9 @@ std::string cutText(std::string_view text, std::size_t most) {
 
 } // namespace
 
-void PageLines::begin(Octets octets, Octets walked, std::size_t offset) {
+void PageLines::begin(Octets octets, Octets walked, std::size_t offset, bool whole) {
+    whole_ = whole;
+    header_ = 0;
     octets_ = octets;
     walked_ = walked;
     first_ = offset;
@@ -53,11 +55,17 @@ void PageLines::begin(Octets octets, Octets walked, std::size_t offset) {
 
 void PageLines::flush(std::size_t depth) {
     if (line_) {
-        line_->container = depth > depth_;
-        if (line_->container) {
-            depths_.push_back(depth_);
+        PageNode line = *std::exchange(line_, std::nullopt);
+        line.container = depth > depth_;
+        if (line.container && whole_ && depth_ == 0 && line.offset == first_ && !line.assembled) {
+            header_ = line.header;
+            whole_ = false;
+        } else {
+            if (line.container) {
+                depths_.push_back(depth_);
+            }
+            nodes_.add(std::move(line));
         }
-        nodes_.add(*std::exchange(line_, std::nullopt));
     }
     while (!depths_.empty() && depths_.back() >= depth) {
         depths_.pop_back();
@@ -162,6 +170,8 @@ void PageLines::note(const std::string& text) {
 
 void PageLines::write(asn1text::JsonStream& json) {
     flush(0);
+    json.key("header");
+    json.number(static_cast<long long>(header_));
     nodes_.write(json);
 }
 

@@ -13,14 +13,15 @@ namespace derview {
 /// taken from there.
 class PageLines : public TreeLines {
 public:
-    explicit PageLines(Output& output) : TreeLines(output, Room, false, true) {}
+    explicit PageLines(Output& output) : TreeLines(output, Room, true, true) {}
 
     /// Begins a message.
     /// @param octets that the page shows of it
     /// @param walked what is gone through; the octets at its beginning are the same
     /// @param offset of the first of both
-    void begin(Octets octets, Octets walked, std::size_t offset);
-    /// Writes the keys of the message.
+    /// @param whole a container that begins there is the message, which has a line already
+    void begin(Octets octets, Octets walked, std::size_t offset, bool whole);
+    /// Writes the keys of the message's lines.
     void write(asn1text::JsonStream& json);
 
     std::size_t begin(std::size_t depth, const TreePlace& place) override;
@@ -46,6 +47,8 @@ private:
     Octets octets_;
     Octets walked_;
     std::size_t first_ = 0;
+    bool whole_ = false;
+    std::size_t header_ = 0;          ///< octets of the message's own
     std::optional<PageNode> line_;    ///< the last one
     std::size_t depth_ = 0;           ///< of it
     std::vector<std::size_t> depths_; ///< of those around it
