@@ -16,7 +16,7 @@ using namespace notation; // the model is what all emitters work from
 struct Output {
     std::string nameSpace;
     std::string includePrefix;
-    std::string exportMacro; ///< may be empty
+    std::string exportMacro;  ///< may be empty
     bool moduleNames = false; ///< descriptions are called `Module.Type`
 };
 
