@@ -63,3 +63,6 @@ done
 if ((changed)); then
     fail "programs built against the library as it was may not run with this one; see docs/abi.md"
 fi
+if ! $update; then
+    say "what programs are bound to is as it was"
+fi
