@@ -42,9 +42,8 @@ constexpr Row Rows[] = {
     {"privateKey", nullptr, "id_RSASSA_PSS", nullptr, "RSAPrivateKey"},
     {"privateKey", nullptr, "id_ecPublicKey", nullptr, "ECPrivateKey"},
     {"privateKey", nullptr, "id_dsa", nullptr, "DSAPublicKey"},
-    {"parameters", nullptr, "id_PBES2", nullptr, "PBES2-params"},
-    {"parameters", nullptr, "id_PBKDF2", nullptr, "PBKDF2-params"},
-    {"parameters", nullptr, "id_RSASSA_PSS", nullptr, "RSASSA-PSS-params"},
+    {"parameters", nullptr, "id_PBES2", nullptr, "PBES2_params"},
+    {"parameters", nullptr, "id_PBKDF2", nullptr, "PBKDF2_params"},
     {"content", nullptr, nullptr, "1.2.840.113549.1.7.", "AuthenticatedSafe"},
     {"content", nullptr, nullptr, "1.2.840.113549.1.12.10.1.", "SafeContents"},
     {"eContent", nullptr, nullptr, nullptr, "TSTInfo"},
@@ -173,7 +172,9 @@ InnerType InnerTypes::find(const WalkElement& element, Octets contents) const {
     if (entered_.empty() || step->kind != asn1data::StepKind::Member) {
         return inner;
     }
-    const Algorithm& algorithm = entered_.back().inner;
+    // Parameters stand beside their algorithm, keys beside the element that tells it.
+    const Algorithm& algorithm =
+        entered_.back().own.name != nullptr ? entered_.back().own : entered_.back().inner;
     for (const Row& row : Rows) {
         if (std::strcmp(row.element, step->name) != 0 ||
             (row.container != nullptr && element.container != nullptr && step == element.step &&
