@@ -17,9 +17,9 @@ namespace asn1text {
 
 /// A timestamp of a log. Its octets are those of the list.
 struct SignedTimestamp {
-    Octets log;             ///< 32 octets
-    std::uint64_t time = 0; ///< milliseconds since 1970
-    Octets extensions;
+    Octets log;                  ///< 32 octets
+    std::uint64_t time = 0;      ///< milliseconds since 1970
+    Octets extensions;           ///< those of the log, mostly none
     unsigned char hash = 0;      ///< HashAlgorithm of TLS (RFC 5246, 7.4.1.4.1)
     unsigned char signature = 0; ///< SignatureAlgorithm of TLS
     Octets value;                ///< the signature
