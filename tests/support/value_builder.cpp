@@ -21,7 +21,7 @@ using namespace asn1data;
 
 namespace {
 
-enum : unsigned { DeepEnough = 6, Unreachable = 1000 };
+enum : unsigned { DeepEnough = 6, FarEnough = 64, Unreachable = 1000 };
 
 template <class T>
 T& at(void* record, unsigned offset) {
@@ -101,6 +101,10 @@ template <class T>
 T* ValueBuilder::allocate(std::size_t count) {
     void* block = rtMemHeapAllocZ(&ctxt_->memHeap, static_cast<int>(count * sizeof(T)));
     return static_cast<T*>(made(block));
+}
+
+bool ValueBuilder::canBuild(const TypeDescription& type) {
+    return shallowest(type, FarEnough) < Unreachable;
 }
 
 void* ValueBuilder::build(const TypeDescription& type) {
@@ -312,7 +316,8 @@ void ValueBuilder::fillRecord(const TypeDescription& type, void* record) {
         const ElementDescription& element = type.elements[i];
         if (element.presence == Presence::Optional) {
             const bool tooDeep = depth_ > DeepEnough && shallowest(*element.type, DeepEnough) > 1;
-            if (tooDeep || isTakenForAnother(type, i, record) || chance(40)) {
+            if (tooDeep || !canBuild(*element.type) || isTakenForAnother(type, i, record) ||
+                chance(40)) {
                 continue;
             }
         }
@@ -380,7 +385,7 @@ void ValueBuilder::resolveSlot(const ObjectDescription& object, Asn1TObject& slo
 
 void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
     unsigned selector = below(type.elementCount);
-    if (depth_ > DeepEnough) {
+    if (depth_ > DeepEnough || !canBuild(*type.elements[selector].type)) {
         for (unsigned i = 0; i < type.elementCount; ++i) {
             if (shallowest(*type.elements[i].type, DeepEnough) <
                 shallowest(*type.elements[selector].type, DeepEnough)) {
@@ -406,7 +411,8 @@ void ValueBuilder::fillChoice(const TypeDescription& type, void* record) {
 
 void ValueBuilder::fillList(const TypeDescription& type, const Constraint& constraint,
                             Asn1RTDList& list) {
-    for (unsigned count = size(constraint, depth_ > DeepEnough ? 0 : 3, 1000); count-- > 0;) {
+    const bool few = depth_ > DeepEnough || !canBuild(*type.element);
+    for (unsigned count = size(constraint, few ? 0 : 3, 1000); count-- > 0;) {
         fill(*type.element, type.element->constraint, made(builder_.append(type, &list)));
     }
 }
@@ -414,8 +420,8 @@ void ValueBuilder::fillList(const TypeDescription& type, const Constraint& const
 void ValueBuilder::fillArray(const TypeDescription& type, const Constraint& constraint,
                              void* value) {
     const bool fixed = type.shape == Shape::FixedArray;
-    for (unsigned count =
-             size(constraint, depth_ > DeepEnough ? 0 : 4, fixed ? type.capacity : 1000);
+    const bool few = depth_ > DeepEnough || !canBuild(*type.element);
+    for (unsigned count = size(constraint, few ? 0 : 4, fixed ? type.capacity : 1000);
          count-- > 0;) {
         fill(*type.element, type.element->constraint, made(builder_.append(type, value)));
     }

@@ -25,7 +25,11 @@ public:
     ValueBuilder(ASN1CTXT* ctxt, Random random)
         : ctxt_(ctxt), builder_(ctxt), random_(std::move(random)) {}
 
+    /// Whether a type has values that end, as far as can be seen.
+    static bool canBuild(const asn1data::TypeDescription& type);
+
     /// A new record of the type on the context's heap.
+    /// @param type that can be built
     void* build(const asn1data::TypeDescription& type);
 
 private:
