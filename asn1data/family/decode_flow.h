@@ -9,6 +9,7 @@
 #include <brevantis/asn1/runtime/element_walk.h>
 #include <brevantis/asn1/runtime/tag_length.h>
 
+#include "tag_match.h"
 #include "value_access.h"
 
 // How the octets of a message are read by the description of its type: which element may begin
@@ -40,7 +41,6 @@ template <class Sink>
 struct DecodeFlow {
     using Value = typename Sink::Value;
 
-    enum : unsigned char { LongTag = 0x1F };
     enum : unsigned { MaximumListCount = 0x7FFFFFFEu };
 
     /// The contents octets of a constructed value, from where the position stands now. What
@@ -137,63 +137,6 @@ struct DecodeFlow {
             return sink.fail(status, {});
         }
         return sink.withinConstraint(*element.type, value, element.constraint, element.parameter);
-    }
-
-    /// Whether the octet at the position can begin the element. A context tag counts in either
-    /// form.
-    static bool beginsHere(const ASN1CTXT* ctxt, const ElementDescription& element) {
-        // Kept: a tag in the other form matches here, and in a SET or a CHOICE it does not.
-        const unsigned char octet = ctxt->buffer.data[ctxt->buffer.byteIndex];
-        const bool begins = element.tagging == Tagging::Untagged
-                                ? element.type->identifiers.contains(octet)
-                                : ((octet ^ element.identifier) & FormMask) == 0;
-        return begins && (!isLong(octet) || longTagBeginsHere(ctxt, element));
-    }
-
-    /// Tags above 30 share their first octet (X.690, 8.1.2.4).
-    static constexpr bool isLong(unsigned char octet) { return (octet & LongTag) == LongTag; }
-
-    /// The same by the whole tag. One that cannot be read is left to whoever reads the element.
-    [[gnu::noinline]] static bool longTagBeginsHere(const ASN1CTXT* ctxt,
-                                                    const ElementDescription& element) {
-        const ASN1Buffer& buffer = ctxt->buffer;
-        ASN1TAG tag = 0;
-        for (unsigned i = buffer.byteIndex + 1; i < buffer.size; ++i) {
-            const unsigned char octet = buffer.data[i];
-            tag = tag << 7 | (octet & 0x7Fu);
-            if (octet < 0x80) {
-                const ASN1TAG first = buffer.data[buffer.byteIndex] & 0xE0u;
-                return beginsWith(element, first << 24 | (tag & 0x1FFFFFFFu));
-            }
-        }
-        return true;
-    }
-    static bool isSameTag(ASN1TAG first, ASN1TAG second) {
-        return ((first ^ second) & ~ASN1TAG{ASN1TagConstructed}) == 0;
-    }
-    static bool beginsWith(const ElementDescription& element, ASN1TAG tag) {
-        return element.tagging == Tagging::Untagged ? beginsWith(*element.type, tag)
-                                                    : isSameTag(element.tag, tag);
-    }
-    static bool beginsWith(const TypeDescription& type, ASN1TAG tag) {
-        const ASN1TAG own = type.outerTag != 0 ? type.outerTag : type.tag;
-        if (own != 0 || type.shape != Shape::Choice) {
-            return own == 0 || isSameTag(own, tag);
-        }
-        for (unsigned i = 0; i < type.elementCount; ++i) {
-            if (beginsWith(type.elements[i], tag)) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    /// Reads a tag above 30 and the length behind it.
-    [[gnu::noinline]] static int readLongTag(ASN1CTXT* ctxt, ASN1TAG tag, int& length) {
-        ASN1TAG found = 0;
-        const int status = xd_tag_len(ctxt, &found, &length, ASN1MatchAdvance);
-        return status == ASN1S_SUCCESS && !isSameTag(found, tag) ? int{ASN1S_TAG_NOT_FOUND}
-                                                                 : status;
     }
 
     /// Elements behind the known ones, kept as they are.
@@ -321,31 +264,6 @@ struct DecodeFlow {
         while (i + 1 < type.elementCount &&
                (seen.has(i) || type.elements[i].presence != Presence::Mandatory)) {
             ++i;
-        }
-        return i;
-    }
-
-    /// The member of a SET or the alternative of a CHOICE that has no tag to compare and can begin
-    /// with this one.
-    static bool mayBegin(const ElementDescription& element, unsigned char octet, ASN1TAG tag) {
-        return element.type->identifiers.contains(octet) &&
-               (!isLong(octet) || beginsWith(*element.type, tag));
-    }
-
-    /// The member that has this tag, or none to compare and may begin with it.
-    /// @return the number of elements when there is none
-    static unsigned memberWith(const TypeDescription& type, unsigned char octet, ASN1TAG tag) {
-        unsigned i = 0;
-        while (i < type.elementCount &&
-               (tag != type.elements[i].matchTag || type.elements[i].matchTag == 0)) {
-            ++i;
-        }
-        if (i == type.elementCount) {
-            i = 0;
-            while (i < type.elementCount &&
-                   (type.elements[i].matchTag != 0 || !mayBegin(type.elements[i], octet, tag))) {
-                ++i;
-            }
         }
         return i;
     }

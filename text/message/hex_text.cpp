@@ -3,19 +3,13 @@
 #include <algorithm>
 #include <cctype>
 
+#include "value/blanks.h"
+
 namespace asn1text {
 
 namespace {
 
-constexpr std::string_view Blanks = " \t\r\n\v\f";
 constexpr std::string_view HexDigits = "0123456789abcdefABCDEF";
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(Blanks);
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(Blanks) + 1 - first);
-}
 
 std::string_view takeLine(std::string_view& text) {
     const std::size_t end = std::min(text.find('\n'), text.size());

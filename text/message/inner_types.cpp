@@ -9,6 +9,8 @@
 #include <brevantis/asn1/text/types.h>
 #include <brevantis/asn1/text/value.h>
 
+#include "names/encoded_identifier.h"
+
 namespace asn1text {
 
 namespace {
@@ -53,17 +55,8 @@ constexpr Row Rows[] = {
 
 /// The identifier that octets begin with.
 std::optional<ASN1OBJID> identifierIn(Octets octets) {
-    class Identifier : public asn1data::WalkVisitor {
-    public:
-        asn1data::WalkAction primitive(const WalkElement& element) override {
-            found = *element.value.identifier;
-            return asn1data::WalkAction::Continue;
-        }
-        std::optional<ASN1OBJID> found;
-    };
-    Identifier visitor;
-    asn1data::walk(asn1data::builtin::objectIdentifier, octets.data(), octets.size(), visitor);
-    return visitor.found;
+    ASN1OBJID identifier{};
+    return readEncoded(octets, identifier) != 0 ? std::optional(identifier) : std::nullopt;
 }
 
 /// Whether the first identifier in octets, however deep, has arcs as a row tells.

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "value/blanks.h"
+
 namespace asn1text::pem {
 namespace {
 
 constexpr std::string_view BeginMark = "-----BEGIN ";
 constexpr std::string_view EndMark = "-----END ";
 constexpr std::string_view MarkTail = "-----";
-constexpr std::string_view Blanks = " \t\r\n\v\f";
 
 bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;

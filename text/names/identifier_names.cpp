@@ -4,40 +4,17 @@
 #include <optional>
 #include <utility>
 
-#include <brevantis/asn1/asn1data/describe.h>
-#include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/text/octets.h>
+
+#include "encoded_identifier.h"
+#include "value/blanks.h"
 
 namespace asn1text {
 
 namespace {
 
-constexpr std::string_view Blanks = " \t\r\n\v\f";
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(Blanks);
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(Blanks) + 1 - first);
-}
-
-/// The identifier that octets encode.
-bool readEncoded(const OctetStore& octets, ASN1OBJID& identifier) {
-    class Identifier : public asn1data::WalkVisitor {
-    public:
-        explicit Identifier(ASN1OBJID& found) : found_(found) {}
-        asn1data::WalkAction primitive(const asn1data::WalkElement& element) override {
-            found_ = *element.value.identifier;
-            return asn1data::WalkAction::Continue;
-        }
-
-    private:
-        ASN1OBJID& found_;
-    };
-    Identifier visitor(identifier);
-    const asn1data::WalkResult result =
-        asn1data::walk(asn1data::builtin::objectIdentifier, octets.data(), octets.size(), visitor);
-    return result.status == 0 && result.consumed == octets.size();
+bool isEncoded(const OctetStore& octets, ASN1OBJID& identifier) {
+    return !octets.empty() && readEncoded(octets, identifier) == octets.size();
 }
 
 /// Reads "2 5 29 14", "2.5.29.14" or "06 03 55 1D 0E".
@@ -60,7 +37,7 @@ bool readArcs(std::string_view text, ASN1OBJID& identifier) {
         }
         text = trimmed(text.substr(end));
     }
-    return encoded ? readEncoded(octets, identifier) : readDotted(dots, identifier);
+    return encoded ? isEncoded(octets, identifier) : readDotted(dots, identifier);
 }
 
 /// A name without the arcs that may stand behind it, "subjectKeyIdentifier (2 5 29 14)".
