@@ -101,6 +101,21 @@ struct TagNode {
     }
 };
 
+/// Owns a node, or none; a copy has a copy of the node.
+template <class Node>
+class Owned : public std::unique_ptr<Node> {
+public:
+    using std::unique_ptr<Node>::unique_ptr;
+    // NOLINTNEXTLINE(google-explicit-constructor): as a unique_ptr takes another
+    Owned(std::unique_ptr<Node>&& node) noexcept : std::unique_ptr<Node>(std::move(node)) {}
+    Owned(const Owned& other)
+        : std::unique_ptr<Node>(other != nullptr ? std::make_unique<Node>(*other) : nullptr) {}
+    Owned(Owned&&) noexcept = default;
+    Owned& operator=(const Owned& other) { return *this = Owned(other); }
+    Owned& operator=(Owned&&) noexcept = default;
+    ~Owned() = default;
+};
+
 struct TypeNode;
 
 /// `({Set}{@field})`.
@@ -121,7 +136,7 @@ struct ComponentNode {
     std::string name;
     Location at;
     unsigned lastLine = 0;
-    std::unique_ptr<TypeNode> type;
+    Owned<TypeNode> type;
     bool optional = false;
     std::optional<ValueNode> defaultValue;
     bool extensionMarker = false; ///< `...`; nothing but the remarks counts then
@@ -166,16 +181,16 @@ struct TypeNode {
     std::string text;                   ///< Any: the notation
     std::vector<NamedNumber> names;
     std::vector<ComponentNode> components;
-    std::unique_ptr<TypeNode> element;
+    Owned<TypeNode> element;
     std::vector<RangeNode> sizes;
     std::vector<RangeNode> values;
     std::vector<ConstraintNode> further; ///< constraints that are no plain ranges
     std::string furtherText;             ///< they and what is not tested, as they stand
     Location constraintAt;
     std::optional<TableNode> table;
-    std::unique_ptr<TypeNode> containing; ///< of an OCTET STRING
-    bool automatic = false;               ///< the components take tags by their places
-    bool expanded = false;                ///< the resolver has been here
+    Owned<TypeNode> containing; ///< of an OCTET STRING
+    bool automatic = false;     ///< the components take tags by their places
+    bool expanded = false;      ///< the resolver has been here
 };
 
 /// A piece of the WITH SYNTAX of a class.
@@ -216,8 +231,8 @@ struct Assignment {
     Location at;
     unsigned lastLine = 0;
     std::vector<ParameterNode> parameters;
-    std::unique_ptr<TypeNode> type; ///< Type; governor of Value and Set
-    Tokens body;                    ///< Value, Set and what has parameters: the right-hand side
+    Owned<TypeNode> type; ///< Type; governor of Value and Set
+    Tokens body;          ///< Value, Set and what has parameters: the right-hand side
     std::vector<ClassFieldNode> fields;
     std::vector<SyntaxNode> syntax;
     std::vector<Remark*> remarks;

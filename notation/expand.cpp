@@ -11,64 +11,12 @@
 namespace notation {
 namespace {
 
-std::unique_ptr<TypeNode> clone(const std::unique_ptr<TypeNode>& node);
-
-ComponentNode clone(const ComponentNode& component) {
-    ComponentNode line;
-    line.name = component.name;
-    line.at = component.at;
-    line.lastLine = component.lastLine;
-    line.type = clone(component.type);
-    line.optional = component.optional;
-    line.defaultValue = component.defaultValue;
-    line.extensionMarker = component.extensionMarker;
-    line.componentsOf = component.componentsOf;
-    line.addition = component.addition;
-    line.remarks = component.remarks;
-    line.comment = component.comment;
-    return line;
-}
-
-std::unique_ptr<TypeNode> clone(const TypeNode& node) {
-    auto copy = std::make_unique<TypeNode>();
-    copy->kind = node.kind;
-    copy->at = node.at;
-    copy->scope = node.scope;
-    copy->tag = node.tag;
-    copy->reference = node.reference;
-    copy->module = node.module;
-    copy->arguments = node.arguments;
-    copy->className = node.className;
-    copy->fieldName = node.fieldName;
-    copy->fieldPath = node.fieldPath;
-    copy->text = node.text;
-    copy->names = node.names;
-    for (const ComponentNode& component : node.components) {
-        copy->components.push_back(clone(component));
-    }
-    copy->element = clone(node.element);
-    copy->sizes = node.sizes;
-    copy->values = node.values;
-    copy->further = node.further;
-    copy->furtherText = node.furtherText;
-    copy->constraintAt = node.constraintAt;
-    copy->table = node.table;
-    copy->containing = clone(node.containing);
-    copy->automatic = node.automatic;
-    copy->expanded = node.expanded;
-    return copy;
-}
-
-std::unique_ptr<TypeNode> clone(const std::unique_ptr<TypeNode>& node) {
-    return node != nullptr ? clone(*node) : nullptr;
-}
-
 bool isConstrained(const TypeNode& node) {
     return !node.sizes.empty() || !node.values.empty();
 }
 
 /// Puts a tag in front of a type, outside one that it has.
-void addTag(std::unique_ptr<TypeNode>& node, const TagNode& tag) {
+void addTag(Owned<TypeNode>& node, const TagNode& tag) {
     if (node->tag) {
         auto outer = std::make_unique<TypeNode>();
         outer->kind = TypeNode::Tagged;
@@ -96,7 +44,7 @@ std::size_t piecesOf(const TypeNode& node) {
 
 } // namespace
 
-void Resolver::expand(std::unique_ptr<TypeNode>& node) {
+void Resolver::expand(Owned<TypeNode>& node) {
     if (node == nullptr || node->expanded) {
         return;
     }
@@ -151,14 +99,14 @@ void Resolver::expand(std::unique_ptr<TypeNode>& node) {
 
 // A template's right-hand side takes the place of its name, as if it had been written there: so
 // the usual rules name what is hoisted, and each place gets a type of its own.
-void Resolver::expandTemplate(std::unique_ptr<TypeNode>& node, const Symbol& symbol) {
+void Resolver::expandTemplate(Owned<TypeNode>& node, const Symbol& symbol) {
     if (!evaluating_.insert(symbol.assignment).second) {
         diagnostics_.error(node->at, "template '" + node->reference + "' holds itself");
         return;
     }
     expand(symbol.assignment->type);
     evaluating_.erase(symbol.assignment);
-    std::unique_ptr<TypeNode> copy = clone(symbol.assignment->type);
+    Owned<TypeNode> copy = symbol.assignment->type;
     if (isConstrained(*node) || (node->tag && copy->tag)) {
         diagnostics_.error(node->at, "a constraint or a second tag on a template is not supported");
     }
@@ -170,7 +118,7 @@ void Resolver::expandTemplate(std::unique_ptr<TypeNode>& node, const Symbol& sym
 }
 
 // `alternative < Choice`: X.680, clause 30.
-void Resolver::expandSelection(std::unique_ptr<TypeNode>& node) {
+void Resolver::expandSelection(Owned<TypeNode>& node) {
     const TypeNode* choice = structureOf(*node->element);
     const ComponentNode* found = nullptr;
     if (choice != nullptr && choice->kind == TypeNode::Choice) {
@@ -184,7 +132,7 @@ void Resolver::expandSelection(std::unique_ptr<TypeNode>& node) {
         node->kind = TypeNode::Null;
         return;
     }
-    std::unique_ptr<TypeNode> copy = clone(*found->type);
+    Owned<TypeNode> copy = found->type;
     copy->at = node->at;
     expand(copy);
     if (node->tag) {
@@ -222,13 +170,13 @@ const ClassFieldNode* Resolver::fieldOf(const TypeNode& node) {
 }
 
 // A value of a field, or of a set of values, has the type that the class gives it.
-void Resolver::expandField(std::unique_ptr<TypeNode>& node) {
+void Resolver::expandField(Owned<TypeNode>& node) {
     const ClassFieldNode* field = fieldOf(*node);
     if (field == nullptr || field->governor == nullptr ||
         (field->governor->kind == TypeNode::ObjectIdentifier && node->fieldPath.empty())) {
         return;
     }
-    std::unique_ptr<TypeNode> copy = clone(*field->governor);
+    Owned<TypeNode> copy = std::make_unique<TypeNode>(*field->governor);
     copy->at = node->at;
     if (node->tag) {
         addTag(copy, *node->tag);
@@ -321,7 +269,7 @@ void Resolver::spliceComponents(TypeNode& node) {
                 if (!spend(piecesOf(*component.type), line.at)) {
                     break;
                 }
-                lines.push_back(clone(component));
+                lines.push_back(component);
                 lines.back().addition = line.addition;
             }
         }

@@ -193,7 +193,7 @@ struct Object {
     Module* module = nullptr;
     std::vector<unsigned> arcs;
     Type* type = nullptr;
-    std::unique_ptr<TypeNode> typeNode;
+    Owned<TypeNode> typeNode;
     enum { Declared, Resolving, Resolved } state = Declared;
 };
 

@@ -146,29 +146,24 @@ bool Parser::parseContaining(TypeNode& type) {
 
 ConstraintNode Parser::parseUnion() {
     const Level level(*this);
-    ConstraintNode first = parseIntersection();
-    if (!peek().is("|") && !peek().is("UNION")) {
-        return first;
-    }
-    ConstraintNode all;
-    all.kind = ConstraintNode::Union;
-    all.parts.push_back(std::move(first));
-    while (accept("|") || accept("UNION")) {
-        all.parts.push_back(parseIntersection());
-    }
-    return all;
+    return parseChain(ConstraintNode::Union, "|", "UNION", &Parser::parseIntersection);
 }
 
 ConstraintNode Parser::parseIntersection() {
-    ConstraintNode first = parseExclusion();
-    if (!peek().is("^") && !peek().is("INTERSECTION")) {
+    return parseChain(ConstraintNode::Intersection, "^", "INTERSECTION", &Parser::parseExclusion);
+}
+
+ConstraintNode Parser::parseChain(ConstraintNode::Kind kind, const char* sign, const char* word,
+                                  ConstraintNode (Parser::*parsePart)()) {
+    ConstraintNode first = (this->*parsePart)();
+    if (!peek().is(sign) && !peek().is(word)) {
         return first;
     }
     ConstraintNode all;
-    all.kind = ConstraintNode::Intersection;
+    all.kind = kind;
     all.parts.push_back(std::move(first));
-    while (accept("^") || accept("INTERSECTION")) {
-        all.parts.push_back(parseExclusion());
+    while (accept(sign) || accept(word)) {
+        all.parts.push_back((this->*parsePart)());
     }
     return all;
 }

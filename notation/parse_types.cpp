@@ -81,7 +81,7 @@ TagNode Parser::parseTag() {
     return tag;
 }
 
-std::unique_ptr<TypeNode> Parser::parseType() {
+Owned<TypeNode> Parser::parseType() {
     const Level level(*this);
     if (!peek().is("[")) {
         return parsePlainType();
@@ -89,7 +89,7 @@ std::unique_ptr<TypeNode> Parser::parseType() {
     const Location at = peek().at;
     const ModuleNode* const home = scope();
     const TagNode tag = parseTag();
-    std::unique_ptr<TypeNode> type;
+    Owned<TypeNode> type;
     if (peek().is("[")) {
         type = std::make_unique<TypeNode>();
         type->kind = TypeNode::Tagged;
@@ -103,7 +103,7 @@ std::unique_ptr<TypeNode> Parser::parseType() {
     return type;
 }
 
-std::unique_ptr<TypeNode> Parser::parsePlainType() {
+Owned<TypeNode> Parser::parsePlainType() {
     auto type = std::make_unique<TypeNode>();
     type->at = peek().at;
     type->scope = scope();

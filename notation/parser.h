@@ -24,7 +24,7 @@ public:
     bool atEnd() const { return peek().kind == Token::End; }
     std::size_t position() const { return next_; }
 
-    std::unique_ptr<TypeNode> parseType();
+    Owned<TypeNode> parseType();
     ValueNode parseValue();
     /// Reads `CLASS { ... }`.
     void parseClass(Assignment& assignment);
@@ -69,7 +69,7 @@ private:
     std::string textFrom(std::size_t first) const;
 
     TagNode parseTag();
-    std::unique_ptr<TypeNode> parsePlainType();
+    Owned<TypeNode> parsePlainType();
     void parseWord(TypeNode& type);
     void parseReference(TypeNode& type, const Token& word);
     void parseFieldNames(TypeNode& type);
@@ -84,6 +84,9 @@ private:
     bool parsePlainRanges(TypeNode& type);
     ConstraintNode parseUnion();
     ConstraintNode parseIntersection();
+    /// Parts with a sign, or the word for it, between them; a single part is itself.
+    ConstraintNode parseChain(ConstraintNode::Kind kind, const char* sign, const char* word,
+                              ConstraintNode (Parser::*parsePart)());
     ConstraintNode parseExclusion();
     ConstraintNode parseConstraintElement();
     RangeNode parseRange();

@@ -36,7 +36,7 @@ std::optional<unsigned> knownArc(const std::vector<unsigned>& before, const std:
 /// What WITH SYNTAX matched of an object.
 struct ObjectFields {
     std::map<std::string, ValueNode> values;
-    std::map<std::string, std::unique_ptr<TypeNode>> types;
+    std::map<std::string, Owned<TypeNode>> types;
 };
 
 bool stands(const SyntaxNode& word, const Parser& parser) {

@@ -49,7 +49,7 @@ private:
     };
     /// A use of a type with parameters.
     struct Instance {
-        std::unique_ptr<TypeNode> node;
+        Owned<TypeNode> node;
         Type* type = nullptr;
     };
 
@@ -73,10 +73,10 @@ private:
     void separateNames();
 
     // expansion
-    void expand(std::unique_ptr<TypeNode>& node);
-    void expandTemplate(std::unique_ptr<TypeNode>& node, const Symbol& symbol);
-    void expandSelection(std::unique_ptr<TypeNode>& node);
-    void expandField(std::unique_ptr<TypeNode>& node);
+    void expand(Owned<TypeNode>& node);
+    void expandTemplate(Owned<TypeNode>& node, const Symbol& symbol);
+    void expandSelection(Owned<TypeNode>& node);
+    void expandField(Owned<TypeNode>& node);
     void spliceComponents(TypeNode& node);
     bool spend(std::size_t pieces, const Location& at);
     void tagAutomatically(TypeNode& node);

@@ -106,6 +106,7 @@ private:
     bool value(const Token& token);
     bool open(FrameKind kind, const Target& target);
     bool beginRoot(const std::string& key);
+    bool openObject(const Target& target, const Token& token);
 
     bool keyOfEnvelope(const std::string& name);
     bool keyOfRecord(Frame& frame, const std::string& name);
@@ -269,9 +270,10 @@ bool Reader::start_object(std::size_t /*size*/) {
         return openValue(frames_.back(), token);
     }
     Target target;
-    if (!takeTarget(token, target)) {
-        return false;
-    }
+    return takeTarget(token, target) && openObject(target, token);
+}
+
+bool Reader::openObject(const Target& target, const Token& token) {
     switch (asn1data::kindOf(target.type->shape)) {
     case ShapeKind::Record:
         return open(FrameKind::Record, target);
@@ -344,20 +346,7 @@ bool Reader::beginRoot(const std::string& key) {
     if (key == "file") {
         return open(FrameKind::Envelope, {});
     }
-    switch (asn1data::kindOf(root_.type->shape)) {
-    case ShapeKind::Record:
-        return open(FrameKind::Record, root_);
-    case ShapeKind::Choice:
-        return open(FrameKind::Choice, root_);
-    case ShapeKind::Repeated:
-        break;
-    default:
-        if (!fieldNames(*root_.type).empty()) {
-            return open(FrameKind::Fields, root_);
-        }
-        break;
-    }
-    return failWith(root_, {Token::Kind::Object});
+    return openObject(root_, {Token::Kind::Object});
 }
 
 bool Reader::key(const string_t& name) {
