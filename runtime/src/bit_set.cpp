@@ -103,6 +103,14 @@ int ASN1CBitStr::checkRange(unsigned int from, unsigned int to) const {
     return from > to ? fail(ASN1S_RANGE_ERROR) : 0;
 }
 
+int ASN1CBitStr::makeRoom(unsigned int bit) {
+    // The very last number has no count above it.
+    if (bit > maxNumBits || bit == Unlimited) {
+        return fail(ASN1S_OUT_OF_BOUNDS);
+    }
+    return checkCapacity(static_cast<int>(bit / 8) + 1);
+}
+
 int ASN1CBitStr::makeRoom(unsigned int from, unsigned int to) {
     const int status = checkRange(from, to);
     return status != 0 ? status : checkCapacity(static_cast<int>(octetsOfBits(to)));
@@ -148,12 +156,7 @@ void ASN1CBitStr::recalculateUnitsUsed() {
 }
 
 int ASN1CBitStr::set(unsigned int bit) {
-    // The very last number has no count above it.
-    if (bit > maxNumBits || bit == Unlimited) {
-        return fail(ASN1S_OUT_OF_BOUNDS);
-    }
-    const int status = checkCapacity(static_cast<int>(bit / 8) + 1);
-    if (status != 0) {
+    if (const int status = makeRoom(bit)) {
         return status;
     }
     applyToRange(octets(), bit / 8 + 1, bit, bit + 1, withBits);
@@ -204,11 +207,7 @@ int ASN1CBitStr::clear(unsigned int from, unsigned int to) {
 }
 
 int ASN1CBitStr::invert(unsigned int bit) {
-    if (bit > maxNumBits || bit == Unlimited) {
-        return fail(ASN1S_OUT_OF_BOUNDS);
-    }
-    const int status = checkCapacity(static_cast<int>(bit / 8) + 1);
-    if (status != 0) {
+    if (const int status = makeRoom(bit)) {
         return status;
     }
     applyToRange(octets(), bit / 8 + 1, bit, bit + 1, withBitsInverted);

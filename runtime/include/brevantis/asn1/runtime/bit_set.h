@@ -211,6 +211,7 @@ public:
 private:
     int fail(int status) const;
     int checkRange(unsigned int from, unsigned int to) const;
+    int makeRoom(unsigned int bit);
     int makeRoom(unsigned int from, unsigned int to);
     unsigned char* octets() const;
     void releaseOwnMemory();
