@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 
 #include <brevantis/asn1/asn1data/describe.h>
 
@@ -33,6 +34,41 @@ const char* numberName(const TypeDescription& type, long long number) noexcept {
         }
     }
     return nullptr;
+}
+
+const char* universalTypeName(unsigned number) noexcept {
+    static constexpr const char* names[] = {nullptr,
+                                            "BOOLEAN",
+                                            "INTEGER",
+                                            "BIT STRING",
+                                            "OCTET STRING",
+                                            "NULL",
+                                            "OBJECT IDENTIFIER",
+                                            "ObjectDescriptor",
+                                            "EXTERNAL",
+                                            "REAL",
+                                            "ENUMERATED",
+                                            "EMBEDDED PDV",
+                                            "UTF8String",
+                                            "RELATIVE-OID",
+                                            "TIME",
+                                            nullptr,
+                                            "SEQUENCE",
+                                            "SET",
+                                            "NumericString",
+                                            "PrintableString",
+                                            "TeletexString",
+                                            "VideotexString",
+                                            "IA5String",
+                                            "UTCTime",
+                                            "GeneralizedTime",
+                                            "GraphicString",
+                                            "VisibleString",
+                                            "GeneralString",
+                                            "UniversalString",
+                                            "CHARACTER STRING",
+                                            "BMPString"};
+    return number < std::size(names) ? names[number] : nullptr;
 }
 
 } // namespace asn1data

@@ -65,42 +65,6 @@ void putPath(BoundedText& out, const WalkStep* step) {
     }
 }
 
-/// Names of the universal types by tag number (X.680, 8.4); null for one that has none here.
-const char* universalName(unsigned number) {
-    static const char* const names[] = {"end of contents",
-                                        "BOOLEAN",
-                                        "INTEGER",
-                                        "BIT STRING",
-                                        "OCTET STRING",
-                                        "NULL",
-                                        "OBJECT IDENTIFIER",
-                                        nullptr,
-                                        nullptr,
-                                        "REAL",
-                                        "ENUMERATED",
-                                        nullptr,
-                                        "UTF8String",
-                                        nullptr,
-                                        nullptr,
-                                        nullptr,
-                                        "SEQUENCE",
-                                        "SET",
-                                        "NumericString",
-                                        "PrintableString",
-                                        "TeletexString",
-                                        nullptr,
-                                        "IA5String",
-                                        "UTCTime",
-                                        "GeneralizedTime",
-                                        nullptr,
-                                        "VisibleString",
-                                        "GeneralString",
-                                        "UniversalString",
-                                        nullptr,
-                                        "BMPString"};
-    return number < sizeof names / sizeof names[0] ? names[number] : nullptr;
-}
-
 void putTag(BoundedText& out, ASN1TAG tag) {
     static const char* const classes[] = {"UNIVERSAL ", "APPLICATION ", "", "PRIVATE "};
     out << "[" << classes[tag >> 30] << static_cast<long long>(tag & ASN1TagNumberMask) << "]";
@@ -113,7 +77,8 @@ void putType(BoundedText& out, const TypeDescription& type) {
     if (tag == 0) {
         return;
     }
-    const char* const universal = tag >> 30 == 0 ? universalName(tag & ASN1TagNumberMask) : nullptr;
+    const char* const universal =
+        tag >> 30 == 0 ? universalTypeName(tag & ASN1TagNumberMask) : nullptr;
     if (universal != nullptr && std::strcmp(universal, type.name) != 0) {
         out << " " << universal;
     }
@@ -265,7 +230,9 @@ void putFound(BoundedText& out, const WalkFailure& failure) {
         break;
     case Finding::Identifier: {
         const auto octet = static_cast<unsigned>(failure.foundNumber);
-        const char* const name = octet < 0x40 ? universalName(octet & 0x1Fu) : nullptr;
+        const char* const name = octet == 0     ? "end of contents"
+                                 : octet < 0x40 ? universalTypeName(octet & 0x1Fu)
+                                                : nullptr;
         out << "tag ";
         out.octet(octet);
         if (name != nullptr) {

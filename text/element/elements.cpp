@@ -17,45 +17,8 @@ constexpr std::size_t EndOfContents = 2;
 constexpr unsigned DeepestGuess = 64;
 constexpr unsigned DeepestNesting = 200; // of elements that anybody looks at
 
-/// Names of the universal tags (X.680, 8.4); null where none is in use.
-constexpr const char* UniversalNames[] = {nullptr,
-                                          "BOOLEAN",
-                                          "INTEGER",
-                                          "BIT STRING",
-                                          "OCTET STRING",
-                                          "NULL",
-                                          "OBJECT IDENTIFIER",
-                                          "ObjectDescriptor",
-                                          "EXTERNAL",
-                                          "REAL",
-                                          "ENUMERATED",
-                                          "EMBEDDED PDV",
-                                          "UTF8String",
-                                          "RELATIVE-OID",
-                                          "TIME",
-                                          nullptr,
-                                          "SEQUENCE",
-                                          "SET",
-                                          "NumericString",
-                                          "PrintableString",
-                                          "TeletexString",
-                                          "VideotexString",
-                                          "IA5String",
-                                          "UTCTime",
-                                          "GeneralizedTime",
-                                          "GraphicString",
-                                          "VisibleString",
-                                          "GeneralString",
-                                          "UniversalString",
-                                          "CHARACTER STRING",
-                                          "BMPString"};
-
-const char* universalName(unsigned number) {
-    return number < std::size(UniversalNames) ? UniversalNames[number] : nullptr;
-}
-
 bool isKnown(const PlainElement& element) {
-    return element.tagClass == 0 && universalName(element.number) != nullptr;
+    return element.tagClass == 0 && asn1data::universalTypeName(element.number) != nullptr;
 }
 
 /// Universal tags that are constructed in any encoding.
@@ -138,7 +101,7 @@ std::optional<PlainElement> firstElement(Octets octets) noexcept {
 std::string tagText(const PlainElement& element) {
     constexpr const char* classes[] = {"UNIVERSAL ", "APPLICATION ", "", "PRIVATE "};
     if (isKnown(element)) {
-        return universalName(element.number);
+        return asn1data::universalTypeName(element.number);
     }
     return "[" + (classes[element.tagClass] + std::to_string(element.number)) + "]";
 }

@@ -246,6 +246,11 @@ BREVANTIS_ASN1_API const char* identifierName(const ASN1OBJID& identifier) noexc
 /// @return a constant text; null when there is none
 BREVANTIS_ASN1_API const char* numberName(const TypeDescription& type, long long number) noexcept;
 
+/// Name of a universal type, of those too that no type of the catalogue is (X.680, 8.4).
+/// @param number of the tag, as 16 for "SEQUENCE"
+/// @return a constant text; null for 0, which is the end of contents, and for what is not in use
+BREVANTIS_ASN1_API const char* universalTypeName(unsigned number) noexcept;
+
 } // namespace asn1data
 
 #endif
