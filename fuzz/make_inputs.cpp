@@ -185,6 +185,7 @@ void addTexts(Seeds& seeds) {
         }
     }
     seeds.add("text", {7}, octetsOf("30 03 02 01 0A"));
+    seeds.add("text", {13}, octetsOf(R"(CN=\ a\2c b,OID.2.5.4.10=c\\+OU=d; 1.2.3=#0c0161 ,UID=e)"));
 }
 
 void addViewed(Seeds& seeds, const fs::path& directory) {

@@ -50,6 +50,27 @@ void readName(const std::string& text) {
     }
 }
 
+void readRfc4514(const std::string& text) {
+    CName name;
+    if (!succeeds([&] { name = fromRfc4514(text); })) {
+        return;
+    }
+    CBlob encoded;
+    CName decoded;
+    if (!succeeds([&] { encoded = name.encode(); }) ||
+        !succeeds([&] { decoded.decode(encoded); }) || decoded.encode() != encoded) {
+        fuzz::report("a name that is none");
+    }
+    std::string written;
+    // A string of a listed type may be damaged, and is then told.
+    if (succeeds([&] { written = toRfc4514(name); })) {
+        CName again;
+        if (!succeeds([&] { again = fromRfc4514(written); }) || toRfc4514(again) != written) {
+            fuzz::report("a name is read as another");
+        }
+    }
+}
+
 void readUtcTime(const std::string& text) {
     const HeapText given(text);
     ASN1TimeFields fields{};
@@ -283,6 +304,7 @@ constexpr void (*const readers[])(const std::string&) = {
     readCharacterString,
     readLanguage,
     readPem,
+    readRfc4514,
 };
 
 } // namespace

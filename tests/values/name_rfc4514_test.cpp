@@ -60,9 +60,15 @@ TEST(NameRfc4514, OrderIsThatOfTheEncoding) {
 }
 
 TEST(NameRfc4514, RefusesWhatIsNone) {
-    for (const char* text : {"x", "CN", "Nobody=x", "CN=a,", ",CN=a", "CN=a++O=b", "CN=a\\",
-                             "CN=\\g0", "CN=\\0", "CN=\"a\"", "CN=a<b", "CN=#", "CN=#0",
-                             "CN=#0c0161 x", "CN=\\00", "CN=\\ff", "1.2.=x", "OID.=x"}) {
+    for (const char* text :
+         {"x",       "CN",           "Nobody=x",     "CN=a,",    ",CN=a",        "CN=a++O=b",
+          "CN=a\\",  "CN=\\g0",      "CN=\\0",       "CN=\"a\"", "CN=a<b",       "CN=#",
+          "CN=#0",   "CN=#0c0161 x", "CN=#0c01\t61", "CN=#0c02", "CN=#0c016161", "CN=\\00",
+          "CN=\\ff", "1.2.=x",       "OID.=x"}) {
+        EXPECT_EQ(thrownCode([&] { fromRfc4514(text); }), E_INVALIDARG) << text;
+    }
+    using namespace std::string_view_literals;
+    for (const std::string_view text : {"CN=a\0"sv, "2.5.4.3\0=a"sv, "CN=#0c0161\0"sv}) {
         EXPECT_EQ(thrownCode([&] { fromRfc4514(text); }), E_INVALIDARG) << text;
     }
 }

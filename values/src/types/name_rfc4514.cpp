@@ -6,6 +6,7 @@
 #include <brevantis/asn1/values/types/attribute_register.h>
 #include <brevantis/asn1/values/types/character_string.h>
 #include <brevantis/asn1/values/util/object_identifier_text.h>
+#include <brevantis/asn1/values/util/one_element.h>
 #include <brevantis/asn1/values/util/utf8.h>
 #include <brevantis/support/error.h>
 
@@ -234,13 +235,13 @@ private:
     /// The octets behind a "#".
     CBlob encoding() {
         const std::size_t begin = ++at_;
-        while (!atSeparator() && here() != ' ') {
+        while (!atEnd() && digit(here()) >= 0) {
             ++at_;
         }
         CBlob octets;
         octets.readFromHexString(std::string(text_.substr(begin, at_ - begin)).c_str());
         skipBlanks();
-        if (octets.cbData() == 0 || !atSeparator()) {
+        if (!isOneElement(octets) || !atSeparator()) {
             refuse();
         }
         return octets;
@@ -270,7 +271,7 @@ private:
         if (atEnd()) {
             refuse();
         }
-        if (here() != '\0' && std::strchr(" #=\"+,;<>\\", here()) != nullptr) {
+        if (std::strchr(" #=\"+,;<>\\", here()) != nullptr) {
             return text_[at_++];
         }
         const int high = digit(here());
@@ -306,6 +307,10 @@ std::string toRfc4514(const CName& name) {
 }
 
 CName fromRfc4514(std::string_view text) {
+    // It would end what goes on as a C string.
+    if (text.find('\0') != std::string_view::npos) {
+        refuse();
+    }
     return Parser(text).name();
 }
 

@@ -25,7 +25,7 @@ BREVANTIS_ASN1_API std::string toRfc4514(const CName& name);
 /// A name from a text of RFC 4514. Types may be in either case, of the table or of CATAVRegister,
 /// or identifiers, with "OID." in front or without. Blanks around separators are no part of a value
 /// unless they are escaped. A text is encoded as the register tells, UTF8String where it tells
-/// nothing; a value that begins with "#" is the encoding itself.
+/// nothing; a value that begins with "#" is the encoding itself, one whole element.
 /// @return no relative names for the empty text
 /// @throws ATL::CAtlException with E_INVALIDARG for a text that is none: a type that is not known,
 ///         a missing "=", an escape that is none, octets that are no UTF-8, a character of value 0
