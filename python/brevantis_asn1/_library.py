@@ -108,6 +108,13 @@ def _types() -> Dict[str, int]:
         found[library.basn1_type_name(pointer).decode()] = pointer
 
 
+def _terminated(text: str) -> bytes:
+    """A text for C, where nothing may stand behind U+0000."""
+    if "\0" in text:
+        raise ValueError("U+0000 in " + repr(text))
+    return text.encode("utf-8")
+
+
 def _octets(octets: Octets) -> bytes:
     return octets if isinstance(octets, bytes) else bytes(octets)
 
@@ -140,7 +147,7 @@ class Handle:
         raise Asn1Error(whole, status, name, offset, path, expected, found)
 
     def add_schema(self, texts: Dict[str, str]) -> None:
-        coded = [(name.encode(), text.encode("utf-8")) for name, text in texts.items()]
+        coded = [(_terminated(name), text.encode("utf-8")) for name, text in texts.items()]
         files = (_SchemaText * len(coded))(*((name, text, len(text)) for name, text in coded))
         self._require(self._library.basn1_add_schema(self._handle, files, len(coded)))
         self.schemas += 1
@@ -157,7 +164,7 @@ class Handle:
     def _type(self, name: str) -> int:
         pointer = self._types.get(name)
         if pointer is None:
-            pointer = self._library.basn1_schema_type(self._handle, name.encode())
+            pointer = self._library.basn1_schema_type(self._handle, _terminated(name))
         if pointer is None:
             raise ValueError("there is no type " + repr(name))
         return pointer
@@ -175,7 +182,7 @@ class Handle:
                 self._handle,
                 message,
                 len(message),
-                label.encode() if label is not None else None,
+                _terminated(label) if label is not None else None,
                 byref(found),
             )
         )
@@ -192,16 +199,22 @@ class Handle:
         message = _octets(octets)
         self._set_policy(policy)
         pieces: List[bytes] = []
+        raised: List[BaseException] = []
 
         def write(_user: Optional[int], text: int, size: int) -> int:
-            pieces.append(ctypes.string_at(text, size))
-            return 0
+            # ctypes prints what is raised here, KeyboardInterrupt too, and goes on.
+            try:
+                pieces.append(ctypes.string_at(text, size))
+            except BaseException as error:
+                raised.append(error)
+            return len(raised)
 
-        self._require(
-            self._library.basn1_to_json(
-                self._handle, self._type(type), message, len(message), indented, _WRITE(write), None
-            )
+        status = self._library.basn1_to_json(
+            self._handle, self._type(type), message, len(message), indented, _WRITE(write), None
         )
+        if raised:
+            raise raised[0]
+        self._require(status)
         return b"".join(pieces).decode("ascii")
 
     def _take(self, octets: c_void_p, size: c_size_t) -> bytes:
@@ -240,7 +253,7 @@ class Handle:
                 self._type(type),
                 message,
                 len(message),
-                path.encode(),
+                _terminated(path),
                 byref(offset),
                 byref(length),
             )

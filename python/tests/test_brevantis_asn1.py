@@ -61,6 +61,31 @@ def test_elements():
     assert asn1.path_at(EXTENSION, 13, "Extension") == "extnValue.basicConstraints.cA"
 
 
+def test_elements_behind_and_in_what_is_broken():
+    broken = bytes.fromhex("3012 3009 0603551D13 04020100 3005 06012A 0400")
+    with pytest.raises(asn1.Asn1Error):
+        asn1.check(broken, "Extensions", policy=0x8)
+    assert asn1.path_at(broken, 11, "Extensions") == "[0].extnValue"
+    assert asn1.path_at(broken, 18, "Extensions") == "[1].extnValue"
+    assert asn1.find(broken, "[1].extnValue", "Extensions") == (18, 2)
+
+
+def test_what_a_callback_raises_comes_through(monkeypatch):
+    def interrupt(*_arguments):
+        raise KeyboardInterrupt
+
+    monkeypatch.setattr(asn1._library.ctypes, "string_at", interrupt)
+    with pytest.raises(KeyboardInterrupt):
+        asn1.to_json(EXTENSION, "Extension")
+
+
+def test_nothing_stands_behind_a_zero():
+    with pytest.raises(ValueError, match="U.0000"):
+        asn1.find(EXTENSION, "extnValue\0", "Extension")
+    with pytest.raises(ValueError, match="U.0000"):
+        asn1.check(EXTENSION, "Extension\0")
+
+
 def test_failures_carry_place_and_path():
     with pytest.raises(asn1.Asn1Error) as caught:
         asn1.encode("Extension", {"extnID": "2.5.29.19", "extnValue": 5})

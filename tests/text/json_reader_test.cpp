@@ -11,6 +11,7 @@
 #include "support/data_file.h"
 #include "support/failing_allocations.h"
 #include "support/hex.h"
+#include "support/json_identity.h"
 
 namespace {
 
@@ -53,6 +54,9 @@ TEST(JsonReader, TakesWhatIsWrittenByHand) {
         {"CRLReason", R"("0x01")", "0A 01 01"},
         {"CRLReason", R"({"name": "keyCompromise"})", "0A 01 01"},
         {"CRLReason", R"({"number": 7, "name": null})", "0A 01 07"},
+        {"TSTInfo_version", "1", "02 01 01"},
+        {"TSTInfo_version", R"("v1")", "02 01 01"},
+        {"TSTInfo_version", R"({"number": "0x0101", "name": null})", "02 02 01 01"},
         // Bits.
         {"KeyUsage", R"(["keyCertSign", "cRLSign"])", "03 02 01 06"},
         {"KeyUsage", R"({"names": ["digitalSignature"]})", "03 02 07 80"},
@@ -90,7 +94,7 @@ TEST(JsonReader, TakesWhatIsWrittenByHand) {
         // An object of the viewer.
         {"GeneralName",
          R"({"file": "-", "message": 1, "type": "GeneralName", "recognised": "as told", "size": 3,
-             "value": {"dNSName": "a"}, "later": [{"more": [1, {}]}]})",
+             "value": {"dNSName": "a"}, "later": [{"more": [1, 1.5, {}]}, 1e9], "later": 0.5})",
          "82 01 61"},
         {"GeneralName", "\xEF\xBB\xBF {\"dNSName\": \"a\"}", "82 01 61"},
     };
@@ -122,6 +126,20 @@ TEST(JsonReader, CountsLinesAndColumns) {
               "found a number");
     EXPECT_EQ(encoded("GeneralNames", "[{\"dNSName\": \"a\\\"]\"},\n 5]").substr(0, 25),
               "[1] at line 2, column 2: ");
+}
+
+TEST(JsonReader, TakesAnyNumberOfBitsWithTheirNames) {
+    OctetStore message = tests::fromHex("03822711 00");
+    message.resize(message.size() + 10000, 0x81);
+    tests::expectBackFromJson(*asn1data::findType("BasicNameForms"), message);
+}
+
+TEST(JsonReader, ReadsTheTextToItsLastOctet) {
+    using namespace std::string_view_literals;
+    for (const std::string_view behind : {"\0"sv, "\0[]"sv, "\0 "sv, " \0"sv}) {
+        EXPECT_EQ(encoded("GeneralNames", "[]" + std::string(behind)).substr(0, 10), "at line 1,")
+            << tests::toHex({behind.begin(), behind.end()});
+    }
 }
 
 TEST(JsonReader, KeepsToItsLimits) {

@@ -89,13 +89,14 @@ public:
     std::size_t largest = 0;
 };
 
+long residentKilobytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
 TEST(JsonWriter, TakesNoMemoryForLongStrings) {
     constexpr std::size_t size = 48 << 20;
-    const auto residentKilobytes = [] {
-        rusage usage{};
-        getrusage(RUSAGE_SELF, &usage);
-        return usage.ru_maxrss;
-    };
     // Two segments of half the size each.
     for (const char segment : {'\x04', '\x0c'}) {
         const bool octets = segment == '\x04';
@@ -115,6 +116,16 @@ TEST(JsonWriter, TakesNoMemoryForLongStrings) {
         EXPECT_LE(sink.largest, std::size_t{1} << 16);
         EXPECT_LT(residentKilobytes() - before, 8 << 10);
     }
+}
+
+TEST(JsonWriter, TakesNoMemoryForNamesOfBits) {
+    OctetStore message = fromHex("0383100001 00");
+    message.resize(message.size() + (1 << 20), 0x55);
+    const long before = residentKilobytes();
+    Counting sink;
+    EXPECT_EQ(writeJson(*asn1data::findType("BasicNameForms"), message, sink).status, 0);
+    EXPECT_GT(sink.total, std::size_t{40} << 20);
+    EXPECT_LT(residentKilobytes() - before, 8 << 10);
 }
 
 } // namespace

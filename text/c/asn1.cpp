@@ -532,10 +532,6 @@ int basn1_messages_open(basn1_handle* handle, const unsigned char* input, size_t
 
 int basn1_messages_next(basn1_messages* messages, const unsigned char** message, size_t* size,
                         const char** label) {
-    if (messages == nullptr) {
-        return ASN1S_INVALID_PARAMETER;
-    }
-    basn1_handle* const handle = messages->handle;
     if (message != nullptr) {
         *message = nullptr;
     }
@@ -545,6 +541,10 @@ int basn1_messages_next(basn1_messages* messages, const unsigned char** message,
     if (label != nullptr) {
         *label = "";
     }
+    if (messages == nullptr) {
+        return ASN1S_INVALID_PARAMETER;
+    }
+    basn1_handle* const handle = messages->handle;
     return guarded(handle, message != nullptr && size != nullptr, [&] {
         const auto found = messages->reader.next();
         if (!found) {

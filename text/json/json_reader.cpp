@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -42,6 +43,9 @@ enum class FrameKind : unsigned char {
     Skipped, ///< what is of no matter here
 };
 
+/// What is expected of a text, whatever it holds.
+constexpr const char* JsonText = "JSON (RFC 8259)";
+
 /// An object or array that is open.
 struct Frame {
     FrameKind kind;
@@ -67,7 +71,7 @@ public:
     Reader(ASN1CTXT* ctxt, const TypeDescription& type, std::string_view text, JsonFailure& failure,
            const JsonLimits& limits, const IdentifierNames& names)
         : builder_(ctxt), primitives_(builder_, *this, names), tokens_(text), failure_(failure),
-          limits_(limits) {
+          limits_(limits), rootPlace_(text) {
         root_.type = &type;
     }
 
@@ -85,7 +89,9 @@ public:
     bool number_unsigned(number_unsigned_t number) {
         return value({Token::Kind::Number, false, integerOf(false, number)});
     }
-    bool number_float(number_float_t /*number*/, const string_t& digits);
+    bool number_float(number_float_t /*number*/, const string_t& digits) {
+        return value({Token::Kind::OtherNumber, false, {}, &digits});
+    }
     bool string(const string_t& text) { return value({Token::Kind::Text, false, {}, &text}); }
     bool binary(const binary_t& /*octets*/) { return false; }
     bool start_object(std::size_t /*size*/);
@@ -129,8 +135,10 @@ private:
     JsonLimits limits_;
     std::vector<Frame> frames_;
     Target root_;
+    TokenPlace rootPlace_;  ///< where the outermost object begins
     Target next_;           ///< for the value of the key that was read last
-    bool hasValue_ = false; ///< the envelope had a value
+    bool hasType_ = false;  ///< the envelope had a type
+    bool hasValue_ = false; ///< and a value
 };
 
 bool Reader::fail(std::string expected, std::string found, int status) {
@@ -171,14 +179,7 @@ bool Reader::parse_error(std::size_t /*position*/, const std::string& /*token*/,
     const std::string_view token = tokens_.token();
     const bool open =
         !token.empty() && token.front() == '"' && (token.size() == 1 || token.back() != '"');
-    return fail("JSON (RFC 8259)", token.empty() || open ? "the end of the text" : inQuotes(token));
-}
-
-bool Reader::number_float(number_float_t /*number*/, const string_t& digits) {
-    tokens_.next();
-    const bool whole = digits.find_first_of(".eE") == std::string::npos;
-    return whole ? fail("a string for a number beyond 64 bits", digits)
-                 : fail("a number without fraction and exponent", digits);
+    return fail(JsonText, token.empty() || open ? "the end of the text" : inQuotes(token));
 }
 
 bool Reader::takeTarget(const Token& token, Target& target) {
@@ -239,7 +240,7 @@ bool Reader::value(const Token& token) {
         case FrameKind::Fields:
             return primitives_.fieldValue(token);
         case FrameKind::Names:
-            return primitives_.addName(token);
+            return primitives_.addName(frames_.back().target, token);
         case FrameKind::Skipped:
             return true;
         default:
@@ -254,6 +255,7 @@ bool Reader::start_object(std::size_t /*size*/) {
     tokens_.next();
     const Token token{Token::Kind::Object};
     if (frames_.empty()) {
+        rootPlace_ = tokens_;
         return open(FrameKind::Root, root_);
     }
     const FrameKind around = frames_.back().kind;
@@ -264,7 +266,7 @@ bool Reader::start_object(std::size_t /*size*/) {
         return primitives_.fieldValue(token);
     }
     if (around == FrameKind::Names) {
-        return primitives_.addName(token);
+        return primitives_.addName(frames_.back().target, token);
     }
     if (around == FrameKind::Open && next_.type == nullptr) {
         return openValue(frames_.back(), token);
@@ -308,7 +310,7 @@ bool Reader::start_array(std::size_t /*size*/) {
             return open(FrameKind::Names, frame.target);
         }
         if (frame.kind == FrameKind::Names) {
-            return primitives_.addName(token);
+            return primitives_.addName(frames_.back().target, token);
         }
         if (frame.kind == FrameKind::Open && next_.type == nullptr) {
             return openValue(frame, token);
@@ -346,7 +348,11 @@ bool Reader::beginRoot(const std::string& key) {
     if (key == "file") {
         return open(FrameKind::Envelope, {});
     }
-    return openObject(root_, {Token::Kind::Object});
+    // Where none is wanted, the place to tell is that of the object.
+    const TokenPlace place = std::exchange(tokens_, rootPlace_);
+    const bool good = openObject(root_, {Token::Kind::Object});
+    tokens_ = place;
+    return good;
 }
 
 bool Reader::key(const string_t& name) {
@@ -380,13 +386,15 @@ bool Reader::keyOfEnvelope(const std::string& name) {
     if (name == "path") {
         return fail("a whole message", "one element of it");
     }
-    if (name == "value") {
-        if (hasValue_) {
+    const bool isValue = name == "value";
+    if (isValue || name == "type") {
+        bool& has = isValue ? hasValue_ : hasType_;
+        if (has) {
             return failTwice(name);
         }
-        hasValue_ = true;
-        next_ = root_;
+        has = true;
     }
+    next_ = isValue ? root_ : Target();
     return true;
 }
 
@@ -489,7 +497,9 @@ bool Reader::agrees(const Frame& record, const ObjectDescription& object) const 
 bool Reader::keyOfOpen(Frame& frame, const std::string& name) {
     if (name == "hex" || name == "base64") {
         if (frame.object != nullptr || frame.trailing || frame.behind) {
-            return fail("either octets or a value", "both");
+            const std::string other = std::exchange(frame.key, {});
+            return fail("either octets or a value",
+                        "the key " + inQuotes(name) + " behind " + inQuotes(other));
         }
         frame.kind = FrameKind::Fields;
         primitives_.beginFields();
@@ -499,14 +509,20 @@ bool Reader::keyOfOpen(Frame& frame, const std::string& name) {
     const TypeDescription& record = *frame.target.record;
     if (name == "trailing" || name == "trailingHex") {
         if (record.table->value != OpenValue::OctetString) {
+            frame.key.clear();
             return fail("nothing behind a value that stands in no OCTET STRING",
                         "the key " + inQuotes(name));
         }
         const bool twice =
             name == "trailing" ? frame.trailing.has_value() : frame.behind.has_value();
-        return !twice || failTwice(name);
+        if (twice) {
+            frame.key.clear();
+            return failTwice(name);
+        }
+        return true;
     }
     if (frame.object != nullptr) {
+        frame.key.clear();
         return fail("one value", "the key " + inQuotes(name) + " behind it");
     }
     const asn1data::ObjectSetDescription& set = *record.table->objects;
@@ -642,7 +658,13 @@ void* Reader::run() {
         failOnMemory();
         return nullptr;
     }
-    return nlohmann::json::sax_parse(text.begin(), text.end(), this) ? root_.value : nullptr;
+    if (!nlohmann::json::sax_parse(text.begin(), text.end(), this)) {
+        return nullptr;
+    }
+    // The parser takes U+0000 for the end of the text.
+    tokens_.next();
+    const bool whole = tokens_.token().empty();
+    return whole || fail(JsonText, inQuotes(tokens_.token())) ? root_.value : nullptr;
 }
 
 } // namespace

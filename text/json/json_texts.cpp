@@ -8,7 +8,8 @@ namespace asn1text {
 
 namespace {
 
-constexpr std::string_view Blanks = " \t\r\n";
+/// What may stand between the tokens of JSON (RFC 8259, 2): less than other texts have.
+constexpr std::string_view JsonBlanks = " \t\r\n";
 
 /// Behind the string that a text begins with.
 std::size_t endOfString(std::string_view text) {
@@ -26,7 +27,7 @@ std::size_t endOfValue(std::string_view text) {
         const char character = text[place];
         if (character == '"') {
             place += endOfString(text.substr(place));
-        } else if (Blanks.find(character) != std::string_view::npos && open == 0) {
+        } else if (JsonBlanks.find(character) != std::string_view::npos && open == 0) {
             return place;
         } else {
             open += character == '{' || character == '[' ? 1U : 0U;
@@ -45,7 +46,7 @@ std::size_t endOfValue(std::string_view text) {
 std::vector<std::string_view> jsonValues(std::string_view text) {
     std::vector<std::string_view> values;
     for (;;) {
-        text.remove_prefix(std::min(text.find_first_not_of(Blanks), text.size()));
+        text.remove_prefix(std::min(text.find_first_not_of(JsonBlanks), text.size()));
         if (text.empty()) {
             return values;
         }

@@ -1,7 +1,5 @@
 #include <brevantis/asn1/text/json_writer.h>
 
-#include <limits>
-
 #include <brevantis/asn1/text/value.h>
 
 #include "encode_buffer.h"
@@ -51,15 +49,7 @@ void writeNumber(JsonStream& json, const WalkElement& element) {
     json.end();
 }
 
-void writeBigNumber(JsonStream& json, const WalkElement& element) {
-    const Octets contents(element.value.octets, element.value.octetCount);
-    const bool isUnsigned = element.type->shape == asn1data::Shape::BigUnsigned;
-    if (isUnsigned && !contents.empty() && (contents[0] & 0x80u) != 0) {
-        // A magnitude without the octet that makes it positive has another form with it.
-        writeHexObject(json, element);
-        return;
-    }
-    const Magnitude magnitude(contents, isUnsigned);
+void writeDigits(JsonStream& json, const Magnitude& magnitude) {
     if (const auto number = magnitude.within(LargestExact)) {
         json.number(*number);
         return;
@@ -79,6 +69,26 @@ void writeBigNumber(JsonStream& json, const WalkElement& element) {
     json.closeString();
 }
 
+void writeBigNumber(JsonStream& json, const WalkElement& element) {
+    const Octets contents(element.value.octets, element.value.octetCount);
+    const bool isUnsigned = element.type->shape == asn1data::Shape::BigUnsigned;
+    if (isUnsigned && !contents.empty() && (contents[0] & 0x80u) != 0) {
+        // A magnitude without the octet that makes it positive has another form with it.
+        writeHexObject(json, element);
+        return;
+    }
+    const Magnitude magnitude(contents, isUnsigned);
+    if (element.type->nameCount == 0) {
+        writeDigits(json, magnitude);
+        return;
+    }
+    const auto number = magnitude.within(LargestExact);
+    json.beginObject();
+    writeDigits(at(json, "number"), magnitude);
+    at(json, "name").stringOrNull(number ? asn1data::numberName(*element.type, *number) : nullptr);
+    json.end();
+}
+
 void writeIdentifier(JsonStream& json, const ASN1OBJID& identifier, const IdentifierNames& names) {
     json.beginObject();
     at(json, "oid").string(dottedText(identifier));
@@ -91,14 +101,8 @@ void writeBits(JsonStream& json, const WalkElement& element) {
     at(json, "bits").number(element.value.bitCount);
     writeHex(at(json, "hex"), element);
     if (element.type->nameCount != 0) {
-        constexpr std::size_t endless = std::numeric_limits<std::size_t>::max();
-        OctetStore store;
-        const Octets octets = valueOctets(element, endless, store);
         at(json, "names").beginArray();
-        for (const std::string& name :
-             bitNames(*element.type, octets, element.value.bitCount, endless)) {
-            json.string(name);
-        }
+        forEachSetBit(element, [&](std::size_t bit) { json.string(bitName(*element.type, bit)); });
         json.end();
     }
     json.end();

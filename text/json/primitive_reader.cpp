@@ -1,6 +1,7 @@
 #include "primitive_reader.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 
 #include <brevantis/asn1/asn1data/value_visit.h>
@@ -37,6 +38,17 @@ std::optional<long long> namedNumber(const TypeDescription& type, std::string_vi
         }
     }
     return std::nullopt;
+}
+
+/// The number in "bit 12", as bits without a name are called.
+std::optional<long long> numberedBit(std::string_view name) {
+    constexpr std::string_view prefix = "bit ";
+    const std::string_view digits = name.substr(std::min(prefix.size(), name.size()));
+    int bit = 0;
+    const auto [end, problem] = std::from_chars(digits.data(), digits.data() + digits.size(), bit);
+    const bool good = name.substr(0, prefix.size()) == prefix && problem == std::errc() &&
+                      end == digits.data() + digits.size();
+    return good ? std::optional<long long>(bit) : std::nullopt;
 }
 
 /// Writes a number where a machine word holds it.
@@ -102,7 +114,8 @@ bool PrimitiveReader::fieldValue(const Token& token) {
     }
     if (key == "number") {
         Integer number = token.number;
-        const char* const wanted = token.kind == Token::Kind::Number ? nullptr
+        const char* const wanted = token.kind == Token::Kind::Number        ? nullptr
+                                   : token.kind == Token::Kind::OtherNumber ? wantedNumber(token)
                                    : isText ? parseInteger(*token.text, number)
                                             : "a number";
         fields_.number = std::move(number);
@@ -145,11 +158,27 @@ void PrimitiveReader::beginNames() {
     fields_.names.emplace();
 }
 
-bool PrimitiveReader::addName(const Token& token) {
+bool PrimitiveReader::addName(const Target& target, const Token& token) {
+    const TypeDescription& type = *target.type;
     if (token.kind != Token::Kind::Text) {
         return fail("the name of a bit", foundText(token));
     }
-    fields_.names->push_back(*token.text);
+    std::optional<long long> bit = namedNumber(type, *token.text);
+    bit = bit ? bit : numberedBit(*token.text);
+    if (!bit || *bit < 0) {
+        return fail("one of " + numberNames(type), inQuotes(*token.text));
+    }
+    // A name alone does not ask for more memory than a text of its size may.
+    constexpr std::size_t mostBits = 0x10000;
+    const auto index = static_cast<std::size_t>(*bit);
+    NamedBits& named = *fields_.names;
+    if (index >= std::max(mostBits, fields_.octets ? fields_.octets->size() * 8 : 0)) {
+        return fail("the bits in hex in front of their names", inQuotes(*token.text));
+    }
+    named.octets.resize(std::max(named.octets.size(), index / 8 + 1));
+    named.octets[index / 8] =
+        static_cast<unsigned char>(named.octets[index / 8] | 0x80u >> index % 8);
+    named.count = std::max(named.count, index + 1);
     return true;
 }
 
@@ -158,25 +187,8 @@ bool PrimitiveReader::endFields(const Target& target) {
         return fail("one of " + fieldNames(*target.type), "the end of the object");
     };
     switch (valueKind(*target.type)) {
-    case ValueKind::Number: {
-        long long named = 0;
-        if (fields_.name && !readName(target, *fields_.name, named)) {
-            return false;
-        }
-        if (!fields_.number && !fields_.name) {
-            return missing();
-        }
-        const Integer number =
-            fields_.number
-                ? *fields_.number
-                : integerOf(named < 0, static_cast<std::uint64_t>(named < 0 ? -named : named));
-        long long told = 0;
-        if (fields_.name && (!number.within(named, named, told))) {
-            return fail("the number " + std::to_string(named) + " for " + *fields_.name,
-                        "another one");
-        }
-        return setNumber(target, number, "the number");
-    }
+    case ValueKind::Number:
+        return fields_.number || fields_.name ? setNamedNumber(target) : missing();
     case ValueKind::Identifier: {
         ASN1OBJID named{};
         const bool known = fields_.name && names_.find(*fields_.name, named);
@@ -196,14 +208,38 @@ bool PrimitiveReader::endFields(const Target& target) {
     case ValueKind::Bits:
         return fields_.octets || fields_.names ? setBits(target) : missing();
     case ValueKind::BigNumber:
-        if (!fields_.octets || fields_.octets->empty()) {
+        if (fields_.number || fields_.name) {
+            return fields_.octets ? fail("either a number or octets", "both")
+                                  : setNamedNumber(target);
+        }
+        if (!fields_.octets) {
             return missing();
+        }
+        if (fields_.octets->empty()) {
+            return fail("at least one octet", "none");
         }
         return check(builder_.setInteger(*target.type, target.value, fields_.octets->data(),
                                          fields_.octets->size()));
     default:
         return fields_.octets ? setOctets(target, *fields_.octets, 0, "octets") : missing();
     }
+}
+
+bool PrimitiveReader::setNamedNumber(const Target& target) {
+    long long named = 0;
+    if (fields_.name && !readName(target, *fields_.name, named)) {
+        return false;
+    }
+    const Integer number =
+        fields_.number
+            ? *fields_.number
+            : integerOf(named < 0, static_cast<std::uint64_t>(named < 0 ? -named : named));
+    long long told = 0;
+    if (fields_.name && !number.within(named, named, told)) {
+        return fail("the number " + std::to_string(named) + " for " + *fields_.name,
+                    numberText(number));
+    }
+    return setNumber(target, number, numberText(number));
 }
 
 bool PrimitiveReader::readHexText(const std::string& text, OctetStore& octets) {
@@ -236,6 +272,9 @@ bool PrimitiveReader::set(const Target& target, const Token& token) {
     case ValueKind::BigNumber: {
         if (token.kind == Token::Kind::Number) {
             return setNumber(target, token.number, numberText(token.number));
+        }
+        if (token.kind == Token::Kind::OtherNumber) {
+            return fail(wantedNumber(token), foundText(token));
         }
         if (!isText) {
             return failWith(target, token);
@@ -346,41 +385,20 @@ bool PrimitiveReader::setOctets(const Target& target, const OctetStore& octets, 
 }
 
 bool PrimitiveReader::setBits(const Target& target) {
-    const TypeDescription& type = *target.type;
-    OctetStore named;
-    std::size_t namedBits = 0;
-    for (const std::string& name : fields_.names.value_or(std::vector<std::string>())) {
-        constexpr std::string_view numbered = "bit ";
-        constexpr std::size_t mostDigits = 9;
-        std::optional<long long> bit = namedNumber(type, name);
-        Integer number;
-        long long place = 0;
-        if (!bit && name.compare(0, numbered.size(), numbered) == 0 &&
-            name.size() <= numbered.size() + mostDigits &&
-            parseInteger(std::string_view(name).substr(numbered.size()), number) == nullptr &&
-            number.within(0, 0xFFFF, place)) {
-            bit = place;
-        }
-        if (!bit || *bit < 0) {
-            return fail("one of " + numberNames(type), inQuotes(name));
-        }
-        const auto index = static_cast<std::size_t>(*bit);
-        named.resize(std::max(named.size(), index / 8 + 1));
-        named[index / 8] = static_cast<unsigned char>(named[index / 8] | 0x80u >> index % 8);
-        namedBits = std::max(namedBits, index + 1);
-    }
+    const NamedBits named = fields_.names.value_or(NamedBits());
     if (!fields_.octets) {
         const auto told = static_cast<std::size_t>(fields_.bits.value_or(0));
-        if (fields_.bits && told < namedBits) {
-            return fail("bits for all names", std::to_string(told));
+        if (fields_.bits && told < named.count) {
+            return fail("at least " + countText(named.count, "bit") + " for the names",
+                        std::to_string(told));
         }
-        namedBits = std::max(namedBits, told);
-        if (namedBits > std::size_t{0xFFFF} + 1) {
-            return fail("the bits in hex", countText(namedBits, "bit"));
+        const std::size_t count = std::max(named.count, told);
+        if (count > std::size_t{0xFFFF} + 1) {
+            return fail("the bits in hex", countText(count, "bit"));
         }
-        named.resize((namedBits + 7) / 8);
-        return setOctets(target, named, static_cast<unsigned>(namedBits),
-                         countText(namedBits, "bit"));
+        OctetStore octets = named.octets;
+        octets.resize((count + 7) / 8);
+        return setOctets(target, octets, static_cast<unsigned>(count), countText(count, "bit"));
     }
     const OctetStore& octets = *fields_.octets;
     const auto bits =
@@ -396,7 +414,7 @@ bool PrimitiveReader::setBits(const Target& target) {
         while (!set.empty() && set.back() == 0) {
             set.pop_back();
         }
-        if (set != named) {
+        if (set != named.octets) {
             return fail("the names of the bits that are set", "others");
         }
     }

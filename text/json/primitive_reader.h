@@ -3,7 +3,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include <brevantis/asn1/asn1data/builder.h>
 #include <brevantis/asn1/text/names.h>
@@ -11,6 +10,12 @@
 #include "token.h"
 
 namespace asn1text {
+
+/// Bits that are set by their names.
+struct NamedBits {
+    OctetStore octets;
+    std::size_t count = 0; ///< up to the last one
+};
 
 /// Gives primitives the values that tokens, objects of fields and arrays of names stand for. What
 /// does not fit is told to the refusals, and the call returns false.
@@ -40,7 +45,7 @@ public:
     // An array of names of bits, in such an object or alone.
 
     void beginNames();
-    bool addName(const Token& token);
+    bool addName(const Target& target, const Token& token);
     /// Sets the bits that were told.
     bool setBits(const Target& target);
 
@@ -59,7 +64,7 @@ private:
         std::optional<ASN1OBJID> oid;
         std::optional<long long> bits;
         std::optional<OctetStore> octets;
-        std::optional<std::vector<std::string>> names;
+        std::optional<NamedBits> names;
     };
 
     bool fail(std::string expected, std::string found = {}, int status = ASN1S_BAD_VALUE) {
@@ -69,6 +74,7 @@ private:
         return refusals_.failWith(target, token);
     }
     bool setNumber(const Target& target, const Integer& number, const std::string& found);
+    bool setNamedNumber(const Target& target);
     bool setText(const Target& target, const std::string& text);
     bool setTime(const Target& target, const std::string& text);
     bool setIdentifier(const Target& target, const std::string& text);

@@ -30,6 +30,10 @@ std::string foundText(const Token& token) {
         return token.truth ? "true" : "false";
     case Token::Kind::Number:
         return "a number";
+    case Token::Kind::OtherNumber: {
+        constexpr std::size_t most = 40;
+        return token.text->substr(0, most) + (token.text->size() > most ? "..." : "");
+    }
     case Token::Kind::Text:
         return inQuotes(*token.text);
     case Token::Kind::Object:
@@ -38,6 +42,12 @@ std::string foundText(const Token& token) {
         break;
     }
     return "an array";
+}
+
+const char* wantedNumber(const Token& other) {
+    return other.text->find_first_of(".eE") != std::string::npos
+               ? "a number without fraction and exponent"
+               : "a string for a number beyond 64 bits";
 }
 
 std::string elementNames(const TypeDescription& type) {
@@ -73,7 +83,8 @@ std::string wantedText(const Target& target) {
     case ValueKind::Number:
         return type.nameCount != 0 ? "a number or its name" : "a number";
     case ValueKind::BigNumber:
-        return "a number, or digits in a string as \"12\" or \"-0x0c\"";
+        return type.nameCount != 0 ? "a number or its name"
+                                   : "a number, or digits in a string as \"12\" or \"-0x0c\"";
     case ValueKind::Identifier:
         return "an identifier as \"2.5.4.3\" or by its name";
     case ValueKind::Text:
@@ -99,6 +110,7 @@ std::string fieldNames(const TypeDescription& type) {
     case ValueKind::Bits:
         return "bits, hex, base64, names";
     case ValueKind::BigNumber:
+        return type.nameCount != 0 ? "number, name, hex, base64" : "hex, base64";
     case ValueKind::Text:
     case ValueKind::Time:
     case ValueKind::OctetString:

@@ -13,6 +13,8 @@ namespace asn1text {
 std::string numberText(const Integer& number);
 std::string countText(std::size_t count, const char* what);
 std::string foundText(const Token& token);
+/// What is wanted in place of a number that no value has.
+const char* wantedNumber(const Token& other);
 /// Names of the elements of a type, for a sentence.
 std::string elementNames(const asn1data::TypeDescription& type);
 std::string wantedText(const Target& target);

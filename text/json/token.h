@@ -14,12 +14,20 @@ namespace asn1text {
 
 /// A value of the text that is neither an object nor an array, or the beginning of one.
 struct Token {
-    enum class Kind : unsigned char { Null, Boolean, Number, Text, Object, Array };
+    enum class Kind : unsigned char {
+        Null,
+        Boolean,
+        Number,
+        OtherNumber, ///< with a fraction or an exponent, or beyond 64 bits: in no value
+        Text,
+        Object,
+        Array
+    };
 
     Kind kind;
     bool truth = false;                ///< Boolean
     Integer number = {};               ///< Number
-    const std::string* text = nullptr; ///< Text
+    const std::string* text = nullptr; ///< Text; OtherNumber: as it is written
 };
 
 /// Where a value goes.

@@ -134,21 +134,7 @@ const char* parseInteger(std::string_view text, Integer& integer) {
 }
 
 const char* parseHex(std::string_view text, OctetStore& octets) {
-    constexpr const char* wanted = "hexadecimal digits, two an octet";
-    octets.clear();
-    if (text.size() % 2 != 0) {
-        return wanted;
-    }
-    octets.reserve(text.size() / 2);
-    for (std::size_t place = 0; place < text.size(); place += 2) {
-        const int high = hexDigit(static_cast<unsigned char>(text[place]));
-        const int low = hexDigit(static_cast<unsigned char>(text[place + 1]));
-        if (high < 0 || low < 0) {
-            return wanted;
-        }
-        octets.push_back(static_cast<unsigned char>(high << 4 | low));
-    }
-    return nullptr;
+    return readHex(text, octets) ? nullptr : "hexadecimal digits, two an octet";
 }
 
 const char* encodeCharacters(std::string_view utf8, CharacterCoding coding, OctetStore& octets) {

@@ -148,8 +148,7 @@ std::vector<std::string> bitNames(const TypeDescription& type, Octets octets, st
     const std::size_t count = std::min(bitCount, octets.size() * 8);
     for (std::size_t bit = 0; bit < count && names.size() < limit; ++bit) {
         if ((octets[bit / 8] & (0x80u >> bit % 8)) != 0) {
-            const char* const name = asn1data::numberName(type, static_cast<long long>(bit));
-            names.push_back(name != nullptr ? name : "bit " + std::to_string(bit));
+            names.push_back(bitName(type, bit));
         }
     }
     return names;

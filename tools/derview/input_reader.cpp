@@ -43,19 +43,6 @@ std::size_t sizeWithEnd(Octets octets, std::size_t& open) {
     return std::max(place + EndOfContentsSize * open, octets.size());
 }
 
-bool readHex(std::string_view digits, OctetStore& octets) {
-    octets.clear();
-    for (std::size_t place = 0; place + 1 < digits.size(); place += 2) {
-        const int high = hexDigit(static_cast<unsigned char>(digits[place]));
-        const int low = hexDigit(static_cast<unsigned char>(digits[place + 1]));
-        if (high < 0 || low < 0) {
-            return false;
-        }
-        octets.push_back(static_cast<unsigned char>(high << 4 | low));
-    }
-    return digits.size() % 2 == 0;
-}
-
 } // namespace
 
 InputReader::InputReader(const std::string& path, const Arguments& arguments)

@@ -11,13 +11,13 @@ namespace derview {
 
 using asn1data::WalkElement;
 
-std::string numberText(const WalkElement& element) {
-    const char* const name = asn1data::numberName(*element.type, element.value.number);
-    const std::string number = std::to_string(element.value.number);
-    return name != nullptr ? escapeName(name) + " (" + number + ")" : number;
-}
-
 namespace {
+
+std::string namedText(const asn1data::TypeDescription& type, long long number) {
+    const char* const name = asn1data::numberName(type, number);
+    const std::string digits = std::to_string(number);
+    return name != nullptr ? escapeName(name) + " (" + digits + ")" : digits;
+}
 
 OctetStore octetsOf(const Magnitude& magnitude) {
     OctetStore octets(magnitude.size());
@@ -29,6 +29,10 @@ OctetStore octetsOf(const Magnitude& magnitude) {
 
 } // namespace
 
+std::string numberText(const WalkElement& element) {
+    return namedText(*element.type, element.value.number);
+}
+
 ValueText bigNumberText(const WalkElement& element, std::size_t room) {
     const Magnitude magnitude({element.value.octets, element.value.octetCount},
                               element.type->shape == asn1data::Shape::BigUnsigned);
@@ -38,7 +42,7 @@ ValueText bigNumberText(const WalkElement& element, std::size_t room) {
         return cutHex(prefix, octets, octets.size(), room);
     }
     if (const auto small = magnitude.within(std::numeric_limits<long long>::max())) {
-        return {std::to_string(*small)};
+        return {namedText(*element.type, *small)};
     }
     return {prefix + hexText(octets)};
 }

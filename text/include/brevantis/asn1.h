@@ -161,7 +161,7 @@ BASN1_API int basn1_from_json(basn1_handle* handle, const basn1_type* type, cons
                               size_t size, unsigned char** der, size_t* der_size);
 
 /** Finds an element by its path, "tbsCertificate.extensions[3].extnValue". What is behind it is not
- * looked at.
+ * looked at, what stands in front of it is passed over by its length, and no policy is asked.
  * @param path the empty one is the message
  * @param offset receives where the element begins
  * @param length receives its octets, header included
@@ -171,7 +171,7 @@ BASN1_API int basn1_find(basn1_handle* handle, const basn1_type* type, const uns
                          size_t size, const char* path, size_t* offset, size_t* length);
 
 /** Finds the path of the innermost element that an octet belongs to, as far as the message can be
- * read.
+ * read. As with basn1_find, no policy is asked.
  * @param path receives it; valid until the next call with the handle
  * @return BASN1_MISSING_ELEMENT when the octet belongs to none */
 BASN1_API int basn1_path_at(basn1_handle* handle, const basn1_type* type,

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <brevantis/asn1/text/export.h>
@@ -45,6 +46,12 @@ private:
 /// Two hexadecimal digits an octet, in lower case.
 /// @throws std::bad_alloc
 BREVANTIS_ASN1_TEXT_API std::string hexText(Octets octets);
+
+/// The octets that hexadecimal digits stand for, two an octet, of either case.
+/// @param octets receives them; of a text that is something else, those in front of that
+/// @return whether the text is nothing else
+/// @throws std::bad_alloc
+BREVANTIS_ASN1_TEXT_API bool readHex(std::string_view digits, OctetStore& octets);
 
 /// The value of a hexadecimal digit of either case; -1 for anything else.
 constexpr int hexDigit(unsigned char character) {

@@ -137,7 +137,31 @@ private:
     bool negative_ = false;
 };
 
-/// Names of the bits that are set; a bit without a name is "bit N".
+/// Name of a bit; without one it is "bit N".
+/// @throws std::bad_alloc
+inline std::string bitName(const asn1data::TypeDescription& type, std::size_t bit) {
+    const char* const name = asn1data::numberName(type, static_cast<long long>(bit));
+    return name != nullptr ? name : "bit " + std::to_string(bit);
+}
+
+/// Hands the places of the bits of a Bits over that are set.
+template <class Take>
+void forEachSetBit(const asn1data::WalkElement& element, Take take) {
+    std::size_t bit = 0;
+    forEachPiece(element, [&](Octets piece) {
+        for (const unsigned char octet : piece) {
+            for (unsigned mask = 0x80; mask != 0 && bit < element.value.bitCount; mask >>= 1) {
+                if ((octet & mask) != 0) {
+                    take(bit);
+                }
+                ++bit;
+            }
+        }
+        return true;
+    });
+}
+
+/// Names of the bits that are set, as bitName tells them.
 /// @param limit names at most
 /// @throws std::bad_alloc
 BREVANTIS_ASN1_TEXT_API std::vector<std::string> bitNames(const asn1data::TypeDescription& type,
