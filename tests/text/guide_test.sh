@@ -1,23 +1,30 @@
 #!/usr/bin/env bash
 # Builds and runs every program of the guide, and compares what it prints with what stands behind it.
 #
-# Usage: guide_test.sh GUIDE CERTIFICATE LIBRARY TEXT_LIBRARY COMPILER C_COMPILER PYTHON PACKAGE
-#     INCLUDE_DIRECTORY...
+# Usage: guide_test.sh GUIDE CERTIFICATE REQUEST LIBRARY TEXT_LIBRARY ASN1GEN COMPILER COMPILER_FLAGS
+#     C_COMPILER PYTHON PACKAGE INCLUDE_DIRECTORY...
 #
-# CERTIFICATE has hexadecimal digits. Without python an empty PYTHON is given.
+# CERTIFICATE and REQUEST have hexadecimal digits. Without python an empty PYTHON is given.
 set -euo pipefail
 
-guide=$1 certificate=$2 library=$3 text_library=$4 compiler=$5 c_compiler=$6 python=$7 package=$8
-shift 8
-includes=("${@/#/-I}")
+guide=$1 certificate=$2 request=$3 library=$4 text_library=$5 asn1gen=$6
+compiler=$7 flags=$8 c_compiler=$9 python=${10} package=${11}
+shift 11
+includes=("${@/#/-I}" -Igenerated/include)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-# shellcheck disable=SC2059
-printf "$(tr -d ' \n' <"$certificate" | sed 's/../\\x&/g')" >"$work/certificate.der"
+octets() {
+    # shellcheck disable=SC2059
+    printf "$(tr -d ' \n' <"$1" | sed 's/../\\x&/g')"
+}
+octets "$certificate" >"$work/certificate.der"
+octets "$request" >"$work/request.der"
 
-# Programs to N.cpp, N.c and N.py, what they print to N.expected.
+# Programs to N.cpp, N.c and N.py, what they print to N.expected, commands to N.sh, and modules to
+# files of their names.
 awk -v directory="$work" '
-    /^```(cpp|c|python)$/ {
+    /^```asn1$/ { getline; file = directory "/" $1 ".asn1" }
+    /^```(cpp|c|python|sh)$/ {
         suffix = substr($0, 4)
         sub("python", "py", suffix)
         file = directory "/" ++count "." suffix
@@ -27,13 +34,20 @@ awk -v directory="$work" '
     /^```/ { close(file); file = ""; next }
     file != "" { print >file }' "$guide"
 
-linked=("$library" "$text_library" "-Wl,-rpath,$(dirname "$library")")
+cd "$work"
+for commands in *.sh; do
+    PATH=$(dirname "$asn1gen"):$PATH bash -e "$commands"
+done
+read -r -a flags <<<"$flags"
+compile=("$compiler" -std=c++17 "${flags[@]}" "${includes[@]}")
+"${compile[@]}" -c generated/src/*.cpp
+linked=(./*.o "$library" "$text_library" "-Wl,-rpath,$(dirname "$library")")
 # run FILE
 run() {
     local program=${1%.*}
     case $1 in
-        *.cpp) "$compiler" -std=c++17 -Wall -Wextra -Werror "${includes[@]}" "$1" "${linked[@]}" -o "$program" ;;
-        *.c) "$c_compiler" -std=c11 -Wall -Wextra -Werror "${includes[@]}" "$1" "${linked[@]}" -o "$program" ;;
+        *.cpp) "${compile[@]}" -Wall -Wextra -Werror "$1" "${linked[@]}" -o "$program" ;;
+        *.c) "$c_compiler" -std=c11 -Wall -Wextra -Werror "${includes[@]}" "$1" "${linked[@]:1}" -o "$program" ;;
         *.py)
             [[ -n $python ]] || return 0
             printf '#!/bin/sh\nexec "%s" "%s" "$@"\n' "$python" "$1" >"$program"
@@ -41,7 +55,7 @@ run() {
             ;;
     esac
     BREVANTIS_ASN1_LIBRARY=$text_library PYTHONPATH=$package PYTHONDONTWRITEBYTECODE=1 \
-        "$program" "$work/certificate.der" >"$program.printed"
+        "$program" certificate.der request.der >"$program.printed"
     diff "$program.expected" "$program.printed"
 }
 count=0
@@ -54,6 +68,6 @@ for file in "$work"/*.cpp "$work"/*.c "$work"/*.py; do
         failed=1
     fi
 done
-((count >= 10)) || { echo "FAILED: only $count programs"; exit 1; }
+((count >= 13)) || { echo "FAILED: only $count programs"; exit 1; }
 echo "$count programs"
 exit $failed
