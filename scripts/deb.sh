@@ -4,7 +4,7 @@
 #
 # Usage: scripts/deb.sh [--trial]
 #
-#   --trial  installs them in a fresh chroot, tries them, removes them, and looks at what is left
+#   --trial  has piuparts try them in a fresh chroot, and uses them in another
 set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"

@@ -2,10 +2,11 @@
 # Format check, a build with clang and warnings as errors, and clang-tidy over what is written by
 # hand. Needs clang-format and clang-tidy 14; installs clang where it is missing.
 #
-# Usage: scripts/lint.sh [--format | --build]
+# Usage: scripts/lint.sh [--format | --build | --libc++]
 #
 #   --format  the format check alone
 #   --build   the build alone
+#   --libc++  instead of all that, builds everything with clang's standard library, and every test runs
 set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
@@ -23,6 +24,14 @@ sources() {
         find . -path ./build -prune -o -type f \( "${expression[@]:1}" \) -printf '%P\0'
     fi
 }
+
+if [[ ${1:-} == --libc++ ]]; then
+    install_missing clang cmake ninja-build libc++-dev libc++abi-dev googletest ca-certificates \
+        libssl-dev openssl binutils nlohmann-json3-dev libcli11-dev python3-pytest
+    build libc++ -DBREVANTIS_BUILD_TESTS=ON --
+    say "testing (preset libc++)"
+    exec ctest --preset libc++ -j "$jobs"
+fi
 
 if [[ ${1:-} != --build ]]; then
     say "checking the format"

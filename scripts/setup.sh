@@ -22,7 +22,7 @@ is_provided() {
         dpkg-dev) command -v dpkg-buildpackage ;;
         dh-python) command -v dh_python3 ;;
         python3-all) command -v python3 && dpkg -s python3-all ;;
-        doxygen | lintian | debootstrap | python3) command -v "$1" ;;
+        doxygen | lintian | piuparts | debootstrap | python3) command -v "$1" ;;
         llvm) command -v llvm-cov ;;
         g++) command -v c++ || command -v g++ ;;
         cmake) command -v cmake ;;
@@ -47,6 +47,9 @@ is_provided() {
         python3-selenium) /usr/bin/python3 -c 'import selenium' ;;
         python3-pytest) /usr/bin/python3 -c 'import pytest' ;;
         ca-certificates) test -s "$ca_bundle" ;;
+        libc++-dev) echo '#include <list>' | clang++ -stdlib=libc++ -x c++ -fsyntax-only - 2>&1 ;;
+        libc++abi-dev) compgen -G '/usr/lib/*/libc++abi.so' || compgen -G '/usr/lib/llvm-*/lib/libc++abi.so' ;;
+        googletest) test -e /usr/src/googletest/CMakeLists.txt ;;
         libgtest-dev) compgen -G '/usr/lib/*/cmake/GTest/GTestConfig.cmake' ||
             compgen -G '/usr/local/lib/cmake/GTest/GTestConfig.cmake' ;;
         *) false ;;

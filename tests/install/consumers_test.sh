@@ -3,11 +3,11 @@
 # information and without exceptions: they are built and run against the library where they can be
 # linked to it, and compiled where they cannot.
 #
-# Usage: consumers_test.sh LIBRARY INCLUDE_DIRECTORY...
+# Usage: consumers_test.sh LIBRARY LIBRARY_FLAGS INCLUDE_DIRECTORY...
 set -euo pipefail
 
-library=$1
-shift
+library=$1 flags=$2
+shift 2
 includes=("${@/#/-I}")
 directory=$(dirname "$library")
 consumer=$(cd "$(dirname "${BASH_SOURCE[0]}")/consumer" && pwd)
@@ -32,24 +32,29 @@ try() {
     fi
 }
 
-for standard in 17 20 2b; do
-    try g++ $standard consumer
-done
-try g++ 2b value_classes
-try g++ 17 value_classes -fno-rtti
-# What throws is not for them; the coders and the catalogue are.
-try g++ 20 consumer -fno-rtti -fno-exceptions
-if command -v clang++ >/dev/null; then
-    for standard in 17 2b; do
-        try clang++ $standard consumer
+# tryAll COMPILER FLAG...
+tryAll() {
+    local standard compiler=$1
+    shift
+    for standard in 17 20 2b; do
+        try "$compiler" $standard consumer "$@"
     done
-    try clang++ 20 consumer -fno-rtti -fno-exceptions
-    try clang++ 2b value_classes
-    # Standard libraries do not mix, so this is not linked.
+    try "$compiler" 2b value_classes "$@"
+    try "$compiler" 17 value_classes -fno-rtti "$@"
+    # What throws is not for them; the coders and the catalogue are.
+    try "$compiler" 20 consumer -fno-rtti -fno-exceptions "$@"
+}
+
+# Standard libraries do not mix, so where the library has the other one nothing is linked.
+of_libcxx=() of_libstdcxx=(-fsyntax-only)
+if [[ " $flags " != *" -stdlib=libc++ "* ]]; then
+    of_libcxx=(-fsyntax-only) of_libstdcxx=()
+fi
+tryAll g++ "${of_libstdcxx[@]}"
+if command -v clang++ >/dev/null; then
+    tryAll clang++ "${of_libstdcxx[@]}"
     if echo '#include <list>' | clang++ -stdlib=libc++ -x c++ -fsyntax-only - 2>/dev/null; then
-        try clang++ 17 value_classes -stdlib=libc++ -fsyntax-only
-        try clang++ 2b value_classes -stdlib=libc++ -fsyntax-only
-        try clang++ 2b consumer -stdlib=libc++ -fsyntax-only -fno-rtti -fno-exceptions
+        tryAll clang++ -stdlib=libc++ "${of_libcxx[@]}"
     else
         echo "libc++: not tried, it is missing"
     fi

@@ -2,10 +2,10 @@
 # Builds the library as a part of another project, whose settings, names and install rules have to
 # stay its own. It is static there; that is installed at last, and used.
 #
-# Usage: embedding_test.sh CMAKE LIBRARY_DIRECTORY COMPILER
+# Usage: embedding_test.sh CMAKE LIBRARY_DIRECTORY COMPILER COMPILER_FLAGS
 set -euo pipefail
 
-cmake=$1 library=$2 compiler=$3
+cmake=$1 library=$2 compiler=$3 flags=$4
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 # shellcheck source=tests/install/use_installed.sh
@@ -17,7 +17,7 @@ configure() {
     local build=$work/$1
     shift
     quietly "$cmake" -S "$embedding" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
-        -DLIBRARY_DIRECTORY="$library" "$@"
+        -DCMAKE_CXX_FLAGS="$flags" -DLIBRARY_DIRECTORY="$library" "$@"
 }
 
 # A project may well have no build type, and it may have the library fetched.
@@ -45,5 +45,5 @@ if [[ -n $(find "$work/installed" -name '*.so*') ]]; then
     find "$work/installed" -name '*.so*'
     exit 1
 fi
-use_with_cmake "$work/installed" ""
-use_with_pkg_config "$work/installed" "" --static
+use_with_cmake "$work/installed" "$flags"
+use_with_pkg_config "$work/installed" "$flags" --static

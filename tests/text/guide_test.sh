@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # Builds and runs every program of the guide, and compares what it prints with what stands behind it.
 #
-# Usage: guide_test.sh GUIDE CERTIFICATE REQUEST LIBRARY TEXT_LIBRARY ASN1GEN COMPILER COMPILER_FLAGS
-#     C_COMPILER PYTHON PACKAGE INCLUDE_DIRECTORY...
+# Usage: guide_test.sh GUIDE CERTIFICATE REQUEST LIST LIBRARY TEXT_LIBRARY ASN1GEN COMPILER
+#     COMPILER_FLAGS C_COMPILER PYTHON PACKAGE INCLUDE_DIRECTORY...
 #
-# CERTIFICATE and REQUEST have hexadecimal digits. Without python an empty PYTHON is given.
+# CERTIFICATE, REQUEST and LIST have hexadecimal digits. Without python an empty PYTHON is given.
 set -euo pipefail
 
-guide=$1 certificate=$2 request=$3 library=$4 text_library=$5 asn1gen=$6
-compiler=$7 flags=$8 c_compiler=$9 python=${10} package=${11}
-shift 11
+guide=$1 certificate=$2 request=$3 list=$4 library=$5 text_library=$6 asn1gen=$7
+compiler=$8 flags=$9 c_compiler=${10} python=${11} package=${12}
+shift 12
 includes=("${@/#/-I}" -Igenerated/include)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -19,6 +19,7 @@ octets() {
 }
 octets "$certificate" >"$work/certificate.der"
 octets "$request" >"$work/request.der"
+octets "$list" >"$work/list.der"
 
 # Programs to N.cpp, N.c and N.py, what they print to N.expected, commands to N.sh, and modules to
 # files of their names.
@@ -55,7 +56,7 @@ run() {
             ;;
     esac
     BREVANTIS_ASN1_LIBRARY=$text_library PYTHONPATH=$package PYTHONDONTWRITEBYTECODE=1 \
-        "$program" certificate.der request.der >"$program.printed"
+        "$program" certificate.der request.der list.der >"$program.printed"
     diff "$program.expected" "$program.printed"
 }
 count=0
@@ -68,6 +69,6 @@ for file in "$work"/*.cpp "$work"/*.c "$work"/*.py; do
         failed=1
     fi
 done
-((count >= 13)) || { echo "FAILED: only $count programs"; exit 1; }
+((count >= 14)) || { echo "FAILED: only $count programs"; exit 1; }
 echo "$count programs"
 exit $failed

@@ -1,18 +1,20 @@
 #ifndef BREVANTIS_ASN1_TEXT_SCHEMA_ARENA_H
 #define BREVANTIS_ASN1_TEXT_SCHEMA_ARENA_H
 
+#include <algorithm>
 #include <cstddef>
-#include <memory_resource>
+#include <memory>
 #include <new>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace asn1text {
 
 /// An arena's limit is reached.
 struct ArenaFull {};
 
-/// Constants that are freed together.
+/// Constants that are freed together. Standard libraries in use have no <memory_resource>.
 class Arena {
 public:
     /// @param limit octets
@@ -23,6 +25,7 @@ public:
     template <class T>
     T* array(std::size_t count) {
         static_assert(std::is_trivially_destructible_v<T>, "nobody ends them");
+        static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__, "as blocks are");
         if (count == 0) {
             return nullptr;
         }
@@ -30,8 +33,7 @@ public:
             throw ArenaFull();
         }
         left_ -= count * sizeof(T);
-        void* const place = octets_.allocate(count * sizeof(T), alignof(T));
-        return new (place) T[count]();
+        return new (take(count * sizeof(T), alignof(T))) T[count]();
     }
 
     /// A terminated copy.
@@ -42,8 +44,26 @@ public:
     }
 
 private:
+    void* take(std::size_t size, std::size_t alignment) {
+        if (std::align(alignment, size, next_, room_) == nullptr) {
+            const std::size_t block = std::max(size, blockSize_);
+            blocks_.emplace_back();
+            blocks_.back().reset(new std::byte[block]);
+            blockSize_ = std::min(2 * blockSize_, std::size_t{1} << 20);
+            next_ = blocks_.back().get();
+            room_ = block;
+        }
+        void* const taken = next_;
+        next_ = static_cast<std::byte*>(next_) + size;
+        room_ -= size;
+        return taken;
+    }
+
     std::size_t left_;
-    std::pmr::monotonic_buffer_resource octets_;
+    std::vector<std::unique_ptr<std::byte[]>> blocks_;
+    std::size_t blockSize_ = 1024;
+    void* next_ = nullptr;
+    std::size_t room_ = 0;
 };
 
 } // namespace asn1text
