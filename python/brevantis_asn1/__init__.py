@@ -12,7 +12,7 @@ import os
 from typing import Any, Dict, Iterator, List, NamedTuple, Optional, Union
 
 from . import _library
-from ._library import Asn1Error, Handle, Octets, handle, library_version
+from ._library import Asn1Error, Handle, Octets, handle, library_version, too_deep
 
 __all__ = [
     "Asn1Error",
@@ -86,7 +86,11 @@ def decode(octets: Octets, type: Optional[str] = None, *, policy: int = 0) -> Va
     type: its name; recognised where it is left out
     policy: how strictly it is read, of the TOLERATE_..., EXACT and DER bits of <brevantis/asn1.h>
     """
-    return json.loads(to_json(octets, type, policy=policy))
+    text = to_json(octets, type, policy=policy)
+    try:
+        return json.loads(text)
+    except RecursionError:
+        raise too_deep() from None
 
 
 def to_json(
@@ -99,7 +103,11 @@ def to_json(
 
 def encode(type: str, value: Value) -> bytes:
     """Encodes a value, as decode gives it or written by hand, in DER."""
-    return from_json(type, json.dumps(value, separators=(",", ":")))
+    try:
+        text = json.dumps(value, separators=(",", ":"))
+    except RecursionError:
+        raise too_deep() from None
+    return from_json(type, text)
 
 
 def from_json(type: str, text: str) -> bytes:

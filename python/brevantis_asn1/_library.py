@@ -12,6 +12,7 @@ from typing import Dict, Iterator, List, Optional, Tuple, Union
 
 Octets = Union[bytes, bytearray, memoryview]
 
+_NOT_SUPPORTED = -99  # BASN1_NOT_SUPPORTED
 _WRITE = ctypes.CFUNCTYPE(c_int, c_void_p, c_void_p, c_size_t)
 
 
@@ -91,6 +92,13 @@ class Asn1Error(ValueError):
         self.path = path
         self.expected = expected
         self.found = found
+
+
+def too_deep() -> Asn1Error:
+    """What Python's json makes a RecursionError."""
+    expected, found = "a value that Python can nest", "a deeper one"
+    whole = "expected " + expected + ", found " + found
+    return Asn1Error(whole, _NOT_SUPPORTED, "ASN1S_NOT_SUPPORTED", 0, "", expected, found)
 
 
 def library_version() -> str:

@@ -79,6 +79,14 @@ def test_what_a_callback_raises_comes_through(monkeypatch):
         asn1.to_json(EXTENSION, "Extension")
 
 
+def test_what_python_cannot_nest_is_refused():
+    value = []
+    for _ in range(5000):
+        value = [value]
+    with pytest.raises(asn1.Asn1Error, match="nest"):
+        asn1.encode("GeneralNames", value)
+
+
 def test_nothing_stands_behind_a_zero():
     with pytest.raises(ValueError, match="U.0000"):
         asn1.find(EXTENSION, "extnValue\0", "Extension")

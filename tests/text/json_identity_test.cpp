@@ -12,6 +12,7 @@
 
 #include "support/ca_bundle.h"
 #include "support/data_file.h"
+#include "support/deepest_message.h"
 #include "support/json_identity.h"
 #include "support/mutation.h"
 #include "support/shapes_catalogue.h"
@@ -124,6 +125,23 @@ TEST(JsonIdentity, HoldsForSamples) {
     }
     std::printf("%u messages\n", checked);
     EXPECT_GT(checked, 200U);
+}
+
+TEST(JsonIdentity, HoldsForTheDeepestMessagesWhereTheLimitLetsThem) {
+    // The deepest one of the catalogue; the documentation tells this limit.
+    const TypeDescription& type = *asn1data::findType("RevocationValues");
+    const Octets message = tests::deepestMessage(type);
+    asn1text::TextSink json;
+    ASSERT_EQ(asn1text::writeJson(type, message, json).status, 0);
+    Octets back;
+    asn1text::JsonFailure failure;
+    asn1text::JsonLimits limits;
+    EXPECT_FALSE(asn1text::encodeJson(type, json.whole, back, failure, limits));
+    limits.depth = 1234;
+    EXPECT_FALSE(asn1text::encodeJson(type, json.whole, back, failure, limits));
+    ++limits.depth;
+    ASSERT_TRUE(asn1text::encodeJson(type, json.whole, back, failure, limits));
+    EXPECT_EQ(back, message);
 }
 
 TEST(JsonIdentity, HoldsForDamagedMessagesThatAreDer) {
