@@ -76,15 +76,12 @@ CBlob answer(const CBlob& question, const CBlob& issued, const Key& key, const C
 
     CertificateMessage certificate(issued);
     auto& body = newRecord<ASN1T_CertRepMessage>(asked.context());
-    auto* const response = appendRecord<ASN1T_CertResponse>(asked.context(), body.response);
-    if (response == nullptr) {
-        throw std::bad_alloc();
-    }
-    response->certReqId = -1; // RFC 9483, 4.1.4: of PKCS #10 there is no number
-    response->status.status = PKIStatus_granted;
-    response->m.certifiedKeyPairPresent = 1;
-    response->certifiedKeyPair.certOrEncCert.t = T_CertOrEncCert_certificate;
-    response->certifiedKeyPair.certOrEncCert.u.certificate = &certificate.record;
+    auto& response = newElement(asked.context(), body.response);
+    response.certReqId = -1; // RFC 9483, 4.1.4: of PKCS #10 there is no number
+    response.status.status = PKIStatus_granted;
+    response.m.certifiedKeyPairPresent = 1;
+    response.certifiedKeyPair.certOrEncCert.t = T_CertOrEncCert_certificate;
+    response.certifiedKeyPair.certOrEncCert.u.certificate = &certificate.record;
     ASN1T_PKIMessage message;
     message.body.t = T_PKIBody_cp;
     message.body.u.cp = &body;
@@ -117,7 +114,7 @@ int exchange(int argc, char** argv) {
     }
     requireProtection(read, encoded<ASN1C_SubjectPublicKeyInfo>(
                                 authority.record.tbsCertificate.subjectPublicKeyInfo));
-    for (auto& each : recordsOf<ASN1T_CertResponse>(read.record.body.u.cp->response)) {
+    for (auto& each : recordsOf(read.record.body.u.cp->response)) {
         if (each.status.status != PKIStatus_granted || each.m.certifiedKeyPairPresent == 0 ||
             each.certifiedKeyPair.certOrEncCert.t != T_CertOrEncCert_certificate) {
             throw std::runtime_error("no certificate was granted");

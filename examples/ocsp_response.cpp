@@ -56,15 +56,12 @@ int respond(int argc, char** argv) {
     const CStringProxy now = CDateTime(std::time(nullptr), 0).getGeneralizedTime();
     content.producedAt = now.c_str();
     auto& asked = request.record.tbsRequest;
-    for (auto& each : recordsOf<ASN1T_Request>(asked.requestList)) {
+    for (auto& each : recordsOf(asked.requestList)) {
         if (each.reqCert.t != T_ReqCert_certID) {
             throw std::runtime_error("a certificate is told in a way that is not known here");
         }
-        auto* const single = appendRecord<ASN1T_SingleResponse>(heap, content.responses);
-        if (single == nullptr) {
-            throw std::bad_alloc();
-        }
-        answer(heap, each.reqCert, argc == 6 ? argv[5] : nullptr, now.c_str(), *single);
+        auto& single = newElement(heap, content.responses);
+        answer(heap, each.reqCert, argc == 6 ? argv[5] : nullptr, now.c_str(), single);
     }
     // A nonce goes back as it came.
     if (asked.m.requestExtensionsPresent != 0) {

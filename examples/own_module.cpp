@@ -14,8 +14,7 @@ int main() {
     ASN1T_Report report;
     report.sensor = "roof";
     for (const int value : {21500, -300}) {
-        auto* const reading =
-            asn1data::appendRecord<ASN1T_Reading>(output.getCtxtPtr(), report.readings);
+        auto* const reading = asn1data::appendRecord(output.getCtxtPtr(), report.readings);
         if (reading == nullptr) {
             return 1;
         }
@@ -41,7 +40,7 @@ int main() {
         return 1;
     }
     std::printf("%s:", read.sensor);
-    for (const auto& reading : asn1data::recordsOf<const ASN1T_Reading>(read.readings)) {
+    for (const auto& reading : asn1data::recordsOf(read.readings)) {
         std::printf(" %d %s", reading.value, reading.unit);
     }
     std::puts("");

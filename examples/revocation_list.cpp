@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <ctime>
 
-#include <brevantis/asn1/asn1data/list_records.h>
 #include <brevantis/asn1/asn1data/revocation_list.h>
 
 #include "signing.h"
@@ -52,17 +51,13 @@ int make(int argc, char** argv) {
     ASN1T_Time_traits::set(heap, content.nextUpdate, CTimeChoice(CDateTime(now + 7 * 86400, 0)));
 
     for (int i = 4; i < argc; ++i) {
-        using Entry = ASN1T_TBSCertList_revokedCertificates_element;
-        Entry* const entry = appendRecord<Entry>(heap, content.revokedCertificates);
-        if (entry == nullptr) {
-            throw std::bad_alloc();
-        }
+        auto& entry = newElement(heap, content.revokedCertificates);
         content.m.revokedCertificatesPresent = 1;
-        entry->userCertificate = argv[i];
-        ASN1T_Time_traits::set(heap, entry->revocationDate, CTimeChoice(CDateTime(now, 0)));
-        entry->m.crlEntryExtensionsPresent = 1;
+        entry.userCertificate = argv[i];
+        ASN1T_Time_traits::set(heap, entry.revocationDate, CTimeChoice(CDateTime(now, 0)));
+        entry.m.crlEntryExtensionsPresent = 1;
         const CExtension reason(CExtCRLReason(CrlReason_keyCompromise), false);
-        ASN1T_Extensions_traits::set(heap, entry->crlEntryExtensions, CExtensions{reason});
+        ASN1T_Extensions_traits::set(heap, entry.crlEntryExtensions, CExtensions{reason});
     }
     CBigInteger number(1ul);
     ++number;

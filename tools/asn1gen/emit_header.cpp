@@ -440,7 +440,7 @@ void Emitter::choiceMembers(Writer& out, const Type& type) {
         }
         out.comment(elementComment(element), 8);
         out.line("        " +
-                 (element.type->isIndirect() ? pointerType(*element.type, *type.module)
+                 (element.type->isIndirect() ? referredType(*element.type, *type.module) + "*"
                                              : memberType(*element.type, *type.module)) +
                  " " + element.member + ";");
     }
@@ -486,6 +486,10 @@ void Emitter::record(Writer& out, const Type& type) {
         out.line("    ASN1ContextRef ownerContext;");
     }
     switch (type.shape) {
+    case Shape::List:
+        out.line("    /// What the nodes hold.");
+        out.line("    using Element = " + referredType(*type.element, *type.module) + ";");
+        break;
     case Shape::Sequence:
     case Shape::Set:
         sequenceMembers(out, type);
@@ -496,7 +500,7 @@ void Emitter::record(Writer& out, const Type& type) {
     case Shape::Array:
         out.line("    /// Elements in `elem`.");
         out.line("    unsigned int n = 0;");
-        out.line("    " + pointerType(*type.element, *type.module) + " elem = nullptr;");
+        out.line("    " + referredType(*type.element, *type.module) + "* elem = nullptr;");
         break;
     case Shape::FixedArray: {
         const std::string start = initializer(*type.element).empty() ? "" : " = {}";

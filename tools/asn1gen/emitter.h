@@ -127,7 +127,7 @@ private:
     std::string exported(const std::string& keyword) const;
     std::string engine(const std::string& name) const;
     std::string memberType(const Type& type, const Module& module) const;
-    std::string pointerType(const Type& type, const Module& module) const;
+    std::string referredType(const Type& type, const Module& module) const;
 
     const Model& model_;
     Output output_;

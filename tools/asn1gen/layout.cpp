@@ -69,8 +69,8 @@ std::vector<const Type*> heldByValue(const Type& type) {
             hold(element.type);
         }
     }
-    if (type.shape == Shape::FixedArray ||
-        (type.shape == Shape::Array && !type.element->target().hasRecord())) {
+    const bool refers = type.shape == Shape::Array || type.shape == Shape::List;
+    if (type.shape == Shape::FixedArray || (refers && !type.element->target().hasRecord())) {
         hold(type.element);
     }
     return held;
@@ -106,7 +106,7 @@ std::vector<const Type*> pointedTo(const Module& module) {
                 point(*element.type);
             }
         }
-        if (type->shape == Shape::Array) {
+        if (type->shape == Shape::Array || type->shape == Shape::List) {
             point(*type->element);
         }
     }
@@ -255,9 +255,9 @@ std::string Emitter::valueName(const Type& type) const {
 }
 
 // A pointer names the record itself: a name for it may have to wait until the record is complete.
-std::string Emitter::pointerType(const Type& type, const Module& module) const {
+std::string Emitter::referredType(const Type& type, const Module& module) const {
     const Type& target = type.target();
-    return (target.hasRecord() ? recordFrom(target) : memberType(type, module)) + "*";
+    return target.hasRecord() ? recordFrom(target) : memberType(type, module);
 }
 
 std::string Emitter::memberType(const Type& type, const Module& module) const {

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include <brevantis/asn1/asn1data/cms.h>
-#include <brevantis/asn1/asn1data/list_records.h>
 #include <brevantis/asn1/asn1data/oids.h>
 #include <brevantis/asn1/runtime/object_identifier_coding.h>
 #include <brevantis/asn1/runtime/open_type.h>
@@ -88,35 +87,23 @@ struct SignedDataRecord : CatalogueTraits<asn1data::ASN1T_SignedData, asn1data::
             ASN1TDynOctStr_traits::set(ctxt, content.eContent, value.content_);
         }
         for (const CAlgorithmIdentifier& each : value.digestAlgorithms_) {
-            ASN1T_AlgorithmIdentifier_traits::set(
-                ctxt, append<asn1data::ASN1T_AlgorithmIdentifier>(ctxt, record.digestAlgorithms),
-                each);
+            ASN1T_AlgorithmIdentifier_traits::set(ctxt, newElement(ctxt, record.digestAlgorithms),
+                                                  each);
         }
         if (!value.certificates_.empty()) {
             record.m.certificatesPresent = 1;
             for (const CBlob& each : value.certificates_) {
                 auto& certificate = newRecord<asn1data::ASN1T_SignedOpenType>(ctxt);
                 asn1DecodeT<CertificateRecord>(each, ctxt, certificate);
-                auto& choice =
-                    append<asn1data::ASN1T_CertificateChoicesRaw>(ctxt, record.certificates);
+                auto& choice = newElement(ctxt, record.certificates);
                 choice.t = asn1data::T_CertificateChoicesRaw_certificate;
                 choice.u.certificate = &certificate;
             }
         }
         for (const CBlob& each : value.signers_) {
-            auto& signer = append<asn1data::ASN1T_SignerInfo>(ctxt, record.signerInfos);
+            auto& signer = newElement(ctxt, record.signerInfos);
             asn1DecodeT<SignerRecord>(each, ctxt, signer);
         }
-    }
-
-private:
-    template <class Record>
-    static Record& append(ASN1CTXT* ctxt, Asn1RTDList& list) {
-        auto* const record = asn1data::appendRecord<Record>(ctxt, list);
-        if (record == nullptr) {
-            ATL::AtlThrowImpl(CRYPT_E_ASN1_MEMORY);
-        }
-        return *record;
     }
 };
 

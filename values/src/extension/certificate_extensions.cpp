@@ -22,16 +22,6 @@ namespace {
 
 constexpr unsigned usageCount = 9;
 
-/// Appends a record, or throws.
-template <class Record>
-Record& append(ASN1CTXT* ctxt, Asn1RTDList& list) {
-    auto* const record = asn1data::appendRecord<Record>(ctxt, list);
-    if (record == nullptr) {
-        ATL::AtlThrowImpl(CRYPT_E_ASN1_MEMORY);
-    }
-    return *record;
-}
-
 struct UsageTraits : CatalogueTraits<asn1data::ASN1T_KeyUsage, asn1data::ASN1C_KeyUsage,
                                      &asn1data::asn1Copy_KeyUsage> {
     static void set(ASN1CTXT* /*ctxt*/, ASN1_T& record, const CKeyUsage& value) {
@@ -83,12 +73,11 @@ struct PoliciesTraits : CatalogueTraits<asn1data::ASN1T_CertificatePoliciesSynta
                                         &asn1data::asn1Copy_CertificatePoliciesSyntax> {
     static void set(ASN1CTXT* ctxt, ASN1_T& record, const CCertificatePolicies& value) {
         for (const CCertificatePolicy& each : value) {
-            auto& policy = append<asn1data::ASN1T_PolicyInformation>(ctxt, record);
+            auto& policy = newElement(ctxt, record);
             ASN1TObjId_traits::set(ctxt, policy.policyIdentifier, each.policyIdentifier.c_str());
             for (const CPolicyQualifier& remark : each.qualifiers) {
                 policy.m.policyQualifiersPresent = 1;
-                auto& qualifier =
-                    append<asn1data::ASN1T_PolicyQualifierInfo>(ctxt, policy.policyQualifiers);
+                auto& qualifier = newElement(ctxt, policy.policyQualifiers);
                 ASN1TObjId_traits::set(ctxt, qualifier.policyQualifierId, remark.oid.c_str());
                 if (remark.value.cbData() != 0) {
                     qualifier.m.qualifierPresent = 1;
@@ -99,16 +88,13 @@ struct PoliciesTraits : CatalogueTraits<asn1data::ASN1T_CertificatePoliciesSynta
     }
     static void get(const ASN1_T& record, CCertificatePolicies& value) {
         CCertificatePolicies policies;
-        for (const auto& each :
-             asn1data::recordsOf<const asn1data::ASN1T_PolicyInformation>(record)) {
+        for (const auto& each : asn1data::recordsOf(record)) {
             CCertificatePolicy& policy = policies.emplace_back();
             policy.policyIdentifier = toOID(each.policyIdentifier);
             if (each.m.policyQualifiersPresent == 0) {
                 continue;
             }
-            for (const auto& remark :
-                 asn1data::recordsOf<const asn1data::ASN1T_PolicyQualifierInfo>(
-                     each.policyQualifiers)) {
+            for (const auto& remark : asn1data::recordsOf(each.policyQualifiers)) {
                 CPolicyQualifier& qualifier = policy.qualifiers.emplace_back();
                 qualifier.oid = toOID(remark.policyQualifierId);
                 if (remark.m.qualifierPresent != 0) {

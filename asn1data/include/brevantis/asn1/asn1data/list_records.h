@@ -13,13 +13,13 @@
 
 namespace asn1data {
 
-/// Appends a new, empty record to a list. Node and record are one block of the context's heap and
+/// Appends a new, empty element to a list. Node and element are one block of the context's heap and
 /// live as long as that.
-/// @tparam Record what the list's elements are, as asn1data::ASN1T_SignerInfo for SignerInfos. It
-///         is not looked at whether they are
+/// @param list of the catalogue or of a module of one's own, as asn1data::ASN1T_SignerInfos; it
+///        tells what its elements are
 /// @return null when memory is out; the list is unchanged then
-template <class Record>
-Record* appendRecord(ASN1CTXT* ctxt, Asn1RTDList& list) noexcept {
+template <class List, class Record = typename List::Element>
+Record* appendRecord(ASN1CTXT* ctxt, List& list) noexcept {
     static_assert(alignof(Record) <= alignof(Asn1RTDListNode), "the record follows the node");
     void* const block =
         rtMemHeapAlloc(&ctxt->memHeap, static_cast<int>(sizeof(Asn1RTDListNode) + sizeof(Record)));
@@ -31,8 +31,8 @@ Record* appendRecord(ASN1CTXT* ctxt, Asn1RTDList& list) noexcept {
     return record;
 }
 
-/// The records of a list, for a loop: `for (const ASN1T_Extension& each :
-/// recordsOf<ASN1T_Extension>(list))`. Nodes without an element end it.
+/// The records of a list, for a loop: `for (const auto& each : recordsOf(list))`. Nodes without an
+/// element end it.
 /// @tparam Record what the list's elements are, const or not
 template <class Record>
 class RecordsOf {
@@ -92,9 +92,16 @@ private:
 };
 
 /// The records of a list; see RecordsOf.
-template <class Record>
-RecordsOf<Record> recordsOf(const Asn1RTDList& list) noexcept {
-    return RecordsOf<Record>(list);
+/// @param list tells what its elements are, and outlives what is returned
+template <class List>
+RecordsOf<typename List::Element> recordsOf(List& list) noexcept {
+    return RecordsOf<typename List::Element>(list);
+}
+
+/// The records of a list that are only read.
+template <class List>
+RecordsOf<const typename List::Element> recordsOf(const List& list) noexcept {
+    return RecordsOf<const typename List::Element>(list);
 }
 
 } // namespace asn1data

@@ -3,6 +3,7 @@
 
 #include <new>
 
+#include <brevantis/asn1/asn1data/list_records.h>
 #include <brevantis/asn1/runtime/heap.h>
 #include <brevantis/asn1/runtime/message_buffer.h>
 #include <brevantis/asn1/values/util/coding_error.h>
@@ -77,6 +78,20 @@ inline void* allocateBlock(ASN1CTXT* ctxt, unsigned long size) {
 template <class Record>
 Record& newRecord(ASN1CTXT* ctxt) {
     return *::new (allocateBlock(ctxt, sizeof(Record))) Record();
+}
+
+/// Appends a new, empty element to a list of the catalogue, as asn1data::appendRecord does.
+/// @param list as asn1data::ASN1T_SignerInfos: tells what its elements are
+/// @return the element, which lives as long as the heap of @p ctxt
+/// @throws ATL::CAtlException with CRYPT_E_ASN1_MEMORY when memory is out; the list is unchanged
+///         then
+template <class List>
+typename List::Element& newElement(ASN1CTXT* ctxt, List& list) {
+    auto* const element = asn1data::appendRecord(ctxt, list);
+    if (element == nullptr) {
+        ATL::AtlThrowImpl(CRYPT_E_ASN1_MEMORY);
+    }
+    return *element;
 }
 
 } // namespace Brevantis::ASN1
