@@ -1,8 +1,11 @@
-# What Doxygen reads in place of a header. A comment stands for all declarations behind it up to the
-# next blank line, as overloads and pairs of operators are written here, and Doxygen wants one for each.
-# Of the comment, others get what is said in front of the first command. Copies, moves and destructors
-# that are defaulted or deleted are left out: there is nothing to be told of them. What has one meaning
-# wherever it stands, as util/traits.h tells it of traits classes, gets that. Lines keep their numbers.
+# What Doxygen reads in place of a header. A comment stands for all declarations of the same kind behind
+# it up to the next blank line, as overloads, pairs of operators and rows of members are written here,
+# and Doxygen wants one for each. Of the comment, others get what is said in front of the first command,
+# or the commands where nothing is. Copies, moves and destructors without a comment of their own are left
+# out: there is nothing to be told of them. A comment that says nothing in front of its commands says what
+# is returned, so that tables of members do. What specialises a template, and the members of it, are told
+# by the template. What has one meaning wherever it stands, as util/traits.h tells it of traits classes,
+# gets that. Lines keep their numbers.
 
 BEGIN {
     meaning["static void set("] = "Fills a record from a value; what hangs from the record lies on the heap of the context."
@@ -10,6 +13,9 @@ BEGIN {
     meaning["static void copy("] = "Copies a record on to the heap of the context."
     meaning["static int encode("] = "Encodes a record: octets, or a negative status."
     meaning["static int decode("] = "Decodes a record: 0, or a negative status."
+    meaning["Present : 1;"] = "1 where the element of this name is there, 0 where it is not."
+    meaning["() = default;"] = "Empty: numbers are 0, pointers null, and no optional element is there."
+    meaning["void decode(const CBlob&"] = "Replaces the value by the one that is encoded in @p blob."
     meaning["using ASN1_T ="] = "The type of the record."
     meaning["operator!=("] = "The opposite of ==."
     meaning["operator<("] = "Compares as the class does."
@@ -19,8 +25,8 @@ BEGIN {
     meaning["operator==("] = "Whether both are equal."
     meaning["operator=("] = "Takes over the value of another."
     meaning[" swap("] = "Exchanges the values of two objects."
-    meaning[" begin() const"] = "The first element."
-    meaning[" end() const"] = "Behind the last element."
+    meaning[" begin()"] = "The first element."
+    meaning[" end()"] = "Behind the last element."
     meaning[" size() const"] = "The count of elements."
     meaning[" empty() const"] = "Whether there is no element."
 }
@@ -34,10 +40,58 @@ function meaningOf(line,   pattern) {
     return ""
 }
 
+# What kind of declaration a line begins: a constructor, a variable, an operator, a getter, a setter, or
+# what else has the same name.
+function kindOf(code,   name) {
+    if (code ~ /~[A-Za-z0-9_]+\(/) {
+        return "destructor"
+    }
+    if (code ~ /operator=\(/) {
+        return "assignment"
+    }
+    if (code ~ /operator/) {
+        return "operator"
+    }
+    if (code ~ /^ *(using|static_assert)/) {
+        return "other"
+    }
+    if (!match(code, /[A-Za-z0-9_]+\(/)) {
+        return "variable"
+    }
+    name = substr(code, RSTART, RLENGTH - 1)
+    if (substr(code, 1, RSTART - 1) ~ /^ *(explicit |constexpr )*$/) {
+        return code ~ ("\\((const )?" name "&&? ?[a-z]*\\)") ? "copy" : "constructor"
+    }
+    return match(name, /^(get|put|set)(_|[A-Z])/) ? substr(name, 1, 3) : name
+}
+
+# What the comment behind other declarations says, without arguments that this one does not have.
+function shared(code,   parts, count, i, name, text) {
+    if (kindOf(code) != kind) {
+        return ""
+    }
+    if (comment != "") {
+        return comment
+    }
+    count = split(rest, parts, / @/)
+    for (i = 2; i <= count; ++i) {
+        name = parts[i]
+        if (sub(/^t?param +/, "", name)) {
+            sub(/ .*/, "", name)
+            if (index(code, name) == 0) {
+                continue
+            }
+        }
+        text = text " @" parts[i]
+    }
+    return text
+}
+
 # A line of a comment in front of a declaration.
 /^ *\/\/\/($|[^<])/ && !/\/\/\/ @(file|code|endcode|cond|endcond)/ {
     if (!commented) {
         comment = ""
+        rest = ""
         commands = 0
         commented = 1
     }
@@ -48,6 +102,8 @@ function meaningOf(line,   pattern) {
     }
     if (!commands) {
         comment = comment " " text
+    } else {
+        rest = rest " " text
     }
     match($0, /^ */)
     indent = RLENGTH
@@ -57,7 +113,15 @@ function meaningOf(line,   pattern) {
 }
 
 # Gives out the comment in front of a declaration, but for arguments that this overload does not have.
-function release(code,   i, name) {
+function release(code,   i, name, known) {
+    known = meaningOf(code)
+    if (heldCount > 0 && comment == "" && known != "") {
+        sub(/\/\/\/ /, "&" known " ", held[1])
+    } else if (heldCount > 0 && comment == "" && sub(/\/\/\/ @return /, "/// Returns ", held[1])) {
+        for (i = 1; i < heldCount && held[i + 1] !~ /^ *\/\/\/ *@/; ++i) {
+        }
+        sub(/[.]?$/, ".", held[i])
+    }
     for (i = 1; i <= heldCount; ++i) {
         name = held[i]
         if (code ~ /;$/ && sub(/^.*@param +/, "", name)) {
@@ -76,6 +140,7 @@ function release(code,   i, name) {
 /^ *$/ || /^ *(public|protected|private):/ || /^ *#/ || /^ *\/\// {
     commented = 0
     comment = ""
+    rest = ""
     inside = 0
     print
     next
@@ -86,13 +151,27 @@ function release(code,   i, name) {
     own = RLENGTH
     begins = !inside
     # Declarations end with a semicolon, or with a body.
-    special = begins && /= (default|delete);/ && /(operator=|~[A-Za-z]+\(\)|[A-Z][A-Za-z0-9_<>, ]*\((const )?[A-Z][A-Za-z0-9_<>, :]*&&? ?[a-z]*\))/
-    if (special && !commented) {
+    own_kind = begins ? kindOf($0) : ""
+    special = own_kind == "copy" || own_kind == "destructor" ||
+        (own_kind == "assignment" && /= (default|delete);/)
+    if (special && !commented && /;$/) {
         print ""
         next
     }
-    if (begins && !commented && comment != "" && own == indent && !/^ *[{}]/ && !/\/\/\/</) {
-        printf "/**%s */ ", comment
+    if (commented) {
+        kind = own_kind
+    }
+    if (/^(class|struct) [A-Za-z]+<.*\{$/ && !commented) {
+        specialised = $2
+        sub(/<.*/, "", specialised)
+        printf "/** @copydoc %s */ ", specialised
+    } else if (specialised != "" && begins && !commented && match($0, /[A-Za-z]+( = |\(\) )/)) {
+        name = substr($0, RSTART, RLENGTH)
+        sub(/[ (].*/, "", name)
+        printf "/** @copydoc %s::%s */ ", specialised, name
+    } else if (begins && !commented && shared($0) != "" && own == indent && !/^ *[{}]/ &&
+               !/\/\/\/</) {
+        printf "/**%s */ ", shared($0)
     } else if (begins && !commented && !/\/\/\/</ && meaningOf($0) != "") {
         printf "/** %s */ ", meaningOf($0)
     }
@@ -113,10 +192,13 @@ function release(code,   i, name) {
         base = depth
         inside = 0
         comment = ""
-    } else if (code ~ /^ *\};?$/ && depth < base) {
+        rest = ""
+    } else if (code ~ /^ *\}/ && depth < base) {
         base = depth
         inside = 0
         comment = ""
+        rest = ""
+        specialised = ""
     }
 }
 

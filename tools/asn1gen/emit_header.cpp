@@ -73,7 +73,9 @@ public:
 
     /// On a context of its own.
     $C();
+    /// On the buffer and its context.
     explicit $C(ASN1MessageBufferIF& buffer);
+    /// On the context and the buffer of @p other.
     $C($C& other);
 
     int EncodeTo(ASN1MessageBufferIF& buffer) override;
@@ -88,12 +90,13 @@ public:
 
     /// On a context of its own; the value is the caller's and outlives the object.
     explicit $C($T& value);
+    /// On the buffer and its context, with a value of the caller's too.
     $C(ASN1MessageBufferIF& buffer, $T& value);
 )";
 
 constexpr const char* ControlCopy = R"(
     /// On the context and the buffer of @p other, with a deep copy of its value.
-    /// @throws ASN1MessageBuffer::RTLError with -12 when memory is out
+    /// @throws ASN1MessageBuffer::RTLError with ASN1S_NO_MEMORY when memory is out
     $C($C& other);
     /// Copies the other value over this one, on to this object's context. What the value held
     /// goes back to its heap: text or octets of your own must not hang from it.
@@ -397,14 +400,14 @@ void Emitter::namedNumbers(Writer& out, const Type& type) {
 
 void Emitter::sequenceMembers(Writer& out, const Type& type) {
     if (type.hasPresence()) {
-        out.line("    /// Which of the optional elements are there.");
+        out.line("    /// Which of the optional elements are there: 1 in the bit of one that is.");
         out.line("    struct Presence {");
         for (const Element& element : type.elements) {
             if (element.presence == Presence::Optional) {
                 out.line("        unsigned " + cppName(element.name) + "Present : 1;");
             }
         }
-        out.line("    } m = Presence();");
+        out.line("    } m = Presence(); ///< an element without its bit is not looked at");
     }
     for (const Element& element : type.elements) {
         if (element.type->shape == Shape::Null) {
@@ -432,7 +435,7 @@ void Emitter::choiceMembers(Writer& out, const Type& type) {
     const bool hasMembers =
         std::any_of(type.elements.begin(), type.elements.end(),
                     [](const Element& element) { return element.type->shape != Shape::Null; });
-    out.line("    /// The value of the alternative that `t` tells.");
+    out.line("    /// A member for each alternative that has a value.");
     out.line("    union U {");
     for (const Element& element : type.elements) {
         if (element.type->shape == Shape::Null) {
@@ -448,7 +451,7 @@ void Emitter::choiceMembers(Writer& out, const Type& type) {
         out.line("        /// No alternative has a value.");
         out.line("        char none;");
     }
-    out.line("    } u = U();");
+    out.line("    } u = U(); ///< the value of the alternative that `t` tells");
 }
 
 void Emitter::recordFunctions(Writer& out, const Type& type) {
@@ -500,25 +503,29 @@ void Emitter::record(Writer& out, const Type& type) {
     case Shape::Array:
         out.line("    /// Elements in `elem`.");
         out.line("    unsigned int n = 0;");
-        out.line("    " + referredType(*type.element, *type.module) + "* elem = nullptr;");
+        out.line("    " + referredType(*type.element, *type.module) +
+                 "* elem = nullptr; ///< a block of the context's heap, or the caller's");
         break;
     case Shape::FixedArray: {
         const std::string start = initializer(*type.element).empty() ? "" : " = {}";
         out.line("    /// Elements in use.");
         out.line("    unsigned int n = 0;");
         out.line("    " + memberType(*type.element, *type.module) + " elem[" +
-                 std::to_string(type.capacity) + "]" + start + ";");
+                 std::to_string(type.capacity) + "]" + start +
+                 "; ///< those from `n` on are not looked at");
         break;
     }
     case Shape::FixedOctetString:
         out.line("    /// Octets in use.");
         out.line("    unsigned int numocts = 0;");
-        out.line("    unsigned char data[" + std::to_string(type.capacity) + "] = {};");
+        out.line("    unsigned char data[" + std::to_string(type.capacity) +
+                 "] = {}; ///< those from `numocts` on are not looked at");
         break;
     case Shape::FixedBitString:
         out.line("    /// Bits in use.");
         out.line("    unsigned int numbits = 0;");
-        out.line("    unsigned char data[" + std::to_string((type.capacity + 7) / 8) + "] = {};");
+        out.line("    unsigned char data[" + std::to_string((type.capacity + 7) / 8) +
+                 "] = {}; ///< the first bit is the high bit of the first octet");
         break;
     default:
         break;

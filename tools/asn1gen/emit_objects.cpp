@@ -49,6 +49,7 @@ constexpr const char* ClassIdentifier = R"(
     ASN1TObjId id;
 
 protected:
+    /// @param count of the arcs of `id`, which are copied
     $X(unsigned char count, const unsigned* arcs);
 };
 )";
@@ -222,14 +223,14 @@ void Emitter::objectClass(Writer& out, const ObjectClass& objectClass) {
     }
     out.line();
     if (objectClass.hasOptionalFields()) {
-        out.line("    /// Which of the optional fields are set.");
+        out.line("    /// Which of the optional fields are set: 1 in the bit of one that is.");
         out.line("    struct Presence {");
         for (const ClassFieldNode& field : node.fields) {
             if (field.optional) {
                 out.line("        unsigned " + cppName(field.name) + "Present : 1;");
             }
         }
-        out.line("    } m = Presence();");
+        out.line("    } m = Presence(); ///< a bit each");
     }
     for (const ClassFieldNode& field : node.fields) {
         if (!field.isType && field.name != "id") {

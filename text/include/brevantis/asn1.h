@@ -18,11 +18,12 @@
 extern "C" {
 #endif
 
+/** In front of a declaration: the library offers it. */
 #define BASN1_API __attribute__((visibility("default")))
 
 /** Statuses that a program may want to tell apart; all others are those of the decoder. */
 enum {
-    BASN1_OK = 0,
+    BASN1_OK = 0,                     /**< nothing failed */
     BASN1_STOPPED = -1,               /**< the write callback wanted no more */
     BASN1_MISSING_ELEMENT = -8,       /**< a mandatory element, or one that a path names */
     BASN1_EXTRA_ELEMENT = -10,        /**< octets behind the message, or an element too many */
@@ -72,7 +73,7 @@ typedef struct basn1_messages basn1_messages;
 typedef struct basn1_schema_text {
     const char* name; /**< terminated; as failures show it */
     const char* text; /**< which need not be terminated: one module or several */
-    size_t size;
+    size_t size;      /**< octets at `text` */
 } basn1_schema_text;
 
 /** Takes a piece of text, which is not terminated and lives until it returns.

@@ -28,6 +28,7 @@ public:
     /// @throw ATL::CAtlException E_INVALIDARG for null @p data and a @p size above 0
     CBlob(const unsigned char* data, unsigned long size);
 
+    /// Size in octets.
     unsigned long cbData() const noexcept { return octets_.size(); }
 
     /// The octets, valid until the blob changes its size or goes; may be null when there are none.
@@ -41,6 +42,7 @@ public:
     /// constructor.
     void assign(const unsigned char* data, unsigned long size);
 
+    /// Leaves no octets.
     void clear() noexcept { octets_.clear(); }
 
     void swap(CBlob& other) noexcept { octets_.swap(other.octets_); }

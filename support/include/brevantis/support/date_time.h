@@ -12,11 +12,14 @@ namespace Brevantis {
 /// A length of time in milliseconds; may be negative.
 class CDateTimeSpan {
 public:
+    /// @param milliseconds any number; below 0 for a span that leads back
     explicit constexpr CDateTimeSpan(long long milliseconds = 0) noexcept
         : milliseconds_(milliseconds) {}
 
+    /// 1000 milliseconds.
     static constexpr CDateTimeSpan OneSecond() noexcept { return CDateTimeSpan(1000); }
 
+    /// The whole span, as the constructor was given it.
     constexpr long long milliseconds() const noexcept { return milliseconds_; }
 
 private:
@@ -61,13 +64,13 @@ public:
     /// @throw ATL::CAtlException E_INVALIDARG when the sum is outside the years 0 to 9999
     CDateTime& operator+=(const CDateTimeSpan& span);
 
-    int year() const noexcept;
-    int month() const noexcept; ///< 1 to 12
-    int day() const noexcept;   ///< 1 to 31
-    int hour() const noexcept;
-    int minute() const noexcept;
-    int second() const noexcept;
-    int millisecond() const noexcept;
+    int year() const noexcept;        ///< 0 to 9999
+    int month() const noexcept;       ///< 1 to 12
+    int day() const noexcept;         ///< 1 to 31
+    int hour() const noexcept;        ///< 0 to 23
+    int minute() const noexcept;      ///< 0 to 59
+    int second() const noexcept;      ///< 0 to 59
+    int millisecond() const noexcept; ///< 0 to 999
 
     /// The GeneralizedTime that DER prescribes (X.690, 11.7): YYYYMMDDHHMMSS, a point and the
     /// milliseconds without trailing zeros unless they are 0, "Z".

@@ -65,6 +65,7 @@ public:
     friend bool operator<=(View a, View b) noexcept { return a.characters <= b.characters; }
     friend bool operator>=(View a, View b) noexcept { return a.characters >= b.characters; }
 
+    /// Writes the characters up to the end of the text, as the stream writes a string.
     friend std::basic_ostream<Char>& operator<<(std::basic_ostream<Char>& stream,
                                                 const BasicStringProxy& text) {
         return stream << text.text_;

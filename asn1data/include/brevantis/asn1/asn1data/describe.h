@@ -27,9 +27,9 @@ enum class Tagging : unsigned char {
 
 /// Whether an element must be there.
 enum class Presence : unsigned char {
-    Mandatory,
-    Optional, ///< told by a bit of `m`
-    Default   ///< told by its value
+    Mandatory, ///< always there; it has no bit and no default
+    Optional,  ///< told by a bit of `m`
+    Default    ///< told by its value
 };
 
 /// No offset: the record does not have what the field would locate.
@@ -37,15 +37,15 @@ enum : unsigned { NoOffset = 0xFFFFFFFFu };
 
 /// A range of permitted values or sizes, bounds included.
 struct ValueRange {
-    long long lower;
-    long long upper;
+    long long lower; ///< the least
+    long long upper; ///< the greatest
 };
 
 /// Permitted values of a number, or permitted sizes of anything else (octets, bits, characters,
 /// elements): any of the ranges. Without a range everything is permitted.
 struct Constraint {
-    const ValueRange* ranges;
-    unsigned count;
+    const ValueRange* ranges; ///< null when there is none
+    unsigned count;           ///< of `ranges`
 };
 
 /// A number of an INTEGER or ENUMERATED, or a bit of a BIT STRING, that the notation gives a name.
@@ -56,8 +56,9 @@ struct NamedNumber {
 
 /// The identifier octets that a value can begin with on the wire, a bit each.
 struct IdentifierSet {
-    unsigned long long bits[4];
+    unsigned long long bits[4]; ///< bit i of the set is bit i modulo 64 of number i / 64
 
+    /// Whether a value can begin with an identifier octet.
     constexpr bool contains(unsigned char octet) const {
         return ((bits[octet >> 6] >> (octet & 63)) & 1u) != 0;
     }
@@ -76,13 +77,13 @@ enum class Road : unsigned char {
 /// An element of a SEQUENCE or SET, or an alternative of a CHOICE.
 struct ElementDescription {
     const char* name; ///< name of the member of the record, or of the member of the union `u`
-    const TypeDescription* type;
-    unsigned offset; ///< octets from the start of the record; of the union in a CHOICE
-    ASN1TAG tag;     ///< with its form bit; 0 without one
-    Tagging tagging;
-    Presence presence;
-    unsigned char presenceBit; ///< number of the bit in `m` when `presence` is Optional
-    bool indirect;             ///< CHOICE: the union holds a pointer to a record on the heap
+    const TypeDescription* type; ///< of its values, own tag and constraint apart
+    unsigned offset;             ///< octets from the start of the record; of the union in a CHOICE
+    ASN1TAG tag;                 ///< with its form bit; 0 without one
+    Tagging tagging;             ///< how `tag` stands to the tag of `type`
+    Presence presence;           ///< whether it must be there, or how it is told
+    unsigned char presenceBit;   ///< number of the bit in `m` when `presence` is Optional
+    bool indirect;               ///< CHOICE: the union holds a pointer to a record on the heap
     /// First identifier octet of `tag`; 0 without one.
     unsigned char identifier;
     Constraint constraint;   ///< beyond the type's own
@@ -110,19 +111,19 @@ struct ObjectIndex {
 
 /// A pair of an identifier and the type that goes with it.
 struct ObjectDescription {
-    const char* name;
-    const unsigned* arcs;
-    unsigned arcCount;
+    const char* name;            ///< of the object in C++, such as "commonName"
+    const unsigned* arcs;        ///< the identifier; null when it has none
+    unsigned arcCount;           ///< of `arcs`
     const TypeDescription* type; ///< null: the object has no value type
 };
 
 /// An information object set.
 struct ObjectSetDescription {
-    const char* name;
-    const char* objectClass;
+    const char* name;        ///< of the set in C++, such as "SupportedAttributes"
+    const char* objectClass; ///< of the class of its objects in C++, such as "ALGORITHM_ID"
     const ObjectDescription* objects; ///< in table order; the first match wins
-    unsigned count;
-    ObjectIndex index; ///< without places the objects are looked through one by one
+    unsigned count;                   ///< of `objects`
+    ObjectIndex index;                ///< without places the objects are looked through one by one
 };
 
 /// What a table constraint resolves.
@@ -134,13 +135,14 @@ enum class OpenValue : unsigned char {
 
 /// Binds the open value of a record to an object set by an identifier in the same record.
 struct TableConstraint {
+    /// The set that tells the type that goes with an identifier.
     const ObjectSetDescription* objects;
-    OpenValue value;
+    OpenValue value;           ///< where the open value stands in the record
     unsigned identifierOffset; ///< of the `ASN1TObjId`
     unsigned valueOffset;      ///< of the `Asn1TObject`, the list or the `ASN1TDynOctStr`
     unsigned slotOffset;       ///< of the `Asn1TObject`; differs from `valueOffset` for OctetString
     unsigned presenceOffset;   ///< of `m` when the value is OPTIONAL, NoOffset otherwise
-    unsigned char presenceBit;
+    unsigned char presenceBit; ///< number of the bit in `m` when the value is OPTIONAL
 };
 
 /// A type: name, notation, storage, tags, constraints.
@@ -148,8 +150,8 @@ struct TypeDescription {
     const char* name;     ///< as in `ASN1T_name`; the notation's own name for a built-in type
     const char* notation; ///< right-hand side of the ASN.1 assignment, null for a built-in type
     const char* standard; ///< where the structure is published, null for a built-in type
-    Shape shape;
-    bool setOf;                  ///< List, Array, FixedArray: a SET OF rather than a SEQUENCE OF
+    Shape shape;          ///< what a value is in memory; see value_visit.h
+    bool setOf;           ///< List, Array, FixedArray: a SET OF rather than a SEQUENCE OF
     bool stepsOverEndOfContents; ///< the decoder steps over the end-of-contents of its own tag
     bool closesRecursion;        ///< values of the type can nest in values of the type
     bool holdsMemory;            ///< there is something to release
@@ -163,24 +165,26 @@ struct TypeDescription {
     unsigned presenceOffset;     ///< of `m`, NoOffset without OPTIONAL elements
     unsigned extensionOffset;    ///< of the list of unknown elements, NoOffset if none are kept
     IdentifierSet identifiers;   ///< what a value can begin with
+    /// Of a SEQUENCE, SET or CHOICE, in the order of the notation; null otherwise.
     const ElementDescription* elements;
-    unsigned elementCount;
-    unsigned mandatoryCount;
-    Constraint constraint;
+    unsigned elementCount;          ///< of `elements`
+    unsigned mandatoryCount;        ///< elements that must be there
+    Constraint constraint;          ///< of the type's own; without ranges where there is none
     const char* parameter;          ///< what a broken `constraint` names, as "pvalue->count"
     const TypeDescription* element; ///< List, Array, FixedArray: the type of the elements
     const TypeDescription* aliasOf; ///< the catalogue type that this one is another name of
     const TableConstraint* table;   ///< null unless an object set resolves an open value in it
     const NamedNumber* names;       ///< numbers and bits with a name, in the notation's order
-    unsigned nameCount;
-    Road road;
-    unsigned char identifier; ///< first identifier octet of `tag`
-    bool hasDefaults;         ///< an element has a DEFAULT
+    unsigned nameCount;             ///< of `names`
+    Road road;                      ///< what stands in front of the contents
+    unsigned char identifier;       ///< first identifier octet of `tag`
+    bool hasDefaults;               ///< an element has a DEFAULT
 };
 
 /// Descriptions of the types that the notation itself brings along, as builtin_types.inc lists
 /// them. `openType` holds an `ASN1TOpenType`, `typedOpenType` an `Asn1TObject`.
 namespace builtin {
+/// Declares the description of a type, as each line of builtin_types.inc lists it.
 #define BREVANTIS_BUILTIN_TYPE(constant, notation, variant, shape, tag, storage)                   \
     extern BREVANTIS_ASN1_API const TypeDescription constant;
 #include <brevantis/asn1/asn1data/builtin_types.inc>
@@ -188,12 +192,13 @@ namespace builtin {
 
 /// A range over descriptions.
 struct TypeRange {
-    const TypeDescription* const* first;
-    std::size_t count;
+    const TypeDescription* const* first; ///< `count` pointers, none of them null
+    std::size_t count;                   ///< descriptions in the range
 
     const TypeDescription* const* begin() const { return first; }
     const TypeDescription* const* end() const { return first + count; }
     std::size_t size() const { return count; }
+    /// @param index below `count`
     const TypeDescription& operator[](std::size_t index) const { return *first[index]; }
 };
 
@@ -207,8 +212,8 @@ BREVANTIS_ASN1_API const TypeDescription* findType(const char* name) noexcept;
 
 /// A range over object sets.
 struct ObjectSetRange {
-    const ObjectSetDescription* const* first;
-    std::size_t count;
+    const ObjectSetDescription* const* first; ///< `count` pointers, none of them null
+    std::size_t count;                        ///< sets in the range
 
     const ObjectSetDescription* const* begin() const { return first; }
     const ObjectSetDescription* const* end() const { return first + count; }
@@ -220,14 +225,14 @@ BREVANTIS_ASN1_API ObjectSetRange allObjectSets() noexcept;
 
 /// A constant object identifier by name.
 struct IdentifierDescription {
-    const char* name; ///< of the constant, as "id_at_commonName"
-    const ASN1OBJID* identifier;
+    const char* name;            ///< of the constant, as "id_at_commonName"
+    const ASN1OBJID* identifier; ///< its arcs
 };
 
 /// A range over constant identifiers.
 struct IdentifierRange {
-    const IdentifierDescription* first;
-    std::size_t count;
+    const IdentifierDescription* first; ///< `count` records, one behind the other
+    std::size_t count;                  ///< identifiers in the range
 
     const IdentifierDescription* begin() const { return first; }
     const IdentifierDescription* end() const { return first + count; }

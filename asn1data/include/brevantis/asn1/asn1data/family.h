@@ -81,9 +81,10 @@ BREVANTIS_ASN1_API void exchange(const TypeDescription& type, void* left, void* 
 /// such elements were put there by a program.
 BREVANTIS_ASN1_API void leaveForeignElements(ASN1CTXT* ctxt, Asn1RTDList& list) noexcept;
 
+/// Whether a record tells in a member `ownerContext` that it is a copy with memory of its own.
 template <class Record, class = void>
 struct HasOwnerContext {
-    static constexpr bool value = false;
+    static constexpr bool value = false; ///< true for a record that has the member
 };
 template <class Record>
 struct HasOwnerContext<Record, decltype(static_cast<void>(&Record::ownerContext))> {

@@ -112,6 +112,7 @@ constexpr ObjectIndex chainObjects(const ObjectDescription* objects, unsigned co
 /// The chains of a set of `Count` objects.
 template <unsigned Count>
 struct ObjectChains {
+    /// Chains that a set of this size has: a power of two, at least 4 and twice as many as objects.
     static constexpr unsigned placeCount() {
         unsigned count = 4;
         while (count < 2 * Count) {
@@ -119,12 +120,15 @@ struct ObjectChains {
         }
         return count;
     }
+    /// Of the class of its objects in the notation, such as "ATTRIBUTE".
     unsigned first[placeCount()] = {};
-    unsigned next[Count] = {};
+    unsigned next[Count] = {}; ///< as in ObjectIndex
 
+    /// @param objects of the set; they are not referred to later
     constexpr explicit ObjectChains(const ObjectDescription (&objects)[Count]) {
         chainObjects(objects, Count, first, next, placeCount());
     }
+    /// The chains as a description of the set has them; valid while this object lives.
     constexpr ObjectIndex index() const { return {first, next, placeCount()}; }
 };
 

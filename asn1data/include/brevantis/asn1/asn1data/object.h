@@ -24,8 +24,8 @@ public:
     int EncodeTo(ASN1MessageBufferIF& buffer) override;
     int DecodeFrom(ASN1MessageBufferIF& buffer) override;
 
-    const TypeDescription& type;
-    void* msgData; ///< the value served
+    const TypeDescription& type; ///< what `msgData` points to
+    void* msgData;               ///< the value served
 };
 
 namespace family {

@@ -43,6 +43,7 @@ struct ReadingPolicy {
     /// As for rtMemHeapSetLimit; 0 for no limit. A walk stores nothing and does not look at it.
     std::size_t octetLimit = 0;
 
+    /// No policy and no limit beyond that of 64 levels.
     ReadingPolicy() = default;
     /// Policies without limits.
     ReadingPolicy(int policies) noexcept : flags(policies) {} // NOLINT(google-explicit-constructor)

@@ -38,8 +38,8 @@ namespace asn1data {
 
 /// Octets somewhere in a list. Null where an element is absent.
 struct OctetSpan {
-    const unsigned char* data;
-    std::size_t size;
+    const unsigned char* data; ///< in the message, which outlives it
+    std::size_t size;          ///< octets at `data`
 };
 
 /// What stands in front of the entries of a list, and behind them.
@@ -85,6 +85,7 @@ private:
 
 /// An entry of a list.
 struct RevokedEntry {
+    /// The `reason` of an entry that tells none.
     enum : int { NoReason = -1 };
 
     OctetSpan octets;         ///< the whole element
@@ -104,7 +105,7 @@ struct RevokedEntry {
 struct EntryExtension {
     OctetSpan identifier; ///< contents octets of the OBJECT IDENTIFIER
     OctetSpan value;      ///< contents octets of extnValue
-    bool critical;
+    bool critical; ///< whether a reader that does not know the extension has to refuse the list
 };
 
 /// Goes through the entries of a list, in constant memory.

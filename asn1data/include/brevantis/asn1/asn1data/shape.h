@@ -36,25 +36,25 @@ enum class Shape : unsigned char {
 
 /// What a value is, whatever holds it.
 enum class ShapeKind : unsigned char {
-    Boolean,
-    Number,    ///< INTEGER or ENUMERATED in a machine word
-    BigNumber, ///< INTEGER of any size, as text
-    Null,
-    ObjectIdentifier,
-    OctetString,
-    BitString,
-    Text, ///< any character string or time
-    OpenType,
-    Record, ///< SEQUENCE or SET
-    Choice,
-    Repeated ///< SEQUENCE OF or SET OF
+    Boolean,          ///< BOOLEAN
+    Number,           ///< INTEGER or ENUMERATED in a machine word
+    BigNumber,        ///< INTEGER of any size, as text
+    Null,             ///< NULL: no member of a record stands for it
+    ObjectIdentifier, ///< OBJECT IDENTIFIER
+    OctetString,      ///< OCTET STRING
+    BitString,        ///< BIT STRING, with named bits or without
+    Text,             ///< any character string or time
+    OpenType,         ///< any value, as a whole element
+    Record,           ///< SEQUENCE or SET
+    Choice,           ///< CHOICE
+    Repeated          ///< SEQUENCE OF or SET OF
 };
 
 /// What is known of a shape.
 struct ShapeTraits {
-    Shape shape;
-    const char* name; ///< of the enumerator
-    ShapeKind kind;
+    Shape shape;           ///< whose row it is
+    const char* name;      ///< of the enumerator
+    ShapeKind kind;        ///< what a value is in the notation
     bool scalar;           ///< a number, a BOOLEAN or a pointer to text: a union holds it by value
     bool holdsMemory;      ///< the value itself points to a block of the heap that is released
     const char* countName; ///< member with the count that a size constraint is about; empty if none
@@ -126,6 +126,7 @@ constexpr bool isFixed(Shape shape) {
 
 namespace shape_detail {
 
+/// Whether values are strings, as isString tells it of shapes.
 constexpr bool isStringKind(ShapeKind kind) {
     return kind == ShapeKind::OctetString || kind == ShapeKind::BitString ||
            kind == ShapeKind::Text;

@@ -23,6 +23,7 @@ using Is = std::integral_constant<Shape, S>;
 /// @tparam Octet `unsigned char`, const where the value is
 template <class Octet>
 struct FixedString {
+    /// Type of the count, as constant as the octets.
     using Count = std::conditional_t<std::is_const_v<Octet>, const unsigned, unsigned>;
     Count& count;      ///< octets or bits in use
     Octet* data;       ///< room for `capacity`
@@ -32,6 +33,7 @@ struct FixedString {
 /// What a value is in memory. `void` where its description tells: elements lie at offsets.
 template <Shape>
 struct Stored {
+    /// What stands where the description locates the value.
     using Type = void;
 };
 template <>

@@ -35,7 +35,7 @@ struct WalkStep {
     const WalkStep* outer; ///< null for the message itself
     const char* name;      ///< Member, Alternative and Object; null otherwise
     unsigned index;        ///< Index and Addition; 0 otherwise
-    StepKind kind;
+    StepKind kind;         ///< what the step leads to
 };
 
 /// Writes the path that ends with a step, as "tbsCertificate.extensions[3].extnValue.keyUsage": the
@@ -97,7 +97,7 @@ struct WalkElement {
 
 /// What becomes of a walk after a call of the visitor.
 enum class WalkAction : unsigned char {
-    Continue,
+    Continue, ///< it goes on
     /// From `enter`: the contents are stepped over by their length, unread and unchecked, their
     /// constraint included; `leave` is not called. Elsewhere the same as Continue.
     Skip,
@@ -198,6 +198,8 @@ enum class Finding : unsigned char {
 
 /// Why a walk failed. It holds everything itself and may be kept.
 struct WalkFailure {
+
+    /// Octets of `path`.
     enum : std::size_t { PathSize = 256 };
 
     int status;             ///< the decoder's; 0 when nothing failed
@@ -206,9 +208,9 @@ struct WalkFailure {
     unsigned partOffset;    ///< `offset` counted from the start of the innermost open value
     bool assembled;         ///< as in WalkElement: all three count from the assembled octets
     bool pathCut;           ///< the path is longer than `path`
-    Expectation expectation;
-    Finding finding;
-    long long foundNumber;
+    Expectation expectation;          ///< what was to stand there
+    Finding finding;                  ///< what stands there instead
+    long long foundNumber;            ///< what `finding` tells by a number; 0 otherwise
     const TypeDescription* type;      ///< that was to be read; null when none of one
     const TypeDescription* container; ///< OneOf, NoElement, OtherMember; else null
     unsigned firstExpected;           ///< OneOf: index in `container->elements`
@@ -265,9 +267,9 @@ struct WalkResult {
     /// 0 when the message was accepted or the visitor stopped, else negative; that of the first
     /// fault where the walk went on behind faults.
     int status;
-    bool stopped;      ///< the visitor stopped it
-    unsigned consumed; ///< octets that the message takes; what is behind them was not looked at
-    WalkFailure failure;
+    bool stopped;        ///< the visitor stopped it
+    unsigned consumed;   ///< octets that the message takes; what is behind them was not looked at
+    WalkFailure failure; ///< why, when it is not 0
 };
 
 /// Goes through one message.
@@ -286,14 +288,14 @@ BREVANTIS_ASN1_API WalkResult walk(const TypeDescription& type, const unsigned c
 
 /// An element that was found in a message.
 struct ElementSpan {
-    int status;                ///< 0 when it was found
-    const unsigned char* data; ///< its first octet, null when it was not found
-    unsigned size;             ///< octets of the whole element
-    unsigned offset;           ///< of the first octet in the message
-    unsigned contentOffset;    ///< of the first octet of contents
-    int contentLength;         ///< octets of contents, or ASN1IndefiniteLength
-    const TypeDescription* type;
-    WalkFailure failure; ///< why, when the message failed in front of the element
+    int status;                  ///< 0 when it was found
+    const unsigned char* data;   ///< its first octet, null when it was not found
+    unsigned size;               ///< octets of the whole element
+    unsigned offset;             ///< of the first octet in the message
+    unsigned contentOffset;      ///< of the first octet of contents
+    int contentLength;           ///< octets of contents, or ASN1IndefiniteLength
+    const TypeDescription* type; ///< its type; null when it was not found
+    WalkFailure failure;         ///< why, when the message failed in front of the element
 };
 
 /// Finds an element by its path, and stops there: the way to a few fields of a message, where they

@@ -27,6 +27,7 @@ public:
 
     /// @throws std::bad_alloc
     void enter(const WalkElement& element);
+    /// An element without others in it: nothing is entered.
     void primitive(const WalkElement& element);
     /// @return no octets either where the element is of indefinite length, or the last one in it
     ///         is and the element is no OCTET STRING
@@ -51,6 +52,7 @@ public:
 
     /// @throws std::bad_alloc
     void enter(const WalkElement& element);
+    /// Ends the element that was entered last.
     void leave() { containers_.pop_back(); }
 
     /// Whether an element belongs in front of the one before it; to be asked once of each element,

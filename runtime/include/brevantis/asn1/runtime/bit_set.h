@@ -77,8 +77,10 @@ public:
     ASN1CBitStr(ASN1Context& sharedContext, unsigned int numBits);
 
     /// A copy in own memory, on the context and buffer of @p other unless others are given.
-    /// @param extendable non-zero: the copy may grow; otherwise it has the limit of @p other
+    /// It has the limit of @p other.
     ASN1CBitStr(const ASN1CBitStr& other);
+    /// The same, with a limit or without.
+    /// @param extendable non-zero: the copy may grow; otherwise it has the limit of @p other
     ASN1CBitStr(const ASN1CBitStr& other, unsigned char extendable);
     ASN1CBitStr(ASN1MessageBufferIF& buffer, const ASN1CBitStr& other,
                 unsigned char extendable = 0);
@@ -181,6 +183,9 @@ protected:
     /// Binds a string that was built without data to a caller's record, as it is.
     void init(ASN1TDynBitStr& record);
 
+    /// What the constructors do with their arguments, once the context is there: ASN1S_NO_MEMORY is
+    /// recorded in it when memory is out, and the string then takes nothing.
+    /// @param numBits as in the constructor that has the same arguments
     void privateInit(unsigned char* data, unsigned int& numBits, unsigned int maxBits);
     void privateInit(ASN1TDynBitStr& record);
     void privateInit(unsigned int numBits);
@@ -190,6 +195,7 @@ protected:
     unsigned char* allocateMemory(int octets);
     /// @return the block, moved or not, with its new octets zeroed; null when memory is out
     unsigned char* reallocateMemory(unsigned char* block, int oldOctets, int newOctets);
+    /// Gives a block back to the context's heap; it stays where there is no context.
     void freeMemory(unsigned char* block);
     /// Brings at least @p units octets into use, growing if need be.
     /// @return 0; ASN1S_INVALID_LENGTH when a string of fixed size has fewer; ASN1S_NO_MEMORY; both

@@ -10,14 +10,15 @@
 
 /// Class flags of a character.
 enum ASN1CharacterClass : unsigned char {
-    ASN1CharUpperCase = 0x01,
-    ASN1CharLowerCase = 0x02,
-    ASN1CharDigit = 0x04,
+    ASN1CharUpperCase = 0x01, ///< A to Z
+    ASN1CharLowerCase = 0x02, ///< a to z
+    ASN1CharDigit = 0x04,     ///< 0 to 9
+    /// Space, and 9 to 13: tab, line feed, vertical tab, form feed, carriage return.
     ASN1CharWhiteSpace = 0x08,
-    ASN1CharPunctuation = 0x10,
-    ASN1CharControl = 0x20,
+    ASN1CharPunctuation = 0x10, ///< what can be seen and is neither letter nor digit
+    ASN1CharControl = 0x20,     ///< 0 to 31 and 127
     ASN1CharHexadecimal = 0x40, ///< a letter that is a hexadecimal digit
-    ASN1CharBlank = 0x80
+    ASN1CharBlank = 0x80        ///< the space alone
 };
 
 /// Flags by character value; 0 from 128 on.

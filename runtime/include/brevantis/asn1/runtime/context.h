@@ -28,6 +28,7 @@ enum ASN1ContextFlag : unsigned short {
 
 /// Descriptor of the message buffer.
 struct ASN1Buffer {
+    /// The octets; null while nothing is bound.
     unsigned char* data;
     /// Decoding: the next octet to read. Encoding: the first octet written so far.
     unsigned int byteIndex;
@@ -41,9 +42,9 @@ struct ASN1Buffer {
 
 /// A saved position of the buffer.
 struct ASN1SavedState {
-    unsigned int byteIndex;
-    unsigned short bitOffset;
-    unsigned short flags;
+    unsigned int byteIndex;   ///< where `ASN1Buffer::byteIndex` was, in octets
+    unsigned short bitOffset; ///< where `ASN1Buffer::bitOffset` was
+    unsigned short flags;     ///< the ASN1ContextFlag bits that were set
 };
 
 struct ASN1Stream;
@@ -51,13 +52,15 @@ struct ASN1Stream;
 /// State of one coding run: heap, buffer, position, first error, flags. Set up by rtInitContext,
 /// torn down by rtFreeContext; one thread at a time.
 struct ASN1CTXT {
-    void* msgMemHeap; ///< reference to a heap (ASN1MemHeap) for message data
-    void* memHeap;    ///< reference to the heap that every decoded or copied value comes from
-    ASN1Buffer buffer;
+    void* msgMemHeap;   ///< reference to a heap (ASN1MemHeap) for message data
+    void* memHeap;      ///< reference to the heap that every decoded or copied value comes from
+    ASN1Buffer buffer;  ///< the message that is read or written
     ASN1Stream* stream; ///< null unless a stream is attached
+    /// The position in front of the header that was read last, for whoever has to go back there.
     ASN1SavedState savedInfo;
-    ASN1ErrInfo errInfo;
+    ASN1ErrInfo errInfo;       ///< the first failure since the record was cleared
     unsigned int elementLimit; ///< rtCtxtSetElementLimit; 0 without a limit
+    /// Lists for a program's own entries, freed with the context. No coder uses them.
     Asn1RTSList headList;
     Asn1RTSList tailList;
     unsigned int initCode; ///< 0x1AA2A34A while the context is set up
@@ -129,6 +132,7 @@ public:
 
     void _ref() noexcept; ///< adds a reference
     void _unref();        ///< drops a reference; the last one deletes the object
+    /// References held; 0 for an object without a holder.
     unsigned int getRefCount() const noexcept;
     void PrintErrorInfo() noexcept; ///< rtErrPrint on the error record
 
@@ -146,13 +150,18 @@ private:
 /// Counted reference to an ASN1Context; empty when default-made.
 class ASN1ContextRef {
 public:
+    /// An empty reference.
     ASN1ContextRef() noexcept = default;
+    /// Takes a reference.
+    /// @param context may be null, for an empty reference
     explicit ASN1ContextRef(ASN1Context* context) noexcept : context_(context) {
         if (context_ != nullptr) {
             context_->_ref();
         }
     }
+    /// Takes a further reference.
     ASN1ContextRef(const ASN1ContextRef& other) noexcept : ASN1ContextRef(other.context_) {}
+    /// Takes over the reference of @p other, which is empty then.
     ASN1ContextRef(ASN1ContextRef&& other) noexcept
         : context_(std::exchange(other.context_, nullptr)) {}
     ~ASN1ContextRef() { reset(); }
@@ -165,15 +174,19 @@ public:
         return *this;
     }
 
+    /// Drops the reference; with the last one the context goes.
     void reset() noexcept {
         if (ASN1Context* old = std::exchange(context_, nullptr)) {
             old->_unref();
         }
     }
     void swap(ASN1ContextRef& other) noexcept { std::swap(context_, other.context_); }
+    /// The context, null for an empty reference. Valid while some reference is held.
     ASN1Context* get() const noexcept { return context_; }
+    /// The same; of an empty reference neither may be asked.
     ASN1Context* operator->() const noexcept { return context_; }
     ASN1Context& operator*() const noexcept { return *context_; }
+    /// Whether there is a context.
     explicit operator bool() const noexcept { return context_ != nullptr; }
 
 private:

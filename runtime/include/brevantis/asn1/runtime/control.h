@@ -33,10 +33,12 @@ public:
     /// @return 0 or a status; ASN1S_INVALID_PARAMETER when there is no buffer
     virtual int Decode();
     /// Encodes the value to @p buffer.
-    /// @return octets written, 0 or more, or a negative status; 0 here, as there is no value
+    /// @return octets written, 0 or more, or a negative status; always 0 from ASN1CType itself,
+    /// which
+    ///         has no value
     virtual int EncodeTo(ASN1MessageBufferIF& buffer);
     /// Decodes the value from @p buffer.
-    /// @return 0 or a status; 0 here, as there is no value
+    /// @return 0 or a status; always 0 from ASN1CType itself
     virtual int DecodeFrom(ASN1MessageBufferIF& buffer);
 
     /// Turns to another buffer, which stays the caller's. From now on the object's context
@@ -51,8 +53,8 @@ public:
     ASN1MessageBufferIF* getMsgBuf() const noexcept { return msgBuf; }
 
 protected:
-    ASN1ContextRef context;
-    ASN1MessageBufferIF* msgBuf = nullptr;
+    ASN1ContextRef context; ///< held as long as the object lives; setMsgBuf leaves it
+    ASN1MessageBufferIF* msgBuf = nullptr; ///< not owned; null when none was given
 };
 
 #endif

@@ -50,7 +50,7 @@ constexpr unsigned int rtLengthSize(int length) noexcept {
 
 /// A header that has been read.
 struct ASN1Header {
-    ASN1TAG tag;
+    ASN1TAG tag;          ///< class, form and number, as ASN1TAG has them
     unsigned int tagSize; ///< identifier octets
     unsigned int size;    ///< identifier and length octets
     int length;           ///< octets of contents, or ASN1IndefiniteLength

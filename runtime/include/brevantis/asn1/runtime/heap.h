@@ -32,9 +32,9 @@ struct ASN1MemBlock {
 struct ASN1MemHeap {
     ASN1MemBlock* blockList; ///< the newest block
     unsigned int defBlkSize; ///< `g_defBlkSize` at creation, for information
-    unsigned int refCount;
-    unsigned int heapFlags; ///< 0x10000000: the record itself came from the allocator
-    void* userData;         ///< first argument of every allocator call
+    unsigned int refCount;   ///< references held; rtMemHeapRelease drops one
+    unsigned int heapFlags;  ///< 0x10000000: the record itself came from the allocator
+    void* userData;          ///< first argument of every allocator call
 };
 
 /// Default block size that a new heap notes; no allocation depends on it.
@@ -47,9 +47,11 @@ extern BREVANTIS_ASN1_API void* (*g_malloc_func)(void* userData, std::size_t siz
 extern BREVANTIS_ASN1_API void* (*g_realloc_func)(void* userData, void* ptr, std::size_t size);
 extern BREVANTIS_ASN1_API void (*g_free_func)(void* userData, void* ptr);
 
-/// The platform's `malloc`, `realloc` and `free` in the shape of the hooks.
+/// The platform's `malloc` in the shape of the hook, which a new program has.
 BREVANTIS_ASN1_API void* rtDefaultMalloc(void* userData, std::size_t size);
+/// The platform's `realloc`, likewise.
 BREVANTIS_ASN1_API void* rtDefaultRealloc(void* userData, void* ptr, std::size_t size);
+/// The platform's `free`, likewise.
 BREVANTIS_ASN1_API void rtDefaultFree(void* userData, void* ptr);
 
 /// Creates a heap with one reference, to be dropped by rtMemHeapRelease.

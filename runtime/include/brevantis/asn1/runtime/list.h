@@ -18,28 +18,31 @@ struct ASN1CTXT;
 
 /// Node of a doubly linked list.
 struct _Asn1RTDListNode {
-    void* data; ///< the element; the list never looks into it
-    _Asn1RTDListNode* next;
-    _Asn1RTDListNode* prev;
+    void* data;             ///< the element; the list never looks into it
+    _Asn1RTDListNode* next; ///< towards the end; null behind the last
+    _Asn1RTDListNode* prev; ///< towards the beginning; null in front of the first
 };
 
 /// Doubly linked list.
 struct _Asn1RTDList {
-    unsigned int count;
-    _Asn1RTDListNode* head;
-    _Asn1RTDListNode* tail;
+    unsigned int count;     ///< nodes on the list
+    _Asn1RTDListNode* head; ///< the first node, null on an empty list
+    _Asn1RTDListNode* tail; ///< the last node, null on an empty list
 };
 
+/// The names that programs use.
 using Asn1RTDListNode = _Asn1RTDListNode;
 using Asn1RTDList = _Asn1RTDList;
 
 /// Value of a SEQUENCE OF or SET OF; starts out empty.
 struct ASN1TSeqOfList : _Asn1RTDList {
+    /// An empty list.
     ASN1TSeqOfList() noexcept : _Asn1RTDList{0, nullptr, nullptr} {}
 };
 
 /// Value of a SEQUENCE OF or SET OF that is a message of its own; starts out empty.
 struct ASN1TPDUSeqOfList : _Asn1RTDList {
+    /// An empty list.
     ASN1TPDUSeqOfList() noexcept : _Asn1RTDList{0, nullptr, nullptr} {}
 };
 

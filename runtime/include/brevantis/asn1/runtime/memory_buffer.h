@@ -9,14 +9,14 @@
 
 /// Growable octets. The valid ones are `buffer[startOffset .. usedLength)`.
 struct ASN1MemBuf {
-    ASN1CTXT* ownerCtxt;      ///< its `memHeap` serves the buffer
-    unsigned int segmentSize; ///< octets; the block grows to a multiple of it
-    unsigned int startOffset; ///< the first valid octet
-    unsigned int usedLength;  ///< one past the last valid octet
-    unsigned int bufferSize;  ///< octets allocated
-    unsigned int readBitOffset;
-    unsigned int writeBitOffset;
-    unsigned char* buffer;
+    ASN1CTXT* ownerCtxt;         ///< its `memHeap` serves the buffer
+    unsigned int segmentSize;    ///< octets; the block grows to a multiple of it
+    unsigned int startOffset;    ///< the first valid octet
+    unsigned int usedLength;     ///< one past the last valid octet
+    unsigned int bufferSize;     ///< octets allocated
+    unsigned int readBitOffset;  ///< 0: octets are whole here
+    unsigned int writeBitOffset; ///< 0 likewise
+    unsigned char* buffer;       ///< the block; null until there is one
     /// Non-zero: `buffer` came from the heap. A program that puts octets of its own into `buffer`
     /// clears this; the first growth then turns to a block of the heap.
     unsigned char ownsBuffer;

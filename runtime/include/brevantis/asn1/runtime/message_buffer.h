@@ -20,6 +20,7 @@ struct ASN1MemBuf;
 /// operator.
 class BREVANTIS_ASN1_API ASN1RTLException : public std::exception {
 public:
+    /// @param status what the operation that failed returned
     explicit ASN1RTLException(int status) noexcept : status_(status) {}
     ~ASN1RTLException() override;
 
@@ -37,7 +38,10 @@ private:
 class BREVANTIS_ASN1_API ASN1MessageBufferIF {
 public:
     /// Direction of a buffer.
-    enum Type { EncodeBuffer = 0, DecodeBuffer = 1 };
+    enum Type {
+        EncodeBuffer = 0, ///< messages are written to it
+        DecodeBuffer = 1  ///< messages are read from it
+    };
 
     virtual ~ASN1MessageBufferIF() = 0;
 
@@ -75,6 +79,7 @@ public:
     /// Failure of a constructor of the runtime's classes.
     class BREVANTIS_ASN1_API RTLError : public ASN1RTLException {
     public:
+        /// @param status what the operation that failed returned
         explicit RTLError(int status) noexcept : ASN1RTLException(status) {}
         ~RTLError() override;
     };
@@ -96,19 +101,21 @@ public:
     /// buffer must not grow in the meantime.
     /// @return 0; ASN1S_NOT_SUPPORTED for a decode buffer and a @p memBuf that never held anything;
     ///         ASN1S_NO_MEMORY when an encode buffer gets a block of its own for want of one in
+    /// @return ASN1S_NOT_SUPPORTED: octets come as octets here
     ///         @p memBuf and memory is out
     int initBuffer(ASN1MemBuf& memBuf) override;
     int initBuffer(unsigned short* text) override;
     int initBuffer(char* text) override;
 
 protected:
-    ASN1ContextRef context;
-    ASN1MessageBufferIF::Type bufferType;
+    ASN1ContextRef context; ///< shared with copies of the buffer and with the control objects on it
+    ASN1MessageBufferIF::Type bufferType; ///< the direction that the constructor was given
 };
 
 /// A message buffer for the Basic Encoding Rules.
 class BREVANTIS_ASN1_API ASN1BERMessageBuffer : public ASN1MessageBuffer {
 public:
+    /// @throws RTLError with ASN1S_NO_MEMORY when memory is out
     explicit ASN1BERMessageBuffer(ASN1MessageBufferIF::Type type);
     ~ASN1BERMessageBuffer() override;
     ASN1BERMessageBuffer(const ASN1BERMessageBuffer&) = default;

@@ -36,6 +36,7 @@ struct BREVANTIS_ASN1_API ASN1TObjId : ASN1OBJID {
     ASN1TObjId() noexcept { numids = 0; }
     /// @param count arcs in @p arcs
     ASN1TObjId(unsigned char count, const unsigned int* arcs) noexcept;
+    /// Copies the count and as many arcs as are in use.
     ASN1TObjId(const ASN1OBJID& other) noexcept; // NOLINT(google-explicit-constructor)
     ASN1TObjId(const ASN1TObjId& other) noexcept;
     ~ASN1TObjId() = default;
@@ -49,6 +50,7 @@ struct BREVANTIS_ASN1_API ASN1TObjId64 : ASN1OID64 {
     ASN1TObjId64() noexcept { numids = 0; }
     /// @param count arcs in @p arcs
     ASN1TObjId64(unsigned char count, const long long* arcs) noexcept;
+    /// Copies the count and as many arcs as are in use.
     ASN1TObjId64(const ASN1OID64& other) noexcept; // NOLINT(google-explicit-constructor)
     ASN1TObjId64(const ASN1TObjId64& other) noexcept;
     ~ASN1TObjId64() = default;

@@ -41,7 +41,7 @@ public:
     /// @return the last failure, 0 until one occurs
     int getState() const noexcept { return stat; }
 
-    ASN1CSeqOfList* pSeqList;
+    ASN1CSeqOfList* pSeqList;      ///< the list that made the iterator
     _Asn1RTDListNode* nextNode;    ///< what `next` will give
     _Asn1RTDListNode* lastNode;    ///< what was given last; null when there is none to act on
     unsigned int expectedModCount; ///< the list's `modCount` as last seen
@@ -78,17 +78,22 @@ public:
     ASN1CSeqOfList& operator=(const ASN1CSeqOfList&) = delete;
     ~ASN1CSeqOfList() override;
 
+    /// Appends an element, of which the list keeps the pointer alone.
     void append(void* data);
     /// Appends pointers to the slots of an array, which has to outlive the list.
     void appendArray(const void* array, int elementCount, int elementSize);
     /// Appends copies of the slots that begin below @p octetCount octets.
     void appendArrayCopy(const void* array, int octetCount, int elementSize);
+    /// Inserts so that the element stands at @p index; see rtDListInsert for indices that there are
+    /// none of.
     void insert(int index, void* data);
     /// Inserts in front of @p node, at the end when it is null.
     void insertBefore(void* data, _Asn1RTDListNode* node);
     /// Inserts behind @p node, at the start when it is null.
     void insertAfter(void* data, _Asn1RTDListNode* node);
 
+    /// Takes a node off the list: the one at an index, the first one with a pointer, or one that is
+    /// on the list. Nothing is freed, and nothing happens where there is no such node.
     void remove(int index);
     void remove(void* data);
     void remove(_Asn1RTDListNode* node);
@@ -109,6 +114,7 @@ public:
     /// @return index of the first node with @p data, -1 when there is none
     int indexOf(void* data) const;
     int size() const;
+    /// Whether the list has no element.
     bool isEmpty() const;
 
     /// Copies the elements into a new array on the context's heap.

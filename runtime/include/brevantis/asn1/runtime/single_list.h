@@ -10,17 +10,17 @@ struct ASN1CTXT;
 
 /// Node of a singly linked list; the element stays the caller's.
 struct Asn1RTSListNode {
-    void* data;
-    Asn1RTSListNode* next;
+    void* data;            ///< the element; the list never looks into it
+    Asn1RTSListNode* next; ///< null behind the last
 };
 
 /// Singly linked list. Nodes come from the heap of `pctxt`, or from the process heap when it is
 /// null.
 struct Asn1RTSList {
-    unsigned int count;
-    Asn1RTSListNode* head;
-    Asn1RTSListNode* tail;
-    ASN1CTXT* pctxt;
+    unsigned int count;    ///< nodes on the list
+    Asn1RTSListNode* head; ///< the first node, null on an empty list
+    Asn1RTSListNode* tail; ///< the last node, null on an empty list
+    ASN1CTXT* pctxt;       ///< whose `memHeap` the nodes come from; may be null
 };
 
 /// Makes @p list empty and binds it to @p ctxt (which may be null). A null list is ignored.

@@ -9,7 +9,7 @@
 /// Result of every plain coder: 0 is success, a negative value one of the failures below. An
 /// encoder returns the number of octets that it added, 0 or more, in place of 0.
 enum ASN1Status : int {
-    ASN1S_SUCCESS = 0,
+    ASN1S_SUCCESS = 0,                ///< nothing failed
     ASN1S_BUFFER_OVERFLOW = -1,       ///< a caller-owned buffer is too small to write into
     ASN1S_END_OF_BUFFER = -2,         ///< the message ends where more octets are needed
     ASN1S_TAG_NOT_FOUND = -3,         ///< the expected tag is not at the position

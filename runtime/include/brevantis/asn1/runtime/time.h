@@ -43,7 +43,9 @@ public:
     virtual int getSecond();
     /// @return the fraction: tenths of a second in a text of this library's making
     virtual int getFraction();
+    /// @return hours of the offset from UTC, as getYear returns a field
     virtual int getDiffHour();
+    /// @return minutes of the offset, with its sign, as getYear returns a field
     virtual int getDiffMinute();
     /// @return the offset from UTC in minutes; ASN1S_INVALID_FORMAT also for a text that does not
     ///         parse
@@ -174,20 +176,20 @@ protected:
     /// text than 35 octets, which no time needs, the beginning.
     ASN1CTime(const ASN1CTime& other);
 
-    static constexpr short NotSet = -3;
-    static constexpr int OwnBufferSize = 36;
+    static constexpr short NotSet = -3;      ///< a field that no text and no setter has given
+    static constexpr int OwnBufferSize = 36; ///< octets of `ownBuffer`, terminator included
 
     /// Values of the fields, outside of the object.
     struct Fields {
-        short year = NotSet;
-        short month = NotSet;
-        short day = NotSet;
-        short hour = NotSet;
-        short minute = 0;
-        short second = 0;
-        short diffHour = 0;
-        short diffMinute = 0;
-        int secFraction = 0;
+        short year = NotSet;  ///< that of a UTCTime may stand without its century
+        short month = NotSet; ///< 1 to 12
+        short day = NotSet;   ///< 1 to 31
+        short hour = NotSet;  ///< 0 to 23
+        short minute = 0;     ///< 0 to 59
+        short second = 0;     ///< 0 to 59
+        short diffHour = 0;   ///< hours of the offset from UTC, -12 to 12
+        short diffMinute = 0; ///< minutes of it, -59 to 59, with its sign
+        int secFraction = 0;  ///< the digits behind the decimal mark as a number; 0 without any
     };
 
     /// Records and returns a status.
@@ -214,6 +216,7 @@ protected:
     /// @return 0, or ASN1S_INVALID_FORMAT, recorded
     int takeLocalTime(long seconds, bool keepOffset);
 
+    /// What the getters give, once `parsed` is set; as in Fields.
     short year = NotSet;
     short month = NotSet;
     short day = NotSet;
@@ -223,13 +226,14 @@ protected:
     short diffHour = 0;
     short diffMinute = 0;
     int secFraction = 0;
-    unsigned char utcFlag;
+    unsigned char utcFlag;    ///< non-zero: the text ends in "Z"
     unsigned char parsed = 0; ///< non-zero: the fields reflect the text
-    unsigned char derRules;
-    char*& timeStr;  ///< the caller's text variable, or `ownPointer` in a copy
-    int timeStrSize; ///< octets of the caller's buffer, 0 for a read-only text
+    unsigned char derRules;   ///< non-zero: the time obeys DER (X.690, 11.7 and 11.8)
+    char*& timeStr;           ///< the caller's text variable, or `ownPointer` in a copy
+    int timeStrSize;          ///< octets of the caller's buffer, 0 for a read-only text
+    /// What `timeStr` leads to when the caller's buffer cannot be written.
     char ownBuffer[OwnBufferSize] = {};
-    char* ownPointer = nullptr;
+    char* ownPointer = nullptr; ///< the text variable of a copy: null, or `ownBuffer`
 
 private:
     int capacity() const noexcept;

@@ -19,11 +19,11 @@ extern BREVANTIS_ASN1_API const std::array<unsigned char, 12> OS_daysInMonth;
 
 /// A time as the plain functions see it.
 struct ASN1TimeFields {
-    short year; ///< with its century
-    short month;
-    short day;
-    short hour;
-    short minute;
+    short year;       ///< with its century
+    short month;      ///< 1 to 12
+    short day;        ///< 1 to 31
+    short hour;       ///< 0 to 23
+    short minute;     ///< 0 to 59
     short second;     ///< 0 to 59; a leap second is refused
     short diffHour;   ///< offset from UTC, -12 to 12
     short diffMinute; ///< offset from UTC, -59 to 59, with the sign of the offset

@@ -11,7 +11,7 @@ namespace asn1text {
 
 /// How the octets of a character string stand for characters.
 enum class CharacterCoding : unsigned char {
-    Utf8,
+    Utf8,   ///< one to four octets (RFC 3629)
     Latin1, ///< one octet a character; what is written into TeletexStrings above 7F, too
     Utf16,  ///< two octets, the high one first (BMPString; surrogate pairs are joined)
     Utf32   ///< four octets, the high one first (UniversalString)

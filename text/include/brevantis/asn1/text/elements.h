@@ -21,6 +21,7 @@ struct PlainElement {
     Octets contents;        ///< without end-of-contents
     unsigned tagClass = 0;  ///< 0 universal, 1 application, 2 context-specific, 3 private
     unsigned number = 0;    ///< of the tag
+    /// Whether its contents are elements, by bit 6 of the first identifier octet.
     bool constructed = false;
     bool indefinite = false; ///< its length
 };

@@ -26,7 +26,9 @@ class BREVANTIS_ASN1_TEXT_API InnerTypes {
 public:
     /// @throws std::bad_alloc
     void enter(const asn1data::WalkElement& element);
+    /// Ends the element that was entered last.
     void leave();
+    /// An element without others in it, before `find` is asked for it.
     void primitive(const asn1data::WalkElement& element);
 
     /// @param element a primitive, as reported

@@ -25,13 +25,13 @@ class BREVANTIS_ASN1_TEXT_API TextSink : public Sink {
 public:
     void write(std::string_view text) override { whole += text; }
 
-    std::string whole;
+    std::string whole; ///< all that was written
 };
 
 /// How JSON is laid out.
 enum class JsonLayout : unsigned char {
     Indented, ///< a line for each value, two blanks for each level
-    OneLine
+    OneLine   ///< no blanks and no line ends, for one message a line
 };
 
 /// Writes one JSON value (RFC 8259) as it grows, so that it needs no memory but for a piece that
@@ -39,16 +39,23 @@ enum class JsonLayout : unsigned char {
 /// std::bad_alloc, and what the sink throws.
 class BREVANTIS_ASN1_TEXT_API JsonStream {
 public:
+    /// @param sink outlives the object
+    /// @param layout how values are laid out
     JsonStream(Sink& sink, JsonLayout layout) : sink_(sink), layout_(layout) {}
 
+    /// Begins an object, as a value of what is open.
     void beginObject() { begin('{', '}'); }
+    /// Begins an array, as a value of what is open.
     void beginArray() { begin('[', ']'); }
     /// Ends the innermost object or array.
     void end();
     /// Ends objects and arrays until so many are open.
     void endTo(std::size_t depth);
+    /// Objects and arrays that are open.
     std::size_t depth() const { return open_.size(); }
 
+    /// The name of the member whose value follows; only in an object.
+    /// @param name UTF-8; what is ill-formed in it becomes U+FFFD
     void key(std::string_view name);
     /// Writes a value without blanks in it that is JSON already.
     void literal(std::string_view json);
@@ -56,16 +63,20 @@ public:
     void string(std::string_view utf8);
     /// @param utf8 null stands for itself
     void stringOrNull(const char* utf8);
+    /// A number in decimal digits, of all 64 bits.
     void number(long long number);
     /// Two digits an octet.
     void hex(Octets octets);
 
     // A string in pieces, between openString and closeString.
 
+    /// Begins a string as a value of what is open.
     void openString();
     /// @param code of ISO/IEC 10646
     void character(std::uint32_t code);
+    /// Two digits an octet, in lower case.
     void hexDigits(Octets octets);
+    /// Ends the string.
     void closeString();
 
     /// Ends the value's last line and hands everything over to the sink.

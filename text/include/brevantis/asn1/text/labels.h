@@ -22,8 +22,11 @@ public:
     /// @throws std::bad_alloc
     Label labelOf(const asn1data::WalkElement& element) const;
 
+    /// An element is entered: what follows is in it.
     void enter(const asn1data::WalkElement& element);
+    /// Ends the element that was entered last.
     void leave() { entered_.pop_back(); }
+    /// Elements that are entered.
     std::size_t depth() const { return entered_.size(); }
     /// The type of the element around; null for the message itself.
     const asn1data::TypeDescription* container() const;

@@ -16,9 +16,9 @@ namespace asn1text {
 
 /// How messages are held.
 enum class InputForm : unsigned char {
-    Auto, ///< whichever it is
-    Der,  ///< octets
-    Pem,
+    Auto,   ///< whichever it is
+    Der,    ///< octets
+    Pem,    ///< blocks of RFC 7468, with what is around them passed over
     Base64, ///< with either alphabet of RFC 4648, with padding or without
     Hex,    ///< digits; the dump of a program; values of a source
     Mail,   ///< the parts of a mail that hold messages (RFC 8551)
@@ -46,6 +46,7 @@ public:
     /// with its problem.
     /// @throws std::bad_alloc
     std::optional<FoundMessage> next();
+    /// Whether there are octets left that `next` has not looked at.
     bool hasMore() const { return part_ < parts_.size(); }
     /// How the messages are held; Auto for a text that is none of the forms.
     InputForm form() const { return form_; }

@@ -16,16 +16,22 @@ using OctetStore = std::vector<unsigned char>;
 /// Octets that somebody else holds, and that outlive whoever looks at them.
 class Octets {
 public:
+    /// No octets.
     constexpr Octets() = default;
+    /// @param data outlives the object; may be null when @p size is 0
     constexpr Octets(const unsigned char* data, std::size_t size) : data_(data), size_(size) {}
+    /// The octets of a store, valid until it changes its size or goes.
     Octets(const OctetStore& store) : data_(store.data()), size_(store.size()) {}
 
+    /// The first of them; may be null when there are none.
     constexpr const unsigned char* data() const { return data_; }
     constexpr std::size_t size() const { return size_; }
     constexpr bool empty() const { return size_ == 0; }
     constexpr const unsigned char* begin() const { return data_; }
     constexpr const unsigned char* end() const { return data_ + size_; }
+    /// @param place below the count
     constexpr unsigned char operator[](std::size_t place) const { return data_[place]; }
+    /// The last of them; there is one at least.
     constexpr unsigned char back() const { return data_[size_ - 1]; }
 
     /// The first octets. @param count at most as many as there are

@@ -12,6 +12,7 @@ namespace asn1text {
 /// Finds the path of the innermost element that the octet at an offset belongs to.
 class BREVANTIS_ASN1_TEXT_API PathAtOffset : public asn1data::WalkVisitor {
 public:
+    /// @param offset of the octet in the message
     explicit PathAtOffset(std::size_t offset) : offset_(offset) {}
 
     asn1data::WalkAction enter(const asn1data::WalkElement& element) override;

@@ -25,7 +25,7 @@ struct SchemaText {
 
 /// Something to say about a module.
 struct SchemaMessage {
-    std::string file;
+    std::string file;     ///< the SchemaText::name
     unsigned line = 0;    ///< from 1; 0 where it is about the modules as a whole
     unsigned column = 0;  ///< in octets, from 1; 0 as for the line
     bool warning = false; ///< it was read, though otherwise than it stands

@@ -19,16 +19,16 @@ namespace asn1text {
 
 /// What a primitive holds, as far as it matters for showing it.
 enum class ValueKind : unsigned char {
-    Null,
-    Boolean,
-    Number,     ///< WalkValue::number
-    BigNumber,  ///< an INTEGER in contents octets
-    Identifier, ///< WalkValue::identifier
-    Text,
-    Time,
-    Bits,
-    OctetString,
-    Raw ///< a whole element of an unknown type
+    Null,        ///< NULL: nothing
+    Boolean,     ///< WalkValue::number, 0 or 1
+    Number,      ///< WalkValue::number
+    BigNumber,   ///< an INTEGER in contents octets
+    Identifier,  ///< WalkValue::identifier
+    Text,        ///< characters, coded as codingOf tells
+    Time,        ///< a UTCTime or GeneralizedTime, as its characters
+    Bits,        ///< a BIT STRING
+    OctetString, ///< an OCTET STRING
+    Raw          ///< a whole element of an unknown type
 };
 
 /// What values of a type hold.
@@ -123,6 +123,7 @@ public:
     /// @param isUnsigned they are a magnitude as they stand
     Magnitude(Octets contents, bool isUnsigned) noexcept;
 
+    /// Whether the number is below zero.
     bool negative() const noexcept { return negative_; }
     /// Octets of the magnitude, without leading zeros.
     std::size_t size() const noexcept { return contents_.size(); }

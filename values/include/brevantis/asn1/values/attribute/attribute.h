@@ -18,8 +18,8 @@ namespace Brevantis::ASN1 {
 /// An attribute: the identifier of its type and a set of values. One that was moved from is as new.
 class BREVANTIS_ASN1_API CAttribute {
 public:
-    using iterator = CAttrValueList::iterator;
-    using const_iterator = CAttrValueList::const_iterator;
+    using iterator = CAttrValueList::iterator;             ///< of a value, for `erase`
+    using const_iterator = CAttrValueList::const_iterator; ///< of a value, to read it
 
     /// An empty identifier and no values.
     CAttribute();
@@ -32,6 +32,8 @@ public:
     /// @return the identifier as dotted text, valid until it changes or goes
     const char* get_oid() const;
 
+    /// The values, in the order in which they were added or decoded. Positions stay valid until
+    /// their value is erased or the attribute is decoded anew, assigned to or goes.
     iterator begin();
     iterator end();
     const_iterator begin() const;

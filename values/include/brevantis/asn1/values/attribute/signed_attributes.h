@@ -68,6 +68,7 @@ public:
     CAttrSigningTime(const CAttrSigningTime&) = delete;
     CAttrSigningTime& operator=(const CAttrSigningTime&) = delete;
 
+    /// The time that was set or decoded last.
     CDateTime get_time() const { return *field().get_time(); }
     /// @throws as `encode`
     void put_time(const CDateTime& time);

@@ -27,6 +27,8 @@ public:
     SigningCertificateAttribute(const SigningCertificateAttribute&) = delete;
     SigningCertificateAttribute& operator=(const SigningCertificateAttribute&) = delete;
 
+    /// @return identifiers of certificates, the signer's own first; valid until they change or the
+    ///         object goes
     const CertificateList& get_certs() const { return content_->certs; }
     /// @return null when absent; otherwise valid until they change or the object goes
     const CPolicyInformationList* get_policies() const { return content_->policies.get(); }
@@ -53,6 +55,8 @@ public:
 protected:
     /// No certificates, no policies, no value.
     explicit SigningCertificateAttribute(const char* oid);
+    /// A value that is decoded at once.
+    /// @throws as `decode`
     SigningCertificateAttribute(const char* oid, const CBlob& encoded);
     ~SigningCertificateAttribute() = default;
 

@@ -27,6 +27,7 @@ public:
 /// commonName, 2.5.4.3, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrCommonName : public CAttrStringValue {
 public:
+    /// @param text terminated, UTF-8, not null
     /// @throws as CAttrStringValue; the same holds for the classes below
     explicit CAttrCommonName(const char* text);
 };
@@ -34,72 +35,84 @@ public:
 /// surname, 2.5.4.4, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrSurname : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrSurname(const char* text);
 };
 
 /// serialNumber, 2.5.4.5, as a PrintableString.
 class BREVANTIS_ASN1_API CAttrSerialNumber : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrSerialNumber(const char* text);
 };
 
 /// countryName, 2.5.4.6, as a PrintableString.
 class BREVANTIS_ASN1_API CAttrCountry : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrCountry(const char* text);
 };
 
 /// localityName, 2.5.4.7, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrLocality : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrLocality(const char* text);
 };
 
 /// stateOrProvinceName, 2.5.4.8, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrStateOrProvinceName : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrStateOrProvinceName(const char* text);
 };
 
 /// organizationName, 2.5.4.10, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrOrganizationName : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrOrganizationName(const char* text);
 };
 
 /// organizationalUnitName, 2.5.4.11, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrOrganizationalUnitName : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrOrganizationalUnitName(const char* text);
 };
 
 /// title, 2.5.4.12, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrTitle : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrTitle(const char* text);
 };
 
 /// givenName, 2.5.4.42, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrGivenName : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrGivenName(const char* text);
 };
 
 /// initials, 2.5.4.43, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrInitials : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrInitials(const char* text);
 };
 
 /// pseudonym, 2.5.4.65, as a UTF8String.
 class BREVANTIS_ASN1_API CAttrPseudonym : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrPseudonym(const char* text);
 };
 
 /// emailAddress, 1.2.840.113549.1.9.1, as an IA5String.
 class BREVANTIS_ASN1_API CAttrEmailAddress : public CAttrStringValue {
 public:
+    /// @copydoc CAttrCommonName::CAttrCommonName
     explicit CAttrEmailAddress(const char* text);
 };
 

@@ -16,6 +16,7 @@ class BREVANTIS_ASN1_API CCertId {
 public:
     /// An issuer without an alternative and an empty number.
     CCertId() = default;
+    /// Copies both.
     CCertId(const CGeneralName& issuer, const CBigInteger& serialNumber);
     CCertId(const CCertId&) = default;
     CCertId(CCertId&&) noexcept = default;
@@ -23,8 +24,10 @@ public:
     CCertId& operator=(CCertId&&) noexcept = default;
     ~CCertId() = default;
 
+    /// The fields of a CertId; valid until they are set or the object goes.
     const CGeneralName& get_issuer() const { return issuer_; }
     const CBigInteger& get_serialNumber() const { return serialNumber_; }
+    /// The setters copy.
     void put_issuer(const CGeneralName& issuer) { issuer_ = issuer; }
     void put_serialNumber(const CBigInteger& serialNumber) { serialNumber_ = serialNumber; }
 

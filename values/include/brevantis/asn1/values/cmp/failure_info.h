@@ -16,7 +16,9 @@ public:
     /// @param value named bit i is the bit of value 2^i
     CPKIFailureInfo(unsigned int value) : value_(value) {}
 
+    /// All 32 bits, named bit i as the bit of value 2^i.
     unsigned int get_value() const { return value_; }
+    /// @param value named bit i is the bit of value 2^i
     void put_value(unsigned int value) { value_ = value; }
 
     /// @param index of a named bit

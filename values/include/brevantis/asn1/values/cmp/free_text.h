@@ -32,12 +32,15 @@ public:
     CPKIFreeTextString& operator=(const CPKIFreeTextString& other);
     ~CPKIFreeTextString() = default;
 
+    /// Copies text and language.
     void assign(const CPKIFreeTextString& other) { *this = other; }
     void swap(CPKIFreeTextString& other) noexcept;
 
+    /// The language, valid until the text goes; CLanguageTagDefaultRead where none was told.
     const CLanguageTag& get_language() const { return language_; }
     /// Valid until the text changes or goes.
     const wchar_t* get_value() const { return value_.c_str(); }
+    /// @param value terminated, copied; null stands for the empty text
     void set_value(const wchar_t* value);
 
     // Equal in language and text.
@@ -58,8 +61,12 @@ class BREVANTIS_ASN1_API CPKIFreeText : public std::list<CPKIFreeTextString> {
 public:
     using std::list<CPKIFreeTextString>::insert;
 
+    /// No string.
     CPKIFreeText() = default;
+    /// One string.
+    /// @param value null stands for the empty text
     CPKIFreeText(const wchar_t* value, CLanguageTag language = CLanguageTagDefaultRead());
+    /// A copy of one string.
     CPKIFreeText(const CPKIFreeTextString& string);
 
     /// Finds the first string of a language; for CLanguageTagDefaultRead the first string of all.

@@ -33,6 +33,7 @@ public:
 
     /// Dotted text, valid until the object changes or goes.
     const char* get_infoType() const { return infoType_.c_str(); }
+    /// The encoded value, empty for none; valid likewise.
     const CBlob& get_infoValue() const { return infoValue_; }
 
     // Equal in the text of the type and in the octets of the value.

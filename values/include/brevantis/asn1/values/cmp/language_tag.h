@@ -25,8 +25,10 @@ public:
     /// @throws ATL::CAtlException with the code of AtlThrowLastWin32 for a character outside ASCII
     CLanguageTag(const wchar_t* tag);
 
+    /// Copies the tag.
     void assign(const CLanguageTag& other) { *this = other; }
 
+    /// The tag in lower case.
     CStringProxy tostring() const { return tag_; }
 
     /// The text in lower case, as `tolower` has it character by character.
@@ -47,12 +49,14 @@ private:
 /// Russian as in Russia.
 class BREVANTIS_ASN1_API CLanguageTagRuRu : public CLanguageTag {
 public:
+    /// The tag "ru-ru".
     CLanguageTagRuRu() : CLanguageTag("ru-ru") {}
 };
 
 /// English as in the United States.
 class BREVANTIS_ASN1_API CLanguageTagEnUs : public CLanguageTag {
 public:
+    /// The tag "en-us".
     CLanguageTagEnUs() : CLanguageTag("en-us") {}
 };
 
@@ -60,6 +64,7 @@ public:
 /// one is looked for.
 class BREVANTIS_ASN1_API CLanguageTagDefaultRead : public CLanguageTag {
 public:
+    /// The tag "*".
     CLanguageTagDefaultRead() : CLanguageTag("*") {}
 };
 

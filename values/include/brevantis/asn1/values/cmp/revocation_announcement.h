@@ -31,6 +31,8 @@ public:
     CRevAnnContent& operator=(CRevAnnContent&& other) noexcept;
     ~CRevAnnContent();
 
+    /// The fields of a RevAnnContent; valid until the object is assigned to, decoded or goes.
+    /// @throws ATL::CAtlException with E_INVALIDARG for an object without content
     const PKIStatusEnum& get_status() const;
     const CCertId& get_certId() const;
     const CDateTime& get_willBeRevokedAt() const;
@@ -38,6 +40,8 @@ public:
     /// Extensions of the CRL to come, the object's own; null when absent.
     const CExtensions* get_crlDetails() const;
 
+    /// The setters copy.
+    /// @throws ATL::CAtlException with E_INVALIDARG for an object without content
     void put_status(const PKIStatusEnum& status);
     void put_certId(const CCertId& certId);
     void put_willBeRevokedAt(const CDateTime& time);

@@ -14,13 +14,13 @@ namespace Brevantis::ASN1 {
 
 /// PKIStatus of RFC 4210, 5.2.3. Any number of 32 bits can be held.
 enum PKIStatusEnum : unsigned {
-    PKIStatusEnum_accepted = 0,
-    PKIStatusEnum_grantedWithMods = 1,
-    PKIStatusEnum_rejection = 2,
-    PKIStatusEnum_waiting = 3,
-    PKIStatusEnum_revocationWarning = 4,
-    PKIStatusEnum_revocationNotification = 5,
-    PKIStatusEnum_keyUpdateWarning = 6
+    PKIStatusEnum_accepted = 0,               ///< granted as it was asked for
+    PKIStatusEnum_grantedWithMods = 1,        ///< granted, otherwise than it was asked for
+    PKIStatusEnum_rejection = 2,              ///< refused; the message tells why
+    PKIStatusEnum_waiting = 3,                ///< not decided yet; the answer comes later
+    PKIStatusEnum_revocationWarning = 4,      ///< a revocation is about to happen
+    PKIStatusEnum_revocationNotification = 5, ///< a revocation has happened
+    PKIStatusEnum_keyUpdateWarning = 6        ///< the key was updated already
 };
 
 /// PKIStatusInfo of RFC 4210, 5.2.3.
@@ -34,9 +34,12 @@ public:
     CPKIStatusInfo& operator=(CPKIStatusInfo&&) noexcept = default;
     ~CPKIStatusInfo() = default;
 
+    /// The fields of a PKIStatusInfo; valid until they are set or the object goes. Failure bits of
+    /// 0 and an empty text stand for absent ones.
     PKIStatusEnum get_pkiStatus() const { return pkiStatus_; }
     const CPKIFailureInfo& get_failureInfo() const { return failureInfo_; }
     const CPKIFreeText& get_statusString() const { return statusString_; }
+    /// The setters copy; nothing is looked at before it is encoded.
     void put_pkiStatus(PKIStatusEnum status) { pkiStatus_ = status; }
     void put_failureInfo(const CPKIFailureInfo& failureInfo) { failureInfo_ = failureInfo; }
     void put_statusString(const CPKIFreeText& text);

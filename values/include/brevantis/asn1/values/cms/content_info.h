@@ -28,7 +28,9 @@ public:
 
     /// Dotted text, valid until the type changes or the object goes.
     const char* get_contentType() const { return contentType_.c_str(); }
+    /// The encoded content, without the tag [0] around it; valid likewise.
     const CBlob& get_content() const { return content_; }
+    /// @param oid dotted text, looked at when the value is encoded; null stands for the empty text
     void put_contentType(const char* oid);
     /// @param content its encoding, of which `encode` writes the first element
     void put_content(const CBlob& content) { content_ = content; }

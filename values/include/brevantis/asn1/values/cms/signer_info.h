@@ -29,11 +29,16 @@ public:
     unsigned int get_version() const { return version_; }
     /// The encoded Name of the issuer of the signer's certificate.
     const CBlob& get_issuer() const { return issuer_; }
+    /// The serial number of that certificate.
     const CBigInteger& get_serialNumber() const { return serialNumber_; }
+    /// What made the signature.
     const CAlgorithmIdentifier& get_signatureAlgorithm() const { return signatureAlgorithm_; }
+    /// What made the digest that is signed.
     const CAlgorithmIdentifier& get_digestAlgorithm() const { return digestAlgorithm_; }
+    /// The octets of the signature.
     const CBlob& get_signature() const { return signature_; }
 
+    /// The setters copy. What they are given is not looked at: the object is not encoded.
     void put_version(unsigned int version) { version_ = version; }
     void put_issuer(const CBlob& issuer) { issuer_ = issuer; }
     void put_serialNumber(const CBigInteger& serialNumber) { serialNumber_ = serialNumber; }

@@ -58,11 +58,14 @@ public:
     const char* get_extnID() const;
     /// @return as CExtValue::get_value
     const CBlob& get_extnValue() const;
+    /// Whether a reader that does not know the extension has to refuse the whole.
     bool get_critical() const;
     /// @param oid dotted text, copied; null stands for the empty text
     void put_extnID(const char* oid);
     /// @param value its DER, without the OCTET STRING around it
     void put_extnValue(const CBlob& value);
+    /// @param critical whether a reader that does not know the extension has to refuse the whole; a
+    ///        false one, the DEFAULT, is not encoded
     void put_critical(bool critical);
 
     /// The value of an extension that the library knows is decoded and written anew as DER, without

@@ -20,16 +20,16 @@ namespace Brevantis::ASN1 {
 // Marked, as clang exports no instance of a template for a type that is not.
 /// Why a certificate was revoked (CRLReason, RFC 5280, 5.3.1).
 enum BREVANTIS_ASN1_API CrlReason : unsigned int {
-    CrlReason_unspecified = 0,
-    CrlReason_keyCompromise = 1,
-    CrlReason_cACompromise = 2,
-    CrlReason_affiliationChanged = 3,
-    CrlReason_superseded = 4,
-    CrlReason_cessationOfOperation = 5,
-    CrlReason_certificateHold = 6,
-    CrlReason_removeFromCRL = 8,
-    CrlReason_privilegeWithdrawn = 9,
-    CrlReason_aACompromise = 10
+    CrlReason_unspecified = 0,          ///< none is told; better left out then
+    CrlReason_keyCompromise = 1,        ///< others know the subject's private key, or may
+    CrlReason_cACompromise = 2,         ///< the same of a certification authority's key
+    CrlReason_affiliationChanged = 3,   ///< the subject's name or other facts have changed
+    CrlReason_superseded = 4,           ///< another certificate takes its place
+    CrlReason_cessationOfOperation = 5, ///< it is not needed any more
+    CrlReason_certificateHold = 6,      ///< it may become valid again
+    CrlReason_removeFromCRL = 8,        ///< delta lists: it leaves the list again
+    CrlReason_privilegeWithdrawn = 9,   ///< a right that it gives was taken away
+    CrlReason_aACompromise = 10         ///< the same as 1 of an attribute authority's key
 };
 
 extern template class ValueWithField<CExtValue, CrlReason>;
@@ -49,6 +49,8 @@ public:
     /// @throws as `decode`
     explicit CExtCRLReason(const CBlob& value);
 
+    /// The reason; 0 until one is set or decoded. One that was decoded may be any that CRLReason
+    /// names.
     CrlReason get_reason() const;
     /// @throws as `encode`
     void put_reason(CrlReason reason);
@@ -86,6 +88,8 @@ public:
     /// @throws as `decode`
     explicit CExtInvalidityDate(const CBlob& value);
 
+    /// The date, valid until it changes or the object goes; `CDateTime(0, 0)` until one is set or
+    /// decoded.
     const CDateTime& get_invalidityDate() const;
     /// @throws as `encode`
     void put_invalidityDate(const CDateTime& invalidityDate);
@@ -103,6 +107,7 @@ public:
     /// @throws as `decode`
     explicit CExtCertificateIssuer(const CBlob& value);
 
+    /// The names, valid until they change or the object goes.
     const CGeneralNames& get_issuer() const;
     /// @throws as `encode`
     void put_issuer(const CGeneralNames& issuer);

@@ -17,6 +17,7 @@ namespace Brevantis::ASN1 {
 /// AccessDescription: a kind of service and its place.
 class BREVANTIS_ASN1_API CAccessDescription {
 public:
+    /// No method and no place.
     CAccessDescription() = default;
     /// @param accessMethod dotted text; null stands for the empty text
     CAccessDescription(const char* accessMethod, const CGeneralName& accessLocation);
@@ -30,10 +31,12 @@ public:
 
     /// @return dotted text, valid until it changes
     const char* get_accessMethod() const { return accessMethod_.c_str(); }
+    /// Where the service is; valid until it is set or the object goes.
     const CGeneralName& get_accessLocation() const { return accessLocation_; }
     /// @param accessMethod dotted text, looked at when it is encoded; null stands for the empty
     /// text
     void put_accessMethod(const char* accessMethod) { accessMethod_ = accessMethod; }
+    /// @param location copied
     void put_accessLocation(const CGeneralName& location) { accessLocation_ = location; }
 
     /// @return the DER

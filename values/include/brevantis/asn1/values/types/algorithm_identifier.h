@@ -20,7 +20,9 @@ public:
     CAlgorithmIdentifier();
     /// @param algorithm dotted text; null stands for the empty text
     explicit CAlgorithmIdentifier(const char* algorithm);
+    /// Copies identifier and parameters.
     CAlgorithmIdentifier(const CAlgorithmIdentifier& other);
+    /// Takes over both; @p other may hold anything then and can be assigned to.
     CAlgorithmIdentifier(CAlgorithmIdentifier&& other) noexcept;
     CAlgorithmIdentifier& operator=(const CAlgorithmIdentifier& other) {
         return assignWhole(*this, other);

@@ -29,9 +29,12 @@ public:
     }
 
 protected:
+    /// No hash, no issuer and no serial number.
     CertificateIdentifier() = default;
 
+    /// The hash, for reading: as new until one is set.
     const Hash& hash() const { return content_.read().hash; }
+    /// The hash, for changing.
     Hash& hash() { return content_.edit().hash; }
     /// Whether both have equal issuers and serial numbers, or none.
     bool sameIssuerSerial(const CertificateIdentifier& other) const {
@@ -52,10 +55,13 @@ class BREVANTIS_ASN1_API CESSCertID : public CertificateIdentifier<CBlob> {
 public:
     /// An empty hash.
     CESSCertID() = default;
+    /// @param certHash as for `put_certHash`
     explicit CESSCertID(const CBlob& certHash);
 
     /// @return the SHA-1 hash of the certificate
     const CBlob& get_certHash() const { return hash(); }
+    /// @param certHash the SHA-1 hash of the certificate's DER, 20 octets; their count is not
+    ///        checked
     void put_certHash(const CBlob& certHash) { hash() = certHash; }
 
     /// @return the DER
@@ -71,10 +77,11 @@ public:
 
 /// A hash and its algorithm, SHA-256 unless another is told.
 struct HashWithAlgorithm {
+    /// SHA-256, id-sha256 of RFC 5754.
     static constexpr const char* defaultAlgorithm = "2.16.840.1.101.3.4.2.1";
 
-    CAlgorithmIdentifier algorithm{defaultAlgorithm};
-    CBlob value;
+    CAlgorithmIdentifier algorithm{defaultAlgorithm}; ///< what made the hash
+    CBlob value;                                      ///< the octets of the hash
 };
 
 /// ESSCertIDv2 (RFC 5035, 4).
@@ -84,12 +91,16 @@ public:
     CESSCertIDv2() = default;
     /// A hash by SHA-256.
     explicit CESSCertIDv2(const CBlob& certHash);
+    /// A hash by any algorithm.
     CESSCertIDv2(const CBlob& certHash, const CAlgorithmIdentifier& hashAlgorithm);
 
+    /// The algorithm of the hash; valid until it is set or the object goes.
     const CAlgorithmIdentifier& get_hashAlgorithm() const { return hash().algorithm; }
+    /// The hash of the certificate's DER by that algorithm; valid likewise.
     const CBlob& get_certHash() const { return hash().value; }
     /// @warning Of SHA-256, the default, parameters are not encoded.
     void put_hashAlgorithm(const CAlgorithmIdentifier& algorithm) { hash().algorithm = algorithm; }
+    /// @param certHash the hash of the certificate's DER; its size is not checked
     void put_certHash(const CBlob& certHash) { hash().value = certHash; }
 
     /// @return the DER
@@ -111,7 +122,10 @@ public:
     /// An `otherHash`.
     COtherCertID(const CBlob& hash, const CAlgorithmIdentifier& algorithm);
 
+    /// The hash and, unless it is by SHA-1, its algorithm; valid until it is set or the object
+    /// goes.
     const COtherHash& get_otherCertHash() const { return hash(); }
+    /// @param otherCertHash copied
     void put_otherCertHash(const COtherHash& otherCertHash) { hash() = otherCertHash; }
 
     /// As `==`, but the algorithm of an `otherHash` does not count.

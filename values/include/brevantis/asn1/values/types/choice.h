@@ -58,6 +58,7 @@ public:
     virtual void copyValue(void* target, const void* source) const = 0;
 
 protected:
+    /// For the classes of the alternatives.
     ChoiceValueTraits() = default;
     ChoiceValueTraits(const ChoiceValueTraits&) = default;
     ChoiceValueTraits& operator=(const ChoiceValueTraits&) = default;
@@ -72,8 +73,8 @@ protected:
 template <class T, unsigned int N>
 class BREVANTIS_ASN1_API ChoiceValueTraitsT final : public ChoiceValueTraits {
 public:
-    using Value = T;
-    static constexpr unsigned int number = N;
+    using Value = T;                          ///< what the values of the alternative are
+    static constexpr unsigned int number = N; ///< of the alternative
 
     /// The one object of this type.
     static const ChoiceValueTraitsT instance;
@@ -145,6 +146,7 @@ public:
     void copyTo(Choice& empty) const;
 
 protected:
+    /// No alternative.
     Choice() = default;
 };
 
@@ -155,6 +157,8 @@ class BREVANTIS_ASN1_API ChoiceOf : public Choice {
 public:
     ~ChoiceOf() override { traitsOf(type)->deleteValue(value); }
 
+    /// As the table has it.
+    /// @return the traits of the empty alternative for a number that is not in it
     const ChoiceValueTraits* findTraits(unsigned int number) const override {
         return traitsOf(number);
     }
@@ -178,6 +182,7 @@ class BREVANTIS_ASN1_API ChoicePointer {
 public:
     /// No alternative.
     ChoicePointer() : choice_(std::make_unique<Implementation>()) {}
+    /// A copy of the value, in an implementation object of its own.
     ChoicePointer(const ChoicePointer& other) : ChoicePointer() {
         if (other.choice_ != nullptr) {
             other.choice_->copyTo(*choice_);

@@ -31,10 +31,12 @@ public:
     /// Alternative 1.
     explicit CDistributionPointName(const CGeneralNames& fullName);
 
-    /// @return number of the alternative, 0 for none
+    /// @return the number of the alternative, 0 for none
     unsigned int get_type() const { return choice_.type(); }
     /// @return null for another alternative; valid until the name changes or goes
     const CGeneralNames* get_fullName() const { return choice_.get<FullName>(); }
+    /// Alternative 1.
+    /// @param fullName copied
     void put_fullName(const CGeneralNames& fullName) { choice_.put<FullName>(fullName); }
     /// Takes the name away.
     void clear() { choice_.clear(); }

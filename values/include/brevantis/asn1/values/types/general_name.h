@@ -53,18 +53,20 @@ public:
     /// These make a name of one kind, as the setter of that kind sets it.
     /// @throws ATL::CAtlException with E_INVALIDARG for null
     static CGeneralName rfc822Name(const wchar_t* name);
+    /// The same for a host name, in the characters of an IA5String.
     static CGeneralName dNSName(const wchar_t* name);
     /// @param name the DER of a Name
     static CGeneralName directoryName(const CBlob& name);
     /// @throws as CName::encode
     static CGeneralName directoryName(const CName& name);
+    /// @param identifier a URI, in the characters of an IA5String
     static CGeneralName uniformResourceIdentifier(const wchar_t* identifier);
     /// @param address its octets: 4 or 16, and as many again for a mask
     static CGeneralName iPAddress(const CBlob& address);
     /// @param identifier dotted text
     static CGeneralName registeredID(const wchar_t* identifier);
 
-    /// @return number of the alternative, 0 for none
+    /// @return the number of the alternative, 0 for none
     unsigned int get_type() const;
 
     /// The getters give null for any other alternative. What they give is valid until the name
@@ -73,6 +75,7 @@ public:
     const wchar_t* get_dNSName() const;
     /// @return the DER of a Name, for CName::decode
     const CBlob* get_directoryName() const;
+    /// The text of a URI.
     const wchar_t* get_uniformResourceIdentifier() const;
     /// @return the octets of an address: 4 or 16, and as many again for a mask
     const CBlob* get_iPAddress() const;
@@ -81,6 +84,7 @@ public:
     /// @return the DER of the whole GeneralName, its context tag included, for the catalogue's
     ///         ASN1C_GeneralName
     const CBlob* get_otherName() const;
+    /// The DER of the whole GeneralName, as for `get_otherName`.
     const CBlob* get_x400Address() const;
     const CBlob* get_ediPartyName() const;
 
@@ -91,12 +95,15 @@ public:
     void put_dNSName(const wchar_t* name);
     /// @param name the DER of a Name, as CName::encode gives it
     void put_directoryName(const CBlob& name);
+    /// @param identifier a URI, in the characters of an IA5String
     void put_uniformResourceIdentifier(const wchar_t* identifier);
+    /// @param address its octets: 4 or 16, and as many again for a mask
     void put_iPAddress(const CBlob& address);
     /// @param identifier dotted text
     void put_registeredID(const wchar_t* identifier);
     /// @param name the DER of a whole GeneralName of this kind
     void put_otherName(const CBlob& name);
+    /// @param name as for `put_otherName`
     void put_x400Address(const CBlob& name);
     void put_ediPartyName(const CBlob& name);
 

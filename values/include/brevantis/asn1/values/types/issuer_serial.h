@@ -17,6 +17,7 @@ class BREVANTIS_ASN1_API CIssuerSerial {
 public:
     /// No issuer, no number.
     CIssuerSerial() = default;
+    /// Copies both.
     CIssuerSerial(const CGeneralNames& issuer, const CBigInteger& serialNumber);
     CIssuerSerial(const CIssuerSerial&) = default;
     CIssuerSerial(CIssuerSerial&&) noexcept = default;
@@ -24,8 +25,10 @@ public:
     CIssuerSerial& operator=(CIssuerSerial&&) noexcept = default;
     ~CIssuerSerial() = default;
 
+    /// The fields of an IssuerSerial; valid until they are set or the object goes.
     const CGeneralNames& get_issuer() const { return issuer_; }
     const CBigInteger& get_serialNumber() const { return serialNumber_; }
+    /// The setters copy.
     void put_issuer(const CGeneralNames& issuer) { issuer_ = CGeneralNames(issuer); }
     void put_serialNumber(const CBigInteger& serialNumber) { serialNumber_ = serialNumber; }
 

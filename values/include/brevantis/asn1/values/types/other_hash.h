@@ -15,7 +15,9 @@ namespace Brevantis::ASN1 {
 /// A hash value and the algorithm that made it.
 class BREVANTIS_ASN1_API COtherHashAlgAndValue {
 public:
+    /// No hash and no algorithm.
     COtherHashAlgAndValue() = default;
+    /// Copies both; nothing is looked at before it is encoded.
     COtherHashAlgAndValue(const CBlob& value, const CAlgorithmIdentifier& algorithm);
     COtherHashAlgAndValue(const COtherHashAlgAndValue&) = default;
     COtherHashAlgAndValue(COtherHashAlgAndValue&&) noexcept = default;
@@ -25,8 +27,10 @@ public:
     COtherHashAlgAndValue& operator=(COtherHashAlgAndValue&&) noexcept = default;
     ~COtherHashAlgAndValue() = default;
 
+    /// The fields of an OtherHashAlgAndValue; valid until they are set or the object goes.
     const CAlgorithmIdentifier& get_hashAlgorithm() const { return hashAlgorithm_; }
     const CBlob& get_hashValue() const { return hashValue_; }
+    /// The setters copy.
     void put_hashAlgorithm(const CAlgorithmIdentifier& algorithm) { hashAlgorithm_ = algorithm; }
     void put_hashValue(const CBlob& value) { hashValue_ = value; }
 
@@ -46,6 +50,7 @@ private:
     CBlob hashValue_;
 };
 
+/// Compares algorithm and hash value.
 BREVANTIS_ASN1_API bool operator==(const COtherHashAlgAndValue& a, const COtherHashAlgAndValue& b);
 BREVANTIS_ASN1_API bool operator!=(const COtherHashAlgAndValue& a, const COtherHashAlgAndValue& b);
 
@@ -72,13 +77,17 @@ public:
     COtherHash& operator=(COtherHash&& other) noexcept = default;
     virtual ~COtherHash();
 
-    /// @return number of the alternative, 0 for none
+    /// @return the number of the alternative, 0 for none
     unsigned int get_type() const { return choice_.type(); }
     /// @return null for another alternative; valid until the hash changes or goes
     const CBlob* get_sha1Hash() const { return choice_.get<Sha1Hash>(); }
     /// @return null for another alternative; valid until the hash changes or goes
     const COtherHashAlgAndValue* get_otherHash() const { return choice_.get<OtherHash>(); }
+    /// Alternative 1.
+    /// @param hash the SHA-1 hash, copied; its size is not checked
     void put_sha1Hash(const CBlob& hash);
+    /// Alternative 2.
+    /// @param hash copied
     void put_otherHash(const COtherHashAlgAndValue& hash);
     /// Takes the hash away.
     void clear();

@@ -16,6 +16,7 @@ namespace Brevantis::ASN1 {
 /// @warning Policy qualifiers are not carried: what is read with them is written without.
 class BREVANTIS_ASN1_API CPolicyInformation {
 public:
+    /// No identifier.
     CPolicyInformation() = default;
     /// @param policyIdentifier dotted text; null stands for the empty text
     explicit CPolicyInformation(const char* policyIdentifier);

@@ -16,20 +16,23 @@ class BREVANTIS_ASN1_API CReasonFlags {
 public:
     /// Masks of the published bits.
     enum Flag : unsigned int {
-        unused = 1u << 0,
-        keyCompromise = 1u << 1,
-        cACompromise = 1u << 2,
-        affiliationChanged = 1u << 3,
-        superseded = 1u << 4,
-        cessationOfOperation = 1u << 5,
-        certificateHold = 1u << 6,
-        privilegeWithdrawn = 1u << 7,
-        aACompromise = 1u << 8
+        unused = 1u << 0,               ///< bit 0 of the published type, without a meaning
+        keyCompromise = 1u << 1,        ///< others know the subject's private key, or may
+        cACompromise = 1u << 2,         ///< a certification authority's key
+        affiliationChanged = 1u << 3,   ///< the subject's name or other facts have changed
+        superseded = 1u << 4,           ///< another certificate takes its place
+        cessationOfOperation = 1u << 5, ///< it is not needed any more
+        certificateHold = 1u << 6,      ///< it may become valid again
+        privilegeWithdrawn = 1u << 7,   ///< a right that it gives was taken away
+        aACompromise = 1u << 8          ///< an attribute authority's key
     };
 
+    /// @param value bit n for the reason of bit n, see Flag
     explicit CReasonFlags(unsigned int value = 0) : value_(value) {}
 
+    /// All 32 bits, also those that are not encoded.
     unsigned int get_value() const { return value_; }
+    /// @param value bit n for the reason of bit n, see Flag
     void put_value(unsigned int value) { value_ = value; }
 
     /// @param bit taken modulo 32
@@ -41,6 +44,7 @@ public:
 
     /// The flags may be one mask or several ORed together.
     void add_flag(Flag flags) { value_ |= flags; }
+    /// Takes the flags away, one or several.
     void remove_flag(Flag flags) { value_ &= ~static_cast<unsigned int>(flags); }
     /// @return whether any of the flags is set
     bool get_flag(Flag flags) const { return (value_ & flags) != 0; }

@@ -25,6 +25,7 @@ class BREVANTIS_ASN1_API CTimeChoice {
 public:
     /// `CDateTime(0, 0)` as a UTCTime.
     CTimeChoice();
+    /// As `put_time` sets it.
     explicit CTimeChoice(const CDateTime& time);
 
     /// Up to 2049 the time becomes a UTCTime, from 2050 on a GeneralizedTime (RFC 5280, 4.1.2.5).

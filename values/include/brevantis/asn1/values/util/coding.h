@@ -21,6 +21,7 @@ namespace Brevantis::ASN1 {
 /// What a traits class codes; null where it does not say so.
 template <class Traits, class = void>
 struct CodedType {
+    /// The description that goes with the traits class; null where it tells none.
     static const asn1data::TypeDescription* get() noexcept { return nullptr; }
 };
 template <class Traits>

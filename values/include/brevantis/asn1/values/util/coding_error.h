@@ -47,6 +47,7 @@ private:
 /// traits that have to know. Objects lie inside each other.
 class BREVANTIS_ASN1_API ReadingScope {
 public:
+    /// @param policy copied
     explicit ReadingScope(const asn1data::ReadingPolicy& policy) noexcept;
     ~ReadingScope();
     ReadingScope(const ReadingScope&) = delete;

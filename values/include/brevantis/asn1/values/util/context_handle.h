@@ -34,6 +34,7 @@ public:
     ScopedContext(const ScopedContext&) = delete;
     ScopedContext& operator=(const ScopedContext&) = delete;
 
+    /// The context for the plain coders, which lives as long as this object; never null.
     ASN1CTXT* get() { return &handle_; }
 
 private:

@@ -16,6 +16,7 @@ class OwnedCopy {
 public:
     /// No object.
     OwnedCopy() noexcept = default;
+    /// A copy of the object, if there is one.
     OwnedCopy(const OwnedCopy& other) { put(other.get()); }
     OwnedCopy(OwnedCopy&& other) noexcept = default;
     OwnedCopy& operator=(const OwnedCopy& other) {
@@ -50,6 +51,7 @@ public:
         return *object_;
     }
 
+    /// Takes the object away.
     void clear() noexcept { object_.reset(); }
 
 private:

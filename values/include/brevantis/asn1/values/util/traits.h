@@ -34,6 +34,7 @@ const Value& requireValue(const Value* value) {
 /// The name that a control class has for its type; null for one that tells none.
 template <class Control, class = void>
 struct TypeNameOf {
+    /// A constant text; null where there is no `typeName`.
     static constexpr const char* value = nullptr;
 };
 template <class Control>

@@ -36,11 +36,14 @@ public:
 protected:
     /// An empty field and no value.
     explicit ValueWithField(const char* oid) : Base(oid) {}
+    /// A value that is decoded at once.
+    /// @throws as `decode`
     ValueWithField(const char* oid, const CBlob& encoded);
 
     // For the classes that derive from this one: whether they are copied and moved is theirs to
     // say.
     ValueWithField(const ValueWithField&) = default;
+    /// Takes over field and value; @p other keeps its identifier and is empty otherwise.
     ValueWithField(ValueWithField&& other) noexcept : ValueWithField(other.get_oid()) {
         swap(other);
     }
@@ -56,7 +59,10 @@ protected:
     }
     ~ValueWithField() = default;
 
+    /// Replaces the field, and the value by its DER.
+    /// @throws as `encode`
     void putField(Field field);
+    /// The field as it was set or decoded last; valid until it changes or the object goes.
     const Field& field() const { return field_; }
 
 private:
