@@ -1,6 +1,8 @@
 #include <cstring>
 #include <memory>
 
+#include <nlohmann/json.hpp>
+
 #include <brevantis/asn1/asn1data/family.h>
 #include <brevantis/asn1/asn1data/reading_policy.h>
 #include <brevantis/asn1/runtime.h>
@@ -10,8 +12,8 @@
 #include "entry.h"
 
 // JSON both ways: the first octet chooses the direction, the next ones the type. A message is
-// written, and comes back octet for octet where it has to; a text is read, and what it comes to has
-// a JSON that comes to the same.
+// written as far as it can be read, and comes back octet for octet where it has to; a text is read,
+// and what it comes to has a JSON that comes to the same.
 
 namespace {
 
@@ -49,6 +51,9 @@ bool isDer(const TypeDescription& type, const OctetStore& message) {
 
 void write(const TypeDescription& type, const OctetStore& message) {
     const std::string json = jsonOf(type, message);
+    if (!nlohmann::json::accept(json)) {
+        fuzz::report("what is written is no JSON");
+    }
     if (!isDer(type, message) || !comesBack(type, message)) {
         return;
     }

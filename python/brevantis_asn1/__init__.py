@@ -88,7 +88,8 @@ def decode(octets: Octets, type: Optional[str] = None, *, policy: int = 0) -> Va
     """
     text = to_json(octets, type, policy=policy)
     try:
-        return json.loads(text)
+        value: Value = json.loads(text)
+        return value
     except RecursionError:
         raise too_deep() from None
 

@@ -102,7 +102,8 @@ def too_deep() -> Asn1Error:
 
 
 def library_version() -> str:
-    return _library().basn1_version().decode()
+    version: bytes = _library().basn1_version()
+    return version.decode()
 
 
 @functools.lru_cache(maxsize=None)
@@ -156,7 +157,7 @@ class Handle:
 
     def add_schema(self, texts: Dict[str, str]) -> None:
         coded = [(_terminated(name), text.encode("utf-8")) for name, text in texts.items()]
-        files = (_SchemaText * len(coded))(*((name, text, len(text)) for name, text in coded))
+        files = (_SchemaText * len(coded))(*(_SchemaText(name, text, len(text)) for name, text in coded))
         self._require(self._library.basn1_add_schema(self._handle, files, len(coded)))
         self.schemas += 1
         self._types = dict(_types())
@@ -194,7 +195,8 @@ class Handle:
                 byref(found),
             )
         )
-        return self._library.basn1_type_name(found).decode()
+        name: bytes = self._library.basn1_type_name(found)
+        return name.decode()
 
     def check(self, octets: Octets, type: str, policy: int) -> None:
         message = _octets(octets)
