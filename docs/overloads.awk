@@ -1,11 +1,10 @@
 # What Doxygen reads in place of a header. A comment stands for all declarations of the same kind behind
 # it up to the next blank line, as overloads, pairs of operators and rows of members are written here,
-# and Doxygen wants one for each. Of the comment, others get what is said in front of the first command,
-# or the commands where nothing is. Copies, moves and destructors without a comment of their own are left
-# out: there is nothing to be told of them. A comment that says nothing in front of its commands says what
-# is returned, so that tables of members do. What specialises a template, and the members of it, are told
-# by the template. What has one meaning wherever it stands, as util/traits.h tells it of traits classes,
-# gets that. Lines keep their numbers.
+# and Doxygen wants one for each; others do not get what it says of arguments that they lack. Copies,
+# moves and destructors without a comment of their own are left out: there is nothing to be told of them.
+# A comment that says nothing in front of its commands says what is returned, so that tables of members
+# do. What specialises a template, and the members of it, are told by the template. What has one meaning
+# wherever it stands, as util/traits.h tells it of traits classes, gets that. Lines keep their numbers.
 
 BEGIN {
     meaning["static void set("] = "Fills a record from a value; what hangs from the record lies on the heap of the context."
@@ -70,19 +69,19 @@ function shared(code,   parts, count, i, name, text) {
     if (kindOf(code) != kind) {
         return ""
     }
-    if (comment != "") {
-        return comment
-    }
-    count = split(rest, parts, / @/)
+    text = rest
+    gsub(/ @(t?param|return|throws?|warning|note) /, "\n&", text)
+    count = split(text, parts, /\n /)
+    text = comment
     for (i = 2; i <= count; ++i) {
         name = parts[i]
-        if (sub(/^t?param +/, "", name)) {
+        if (sub(/^@t?param +/, "", name)) {
             sub(/ .*/, "", name)
             if (index(code, name) == 0) {
                 continue
             }
         }
-        text = text " @" parts[i]
+        text = text " " parts[i]
     }
     return text
 }

@@ -101,9 +101,9 @@ public:
     /// buffer must not grow in the meantime.
     /// @return 0; ASN1S_NOT_SUPPORTED for a decode buffer and a @p memBuf that never held anything;
     ///         ASN1S_NO_MEMORY when an encode buffer gets a block of its own for want of one in
-    /// @return ASN1S_NOT_SUPPORTED: octets come as octets here
     ///         @p memBuf and memory is out
     int initBuffer(ASN1MemBuf& memBuf) override;
+    /// @return ASN1S_NOT_SUPPORTED: octets come as octets here
     int initBuffer(unsigned short* text) override;
     int initBuffer(char* text) override;
 

@@ -49,8 +49,8 @@ public:
     /// @throws as `decode`
     explicit CExtCRLReason(const CBlob& value);
 
-    /// The reason; 0 until one is set or decoded. One that was decoded may be any that CRLReason
-    /// names.
+    /// The reason; 0 until one is set or decoded. One that was decoded may be a number without a
+    /// name.
     CrlReason get_reason() const;
     /// @throws as `encode`
     void put_reason(CrlReason reason);
