@@ -229,8 +229,13 @@ private:
                 lookAtTime(element);
             }
             break;
-        default:
-            break;
+        case ShapeKind::Null:
+        case ShapeKind::OctetString:
+        case ShapeKind::OpenType:
+        case ShapeKind::Record:
+        case ShapeKind::Choice:
+        case ShapeKind::Repeated:
+            break; // one form of contents, or none of their own
         }
     }
 

@@ -156,9 +156,13 @@ Inexactness lookAtValue(const WalkElement& element, const unsigned char* end) {
     case ShapeKind::OctetString:
     case ShapeKind::Text:
         return lookAtOctets(element, end);
-    default:
-        return Exact;
+    case ShapeKind::OpenType:
+    case ShapeKind::Record:
+    case ShapeKind::Choice:
+    case ShapeKind::Repeated:
+        break; // kept as octets, or looked at element by element
     }
+    return Exact;
 }
 
 } // namespace

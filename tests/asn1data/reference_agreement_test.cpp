@@ -43,7 +43,7 @@ public:
 private:
     static std::string value(const WalkElement& element) {
         const Shape shape = element.type != nullptr ? element.type->shape : Shape::OpenType;
-        if (shape <= Shape::Enumerated) {
+        if (tests::isNumeric(shape)) {
             return std::to_string(element.value.number);
         }
         if (element.value.identifier != nullptr) {

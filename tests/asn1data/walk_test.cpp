@@ -12,6 +12,7 @@
 #include "support/counting_allocator.h"
 #include "support/data_file.h"
 #include "support/shapes_catalogue.h"
+#include "support/value_text.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ private:
             rtOidToStr(identifier, dotted, sizeof dotted);
             return dotted;
         }
-        if (element.type != nullptr && element.type->shape <= Shape::Enumerated) {
+        if (element.type != nullptr && tests::isNumeric(element.type->shape)) {
             return std::to_string(element.value.number);
         }
         Octets octets(copyOctets(element, nullptr, 0));

@@ -82,7 +82,7 @@ std::string notesOf(const Node& node) {
         notes += notesOf(*inner);
     }
     const bool entered =
-        node.shape >= Shape::Sequence || (!node.typed.empty() && node.shape == Shape::OctetString);
+        !isPrimitive(node.shape) || (!node.typed.empty() && node.shape == Shape::OctetString);
     return entered ? node.note + "{\n" + notes + "}\n" : node.typed.empty() ? node.note : notes;
 }
 
@@ -492,12 +492,19 @@ void Decoder::read(const TypeDescription& type, const Header* header, Node& node
         node.text = wideText(octets, width);
         break;
     }
-    default:
+    case Shape::OpenType:
         octets = in.element();
         node.text = octetsText(octets.size(), octets.data(), octets.size());
         break;
+    case Shape::Sequence:
+    case Shape::Set:
+    case Shape::Choice:
+    case Shape::List:
+    case Shape::Array:
+    case Shape::FixedArray:
+        break; // are read element by element
     }
-    if (type.shape <= Shape::Enumerated) {
+    if (isNumeric(type.shape)) {
         shown = std::to_string(node.number);
         node.text = type.shape != Shape::Boolean ? shown : node.number != 0 ? "TRUE" : "FALSE";
         return;

@@ -24,6 +24,12 @@ std::string valueText(const asn1data::TypeDescription& type, const void* value,
 /// Whether two values mean the same.
 bool equalValues(const asn1data::TypeDescription& type, const void* a, const void* b);
 
+/// Whether a value is told by a number: BOOLEAN, ENUMERATED, INTEGER in a machine word.
+inline bool isNumeric(asn1data::Shape shape) {
+    const asn1data::ShapeKind kind = asn1data::kindOf(shape);
+    return kind == asn1data::ShapeKind::Boolean || kind == asn1data::ShapeKind::Number;
+}
+
 // How the parts of such a text are written.
 
 /// "3: 01 02 03", or "20: 01 02 03" of as many bits.

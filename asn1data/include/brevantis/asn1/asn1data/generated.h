@@ -77,9 +77,13 @@ constexpr bool isTagOfCoder(Shape shape, ASN1TAG tag) {
         return tag == 3;
     case ShapeKind::Text:
         return tag < 31;
-    default:
-        return tag == 0; // an open type or a CHOICE
+    case ShapeKind::OpenType:
+    case ShapeKind::Record:
+    case ShapeKind::Choice:
+    case ShapeKind::Repeated:
+        break; // an open type and a CHOICE have none
     }
+    return tag == 0;
 }
 
 /// The road to the contents of a type. Tags of more than one octet are read apart.

@@ -7,7 +7,8 @@
 
 namespace asn1data {
 
-/// How the value of a type is held in memory and coded.
+/// How the value of a type is held in memory and coded. Nothing goes by the order, and programs
+/// have the numbers compiled in: a further shape stands at the end.
 enum class Shape : unsigned char {
     Boolean,          ///< `unsigned char`, 0 is false
     Integer,          ///< `int`
@@ -107,24 +108,12 @@ constexpr ShapeKind kindOf(Shape shape) {
     return traitsOf(shape).kind;
 }
 
-/// Whether values have no elements.
-constexpr bool isPrimitive(Shape shape) {
-    return shape < Shape::Sequence;
-}
-
-/// Whether values are a string of octets, bits or characters, which BER may cut into segments
-/// (X.690, 8.6.4, 8.7.3, 8.23).
-constexpr bool isString(Shape shape) {
-    return shape >= Shape::OctetString && shape <= Shape::Text32;
-}
-
-/// Whether values hold a fixed number of octets, bits or elements inside the record.
-constexpr bool isFixed(Shape shape) {
-    return shape == Shape::FixedOctetString || shape == Shape::FixedBitString ||
-           shape == Shape::FixedArray;
-}
-
 namespace shape_detail {
+
+/// Whether values have no elements, as isPrimitive tells it of shapes.
+constexpr bool isPrimitiveKind(ShapeKind kind) {
+    return kind != ShapeKind::Record && kind != ShapeKind::Choice && kind != ShapeKind::Repeated;
+}
 
 /// Whether values are strings, as isString tells it of shapes.
 constexpr bool isStringKind(ShapeKind kind) {
@@ -132,21 +121,53 @@ constexpr bool isStringKind(ShapeKind kind) {
            kind == ShapeKind::Text;
 }
 
-/// Whether the table and the predicates that go by the order of the enumerators tell the same.
+/// Some of the shapes.
+struct ShapeSet {
+    bool has[sizeof shapeTraits / sizeof *shapeTraits] = {}; ///< in the order of the enumerators
+};
+
+/// The shapes of some kinds.
+constexpr ShapeSet shapesOf(bool (*isOne)(ShapeKind)) {
+    ShapeSet shapes;
+    for (const ShapeTraits& row : shapeTraits) {
+        shapes.has[static_cast<unsigned char>(row.shape)] = isOne(row.kind);
+    }
+    return shapes;
+}
+
+inline constexpr ShapeSet primitives = shapesOf(isPrimitiveKind); ///< as isPrimitive tells
+inline constexpr ShapeSet strings = shapesOf(isStringKind);       ///< as isString tells
+
+/// Whether traitsOf finds the row of a shape.
 constexpr bool orderHolds() {
     unsigned place = 0;
     for (const ShapeTraits& row : shapeTraits) {
-        if (static_cast<unsigned char>(row.shape) != place++ ||
-            isPrimitive(row.shape) != (row.kind < ShapeKind::Record) ||
-            isString(row.shape) != isStringKind(row.kind)) {
+        if (static_cast<unsigned char>(row.shape) != place++) {
             return false;
         }
     }
-    return place == static_cast<unsigned>(Shape::FixedArray) + 1;
+    return true;
 }
 static_assert(orderHolds(), "a row for each shape, in the order of the enumerators");
 
 } // namespace shape_detail
+
+/// Whether values have no elements.
+constexpr bool isPrimitive(Shape shape) {
+    return shape_detail::primitives.has[static_cast<unsigned char>(shape)];
+}
+
+/// Whether values are a string of octets, bits or characters, which BER may cut into segments
+/// (X.690, 8.6.4, 8.7.3, 8.23).
+constexpr bool isString(Shape shape) {
+    return shape_detail::strings.has[static_cast<unsigned char>(shape)];
+}
+
+/// Whether values hold a fixed number of octets, bits or elements inside the record.
+constexpr bool isFixed(Shape shape) {
+    return shape == Shape::FixedOctetString || shape == Shape::FixedBitString ||
+           shape == Shape::FixedArray;
+}
 
 } // namespace asn1data
 
