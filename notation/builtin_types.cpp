@@ -21,6 +21,25 @@ const std::vector<BuiltinType>& builtinTypes() {
     return types;
 }
 
+std::vector<const BuiltinType*> heldAs(const std::string& notation) {
+    std::vector<const BuiltinType*> rows;
+    for (const BuiltinType& row : builtinTypes()) {
+        if (row.notations.front() == notation && !row.variant.empty()) {
+            rows.push_back(&row);
+        }
+    }
+    return rows;
+}
+
+std::string variantsText(const std::string& notation) {
+    const std::vector<const BuiltinType*> rows = heldAs(notation);
+    std::string text;
+    for (const BuiltinType* row : rows) {
+        text += (text.empty() ? "" : row == rows.back() ? " or " : ", ") + row->variant;
+    }
+    return text;
+}
+
 std::string builtinKey(const std::string& notation, const std::string& variant) {
     return variant.empty() ? notation : notation + " " + variant;
 }

@@ -23,6 +23,11 @@ struct BuiltinType {
 /// All of them, in the order of the list.
 const std::vector<BuiltinType>& builtinTypes();
 
+/// Those of a notation that a remark chooses, in this order.
+std::vector<const BuiltinType*> heldAs(const std::string& notation);
+/// Their remarks, as "signed32, unsigned32 or magnitude".
+std::string variantsText(const std::string& notation);
+
 /// Key of a built-in type in Model::builtins.
 std::string builtinKey(const std::string& notation, const std::string& variant = {});
 

@@ -1,10 +1,12 @@
 #include "remarks.h"
 
+#include "builtin_types.h"
+
 namespace notation {
 
 const std::vector<RemarkKind>& remarkKinds() {
     static const std::vector<RemarkKind> kinds = {
-        {"value", "HOLDING", "INTEGER", "held as signed32, unsigned32, unsigned16 or magnitude"},
+        {"value", "HOLDING", "INTEGER", "held as " + variantsText("INTEGER")},
         {"storage", "array", "SEQUENCE OF, SET OF", "a count and a pointer to an array"},
         {"storage", "fixed", "SEQUENCE OF, SET OF", "an array in the record"},
         {"capacity", "N", "strings, storage fixed", "N octets, bits or elements in the record"},

@@ -243,25 +243,17 @@ Type* Resolver::integerOf(const TypeNode& node, const Place& place) {
                    std::any_of(node.further.begin(), node.further.end(),
                                [&](const ConstraintNode& each) { return allWithin(each, fits); });
         };
-        const bool isSigned = within(-0x80000000LL, 0x7FFFFFFFLL);
-        const bool isUnsigned = within(0, 0xFFFFFFFFLL);
-        return model_.builtins[builtinKey("INTEGER", isSigned     ? "signed32"
-                                                     : isUnsigned ? "unsigned32"
-                                                                  : "")];
+        for (const BuiltinType* row : heldAs("INTEGER")) {
+            const ShapeTraits& traits = traitsOf(row->shape);
+            if (traits.kind == ShapeKind::Number && within(traits.lower, traits.upper)) {
+                return model_.builtins[builtinKey("INTEGER", row->variant)];
+            }
+        }
+        return model_.builtins["INTEGER"];
     }
     const auto found = model_.builtins.find(builtinKey("INTEGER", remark->value));
     if (found == model_.builtins.end()) {
-        std::vector<std::string> variants;
-        for (const BuiltinType& row : builtinTypes()) {
-            if (row.notations.front() == "INTEGER" && !row.variant.empty()) {
-                variants.push_back(row.variant);
-            }
-        }
-        std::string text;
-        for (const std::string& variant : variants) {
-            text += (text.empty() ? "" : &variant == &variants.back() ? " or " : ", ") + variant;
-        }
-        diagnostics_.error(remark->at, "an INTEGER is held as " + text);
+        diagnostics_.error(remark->at, "an INTEGER is held as " + variantsText("INTEGER"));
         return model_.builtins["INTEGER"];
     }
     return found->second;

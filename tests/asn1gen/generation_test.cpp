@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <notation/builtin_types.h>
 #include <notation/remarks.h>
 
 #include "compiler.h"
@@ -201,6 +202,10 @@ TEST(Documentation, TellsEveryRemark) {
     for (const notation::RemarkKind& kind : notation::remarkKinds()) {
         EXPECT_NE(manual.find("--@ " + kind.key), std::string::npos) << kind.key;
         EXPECT_NE(page.find("| `" + kind.key), std::string::npos) << kind.key;
+    }
+    for (const notation::BuiltinType* row : notation::heldAs("INTEGER")) {
+        EXPECT_NE(manual.find(row->variant), std::string::npos) << row->variant;
+        EXPECT_NE(page.find(row->variant + '`'), std::string::npos) << row->variant;
     }
 }
 
