@@ -79,15 +79,17 @@ std::string builtinText(const TypeDescription& type) {
     if (type.shape == Shape::OpenType) {
         return "open type";
     }
-    static const std::map<Shape, const char*> widths = {{Shape::Integer, ", signed 32-bit"},
-                                                        {Shape::Unsigned, ", unsigned 32-bit"},
-                                                        {Shape::Unsigned16, ", unsigned 16-bit"},
-                                                        {Shape::BigInteger, ", text"},
-                                                        {Shape::BigUnsigned, ", unsigned text"}};
     const auto name = universalTypes().find(type.tag);
-    const auto width = widths.find(type.shape);
-    return std::string(name != universalTypes().end() ? name->second : "?") +
-           (width != widths.end() ? width->second : "");
+    const std::string text = name != universalTypes().end() ? name->second : "?";
+    const ShapeTraits& traits = traitsOf(type.shape);
+    if (traits.kind == ShapeKind::BigNumber) {
+        return text + (traits.lower < 0 ? ", text" : ", unsigned text");
+    }
+    if (traits.kind == ShapeKind::Number && type.shape != Shape::Enumerated) {
+        return text + (traits.lower < 0 ? ", signed " : ", unsigned ") +
+               std::to_string(type.valueSize * 8) + "-bit";
+    }
+    return text;
 }
 
 std::string typeText(const TypeDescription& type) {

@@ -134,7 +134,7 @@ TEST(Scalar, ImplicitLengthsAreHeldToTheBuffer) {
         }
         SCOPED_TRACE(coder.name);
         long long value = 0;
-        for (const int length : {std::numeric_limits<int>::min(), ASN1IndefiniteLength + 0, -1, 6,
+        for (const int length : {std::numeric_limits<int>::min(), ASN1IndefiniteLength + 0, -1, 17,
                                  std::numeric_limits<int>::max()}) {
             Reader reader("00 00 00 00 00 00 00 00");
             EXPECT_EQ(coder.decode(reader, &value, ASN1TagImplicit, length),

@@ -127,9 +127,12 @@ long long ValueBuilder::number(const Constraint& constraint, long long lowest, l
     case 2:
         return std::clamp(static_cast<long long>(below(300)), lowest, highest);
     default:
-        return lowest + static_cast<long long>(
-                            random_() % (static_cast<unsigned long long>(highest - lowest) + 1));
+        break;
     }
+    // Without a sign, for the whole of 64 bits has more numbers than a long long can tell.
+    const auto first = static_cast<unsigned long long>(lowest);
+    const unsigned long long count = static_cast<unsigned long long>(highest) - first + 1;
+    return static_cast<long long>(first + (count != 0 ? random_() % count : random_()));
 }
 
 unsigned ValueBuilder::size(const Constraint& constraint, unsigned usual, unsigned highest) {
