@@ -29,8 +29,12 @@ constexpr const char* Remarks =
     "Files hold DER or BER, PEM, base64 or hexadecimal digits, one message or several.\n"
     "Exit status: 0 all good, 1 some input failed, 2 wrong usage.";
 
-/// Of the formats.
-constexpr std::size_t ListChoice = 3;
+/// A format that an option of its own stands for.
+const FormatDescription* formatNamed(std::string_view name) {
+    const auto formats = allFormats();
+    return &*std::find_if(formats.begin(), formats.end(),
+                          [&](const FormatDescription& format) { return format.name == name; });
+}
 
 template <class Value>
 using Choices = std::vector<std::pair<std::string, Value>>;
@@ -195,7 +199,7 @@ void addOptions(CLI::App& app, Arguments& arguments) {
     addChoice(app, "--format", arguments.format, formats,
               "How they are shown; der and pem encode them again");
     app.add_flag_callback(
-        "--list", [&arguments, formats] { arguments.format = formats[ListChoice].second; },
+        "--list", [&arguments] { arguments.format = formatNamed("list"); },
         "A line a message, as --format list");
     if (hasFingerprints()) {
         app.add_flag("--fingerprint", arguments.fingerprint, "Tree and list: SHA-256 of a message");
@@ -241,8 +245,8 @@ void addOptions(CLI::App& app, Arguments& arguments) {
         ->check(CLI::Range(20, 10000));
 }
 
-/// @return what does not go together; null when everything does
-const char* contradiction(const Arguments& arguments) {
+/// @return what does not go together; empty when everything does
+std::string contradiction(const Arguments& arguments) {
     const int modes = (arguments.check || arguments.lint ? 1 : 0) + (arguments.diff ? 1 : 0) +
                       (arguments.path ? 1 : 0) + (arguments.atOffset ? 1 : 0) +
                       (arguments.listTypes ? 1 : 0) + (arguments.describe != nullptr ? 1 : 0);
@@ -272,14 +276,14 @@ const char* contradiction(const Arguments& arguments) {
     if (arguments.diff && (arguments.message != 0 || arguments.limit != 0)) {
         return "--message and --limit do not go with --diff";
     }
+    const std::string format = std::string("--format ") + arguments.format->name;
     if (arguments.format->encodes && modes != 0) {
-        return "--format der and pem encode whole messages";
+        return format + " encodes whole messages";
     }
     const bool writesOthers = arguments.raw || (modes != 0 && !arguments.path);
     if (!arguments.format->takesLayout && writesOthers) {
-        return "--format json, html and list do not go with --raw, --check, --lint, --at-offset, "
-               "--diff, "
-               "--list-types and --describe";
+        return format + " does not go with --raw, --check, --lint, --at-offset, --diff, "
+                        "--list-types and --describe";
     }
     if ((arguments.offsets || arguments.full) && (writesOthers || !arguments.format->takesLayout)) {
         return "--offsets and --full are for the tree";
@@ -288,7 +292,7 @@ const char* contradiction(const Arguments& arguments) {
         return "--lines needs --format json";
     }
     const bool octets = arguments.raw || arguments.format->isOctets;
-    return octets && isTerminal(1) ? "octets are not written to a terminal" : nullptr;
+    return octets && isTerminal(1) ? "octets are not written to a terminal" : "";
 }
 
 } // namespace
@@ -336,8 +340,8 @@ std::optional<int> parseArguments(int argc, char** argv, Arguments& arguments) {
                      escapeName(error.what()).c_str(), hintFor(app, argc, argv).c_str());
         return BadUsage;
     }
-    if (const char* const problem = contradiction(arguments)) {
-        std::fprintf(stderr, "derview: %s\n", problem);
+    if (const std::string problem = contradiction(arguments); !problem.empty()) {
+        std::fprintf(stderr, "derview: %s\n", problem.c_str());
         return BadUsage;
     }
     if (arguments.files.empty()) {
