@@ -43,7 +43,7 @@ inline unsigned char takeOctet(ASN1CTXT* ctxt) noexcept {
 }
 
 /// Moves behind @p length octets of contents.
-/// @return 0, or -2 with the position unchanged when they end beyond the buffer
+/// @return 0, or ASN1S_END_OF_BUFFER with the position unchanged when they end beyond the buffer
 inline int skipContents(ASN1CTXT* ctxt, int length) noexcept {
     if (!fits(ctxt, length)) {
         return ASN1S_END_OF_BUFFER;
@@ -63,7 +63,7 @@ inline void clearConstructed(ASN1CTXT* ctxt) noexcept {
 }
 
 /// Reads a length, the one-octet form (X.690, 8.1.3.4) without a call.
-/// @return 0; -2 when the buffer ends, not recorded; the failures of xd_len
+/// @return 0; ASN1S_END_OF_BUFFER when the buffer ends, not recorded; the failures of xd_len
 inline int readLength(ASN1CTXT* ctxt, int* length) noexcept {
     if (remaining(ctxt) == 0) {
         return ASN1S_END_OF_BUFFER;
@@ -79,8 +79,9 @@ inline int readLength(ASN1CTXT* ctxt, int* length) noexcept {
 /// constructed form is another tag here.
 /// @param length receives the length, possibly ASN1IndefiniteLength, which the length tests of the
 ///        type refuse
-/// @return 0, or recorded: -3 with the position unchanged when another octet or none is there; -2
-///         when the buffer ends behind the tag; the failures of xd_len
+/// @return 0, or recorded: ASN1S_TAG_NOT_FOUND with the position unchanged when another octet or
+/// none is there;
+///         ASN1S_END_OF_BUFFER when the buffer ends behind the tag; the failures of xd_len
 inline int readExplicitHeader(ASN1CTXT* ctxt, unsigned char identifierOctet, int* length) noexcept {
     if (remaining(ctxt) == 0 || octetAt(ctxt) != identifierOctet) {
         return record(ctxt, ASN1S_TAG_NOT_FOUND);

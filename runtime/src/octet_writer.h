@@ -15,7 +15,7 @@ namespace runtime_detail {
 
 /// Makes room for @p count more octets in front of the message. Defined beside the coders of tags
 /// and lengths.
-/// @return 0; -1 for a static buffer; -12
+/// @return 0; ASN1S_BUFFER_OVERFLOW for a static buffer; ASN1S_NO_MEMORY
 int growBuffer(ASN1CTXT* ctxt, std::uint32_t count) noexcept;
 
 /// Writes one octet: a plain store, no copy call.

@@ -40,7 +40,8 @@ unsigned char* copyOctets(ASN1CTXT* ctxt, const unsigned char* source,
 }
 
 /// Moves behind the contents of an element whose header has been read.
-/// @return 0, or the status that the open type ends with; -2 stands for an element of indefinite
+/// @return 0, or the status that the open type ends with; ASN1S_END_OF_BUFFER stands for an element
+/// of indefinite
 ///         length that is cut off
 int passContents(ASN1CTXT* ctxt, ASN1TAG tag, int length) noexcept {
     if (length == ASN1IndefiniteLength) {

@@ -8,7 +8,7 @@
 namespace runtime_detail {
 
 /// A reference to a new context, the only one. Fails in one way whether it is the object or its
-/// heap that finds no memory: ASN1MessageBuffer::RTLError with -12.
+/// heap that finds no memory: ASN1MessageBuffer::RTLError with ASN1S_NO_MEMORY.
 inline ASN1ContextRef makeContext() {
     auto* made = new (std::nothrow) ASN1Context;
     if (made == nullptr) {

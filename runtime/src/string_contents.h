@@ -69,7 +69,7 @@ public:
     unsigned char* block() const noexcept { return block_; }
 
     /// Takes octets from the message and moves behind them.
-    /// @return 0; -2 when fewer are left, or @p count is negative
+    /// @return 0; ASN1S_END_OF_BUFFER when fewer are left, or @p count is negative
     int take(ASN1CTXT* ctxt, int count) const noexcept {
         if (!fits(ctxt, count)) {
             return ASN1S_END_OF_BUFFER;
@@ -103,7 +103,7 @@ int openString(ASN1CTXT* ctxt, unsigned char identifierOctet, ASN1TAG segmentTag
                ASN1TagType tagging, int length, StringContents* contents) noexcept;
 
 /// Takes the end-of-contents octets that a string of indefinite length owns.
-/// @return 0; -5, recorded, when they are not there
+/// @return 0; ASN1S_INVALID_LENGTH, recorded, when they are not there
 int closeString(ASN1CTXT* ctxt, const StringContents& contents) noexcept;
 
 /// Reads contents octets of definite length: OCTET STRING segments where ASN1F_CONSTRUCTED is set.
