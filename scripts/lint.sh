@@ -36,6 +36,9 @@ fi
 if [[ ${1:-} != --build ]]; then
     say "checking the format"
     sources '*.cpp' '*.h' | xargs -0 -r clang-format --dry-run -Werror
+    if sources '*/include/*.h' | xargs -0 -r grep -L '@file' | grep .; then
+        fail "these public headers do not say what they hold"
+    fi
 fi
 if [[ ${1:-} == --format ]]; then
     exit 0

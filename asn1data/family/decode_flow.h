@@ -97,7 +97,7 @@ struct DecodeFlow {
 
     /// Decodes the value of an element whose tag, if it has one, was read with the given length.
     /// Whoever reads a tag in indefinite form steps over its end-of-contents, where the element
-    /// belongs to the structures that streaming producers write so (RFC 5652, section 5.1 and the
+    /// belongs to the structures that streaming producers write so (RFC 5652, 5.1 and the
     /// like).
     [[gnu::always_inline]] static int decodeTagged(Sink sink, const TypeDescription& container,
                                                    const ElementDescription& element, Value value,

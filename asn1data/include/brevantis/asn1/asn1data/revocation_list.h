@@ -8,7 +8,7 @@
 #include <brevantis/asn1/runtime/object_identifier.h>
 
 /// @file
-/// Reading an encoded revocation list where it stands (CertificateList, RFC 5280, section 5), and
+/// Reading an encoded revocation list where it stands (CertificateList, RFC 5280, 5), and
 /// finding its entries by serial number.
 ///
 /// For lists that are too large to be decoded. Nothing is copied: everything that is handed out

@@ -7,6 +7,9 @@
 #include <brevantis/asn1/text/export.h>
 #include <brevantis/asn1/text/octets.h>
 
+/// @file
+/// Characters as octets of strings have them, and as UTF-8.
+
 namespace asn1text {
 
 /// How the octets of a character string stand for characters.

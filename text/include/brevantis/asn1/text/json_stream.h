@@ -9,6 +9,9 @@
 #include <brevantis/asn1/text/export.h>
 #include <brevantis/asn1/text/octets.h>
 
+/// @file
+/// JSON written piece by piece, to wherever text goes.
+
 namespace asn1text {
 
 /// Where text goes as it is written.

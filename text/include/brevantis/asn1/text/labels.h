@@ -7,6 +7,9 @@
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/text/export.h>
 
+/// @file
+/// What elements are called in a text.
+
 namespace asn1text {
 
 /// What an element is called in the element around it.

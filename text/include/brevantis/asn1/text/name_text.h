@@ -8,6 +8,9 @@
 #include <brevantis/asn1/text/names.h>
 #include <brevantis/asn1/text/octets.h>
 
+/// @file
+/// Distinguished names in a line.
+
 namespace asn1text {
 
 /// A distinguished name in one line, "C=DE,O=Test,CN=Test CA": its parts in the order of the

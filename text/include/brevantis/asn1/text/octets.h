@@ -8,6 +8,9 @@
 
 #include <brevantis/asn1/text/export.h>
 
+/// @file
+/// Octets that are looked at, held elsewhere, and their hexadecimal digits.
+
 namespace asn1text {
 
 /// Octets that stand for themselves.

@@ -7,6 +7,9 @@
 #include <brevantis/asn1/asn1data/walk.h>
 #include <brevantis/asn1/text/export.h>
 
+/// @file
+/// From an offset in a message to the path of the element there.
+
 namespace asn1text {
 
 /// Finds the path of the innermost element that the octet at an offset belongs to.

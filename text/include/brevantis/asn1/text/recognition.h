@@ -9,6 +9,9 @@
 #include <brevantis/asn1/text/export.h>
 #include <brevantis/asn1/text/octets.h>
 
+/// @file
+/// Which type a message is.
+
 namespace asn1text {
 
 /// What a message was taken for, and why.

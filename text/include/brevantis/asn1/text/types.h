@@ -4,6 +4,9 @@
 #include <brevantis/asn1/asn1data/describe.h>
 #include <brevantis/asn1/text/export.h>
 
+/// @file
+/// The types that the library brings along, by name.
+
 namespace asn1text {
 
 /// Finds a type that the library brings along.
