@@ -339,7 +339,8 @@ private:
     ASN1CTXT* ctxt_;
     const TypeDescription& type_;
     const TypeDescription* openType_; ///< type of the members' typed form, null without one
-    bool sorts_;                      ///< a single member is in order as it is
+    // Kept: every SET OF goes out in order, DER asked for or not.
+    bool sorts_; ///< a single member is in order as it is
     Asn1RTSList locations_;
     int total_ = 0;
 };

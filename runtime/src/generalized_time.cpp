@@ -71,7 +71,7 @@ int ASN1CGeneralizedTime::parseString(const char* text) {
     const TimeScanner scanner(text);
     const auto date = scanDate(scanner, 4);
     if (!date) {
-        // Records that carry an empty text for a time that is missing are read as such.
+        // Kept: no failure. Records carry an empty text for a time that is missing.
         adoptFields(fields, text);
         return 0;
     }

@@ -226,6 +226,7 @@ int xe_setp(ASN1CTXT* ctxt, unsigned char* buffer, unsigned int size) noexcept {
     if (ctxt->buffer.size == 0) {
         return ASN1S_BUFFER_OVERFLOW; // stays bound and full, so a caller that goes on gets this
     }
+    // Kept: the last octet stays free. Programs copy the message with it.
     ctxt->buffer.byteIndex = ctxt->buffer.size - 1;
     return ASN1S_SUCCESS;
 }

@@ -58,7 +58,7 @@ int rtParseUTCTime(ASN1CTXT* ctxt, const char* text, ASN1TimeFields* fields) noe
     }
     const TimeScanner scanner(text);
     auto date = scanDate(scanner, 2);
-    if (!date) {
+    if (!date) { // Kept: ASN1CUTCTime::parseString takes such a text.
         return fail(ctxt, ASN1S_INVALID_FORMAT);
     }
     date->year = expandYear(date->year);
@@ -122,7 +122,8 @@ int rtParseGeneralizedTime(ASN1CTXT* ctxt, const char* text, ASN1TimeFields* fie
         }
         break;
     default:
-        // Local time (X.680, 46.3 a); producers that pad the text leave something behind it.
+        // Kept: local time (X.680, 46.3 a), whatever follows; producers that pad the text leave
+        // something behind it.
         break;
     }
     *fields = parsed;

@@ -89,7 +89,7 @@ int ASN1CUTCTime::parseString(const char* text) {
     const TimeScanner scanner(text);
     auto date = scanDate(scanner, 2);
     if (!date) {
-        // Records that carry an empty text for a time that is missing are read as such.
+        // Kept: no failure. Records carry an empty text for a time that is missing.
         adoptFields(fields, text);
         return 0;
     }
