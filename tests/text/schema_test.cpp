@@ -154,7 +154,7 @@ void expectSame(const Schema& schema, const asn1data::TypeRange& compiled, unsig
 TEST(Schema, OfTheCatalogueIsTheCatalogue) {
     const auto schema = schemaIn(SCHEMA_DIRECTORY);
     ASSERT_NE(schema, nullptr);
-    EXPECT_EQ(schema->types().size(), 539U);
+    EXPECT_EQ(schema->types().size(), asn1data::allTypes().size());
     expectSame(*schema, asn1data::allTypes(), 20);
     ASSERT_EQ(schema->objectSets().size(), asn1data::allObjectSets().size());
     for (const TypeDescription* const type : schema->types()) {
