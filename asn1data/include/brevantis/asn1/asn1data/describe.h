@@ -112,7 +112,7 @@ struct ObjectIndex {
 /// A pair of an identifier and the type that goes with it.
 struct ObjectDescription {
     const char* name;            ///< of the object in C++, such as "commonName"
-    const unsigned* arcs;        ///< the identifier; null when it has none
+    const unsigned* arcs;        ///< the identifier, the root's arc first
     unsigned arcCount;           ///< of `arcs`
     const TypeDescription* type; ///< null: the object has no value type
 };
