@@ -141,7 +141,7 @@ def path_at(octets: Octets, offset: int, type: Optional[str] = None) -> str:
 
 
 def messages(octets: Octets) -> Iterator[Message]:
-    """The messages of an input: DER, PEM, base64 or hexadecimal digits.
+    """The messages of an input: DER, PEM, base64, hexadecimal digits or JSON of the viewer.
 
     Asn1Error is raised at a damaged one.
     """

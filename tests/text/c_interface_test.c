@@ -166,6 +166,20 @@ static void check_messages(basn1_handle* handle) {
     CHECK(message == NULL && size == 0);
     basn1_messages_close(messages);
 
+    const char objects[] =
+        "{\"file\":\"-\",\"type\":\"GeneralName\",\"value\":{\"dNSName\":\"a\"}}\n"
+        "{\"file\":\"-\",\"type\":null,\"hex\":\"0500\"}"
+        "{\"file\":\"-\",\"type\":\"Absent\",\"value\":1}";
+    const unsigned char* first = NULL;
+    CHECK(basn1_messages_open(handle, (const unsigned char*)objects, strlen(objects), &messages) ==
+          0);
+    CHECK(basn1_messages_next(messages, &first, &size, NULL) == 0 && size == 3);
+    CHECK(basn1_messages_next(messages, &message, &size, NULL) == 0 && size == 2);
+    CHECK(first[0] == 0x82 && message[0] == 0x05);
+    CHECK(basn1_messages_next(messages, &message, &size, NULL) == BASN1_BAD_VALUE);
+    CHECK(basn1_messages_next(messages, &message, &size, NULL) == 0 && message == NULL);
+    basn1_messages_close(messages);
+
     const basn1_type* type = NULL;
     const unsigned char name[] = {0x30, 0x0D, 0x31, 0x0B, 0x30, 0x09, 0x06, 0x03,
                                   0x55, 0x04, 0x06, 0x13, 0x02, 0x44, 0x45};

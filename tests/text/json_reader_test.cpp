@@ -206,6 +206,13 @@ TEST(JsonReader, KnowsNamesOfOnesOwn) {
         EXPECT_EQ(tests::toHex(der), "06 03 2A 03 04");
         EXPECT_FALSE(encodeJson(type, json, der, failure));
     }
+    // Two identifiers with one name.
+    ASSERT_EQ(names.read("OID = 1 2 3 5\nDescription = my own"), "");
+    for (const char* oid : {"1.2.3.4", "1.2.3.5"}) {
+        const std::string json = "{\"oid\": \"" + std::string(oid) + "\", \"name\": \"my own\"}";
+        EXPECT_TRUE(encodeJson(asn1data::builtin::objectIdentifier, json, der, failure, {}, names))
+            << failureText(failure);
+    }
 }
 
 } // namespace

@@ -164,6 +164,7 @@ struct basn1_messages {
     basn1_handle* handle;
     asn1text::MessageReader reader;
     std::string label;
+    std::vector<asn1text::OctetStore> encoded; ///< messages that stand as JSON
 };
 
 namespace {
@@ -269,6 +270,17 @@ int fromJson(basn1_handle& handle, const TypeDescription& type, std::string_view
         asn1text::readJson(output.context(), type, json, failure, handle.textLimits, handle.names);
     return value == nullptr ? handle.failOn(std::move(failure))
                             : encode(handle, output, type, value, der, size);
+}
+
+/// What an object of derview tells, of a type of the handle.
+asn1text::JsonMessage encodeText(const basn1_handle& handle, Octets text) {
+    const void* const start = text.data();
+    const auto find = [&](const char* name) {
+        const basn1_type* const type = basn1_schema_type(&handle, name);
+        return type != nullptr ? &description(type) : nullptr;
+    };
+    return asn1text::encodeJsonMessage({static_cast<const char*>(start), text.size()}, find,
+                                       handle.textLimits, handle.names);
 }
 
 /// Whether an output was given; it is made empty then.
@@ -525,7 +537,7 @@ int basn1_messages_open(basn1_handle* handle, const unsigned char* input, size_t
     }
     return guarded(handle, isGiven(input, size) && messages != nullptr, [&] {
         *messages = new basn1_messages{
-            handle, asn1text::MessageReader({input, size}, asn1text::InputForm::Auto), {}};
+            handle, asn1text::MessageReader({input, size}, asn1text::InputForm::Auto), {}, {}};
         return 0;
     });
 }
@@ -557,8 +569,16 @@ int basn1_messages_next(basn1_messages* messages, const unsigned char** message,
         if (!found->problem.empty()) {
             return handle->fail(ASN1S_BAD_VALUE, found->offset, "a message", found->problem);
         }
-        *message = found->octets.data();
-        *size = found->octets.size();
+        Octets octets = found->octets;
+        if (messages->reader.form() == asn1text::InputForm::Json) {
+            asn1text::JsonMessage told = encodeText(*handle, octets);
+            if (!told.problem.empty()) {
+                return handle->fail(ASN1S_BAD_VALUE, 0, "an object of derview", told.problem);
+            }
+            octets = messages->encoded.emplace_back(std::move(told.octets));
+        }
+        *message = octets.data();
+        *size = octets.size();
         return found->trailing == 0
                    ? 0
                    : handle->fail(ASN1S_EXTRA_ELEMENT, found->offset + found->octets.size(),

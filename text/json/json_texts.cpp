@@ -82,4 +82,28 @@ std::string jsonMember(std::string_view object, std::string_view name) {
     }
 }
 
+JsonMessage
+encodeJsonMessage(std::string_view object,
+                  const std::function<const asn1data::TypeDescription*(const char*)>& findType,
+                  const JsonLimits& limits, const IdentifierNames& names) {
+    JsonMessage message;
+    const std::string type = jsonMember(object, "type");
+    const std::string hex = type.empty() ? jsonMember(object, "hex") : "";
+    if (!hex.empty()) { // of no known type
+        if (!readHex(hex, message.octets)) {
+            message.problem = "\"hex\" is not an even count of hexadecimal digits";
+            message.octets.clear();
+        }
+        return message;
+    }
+    JsonFailure failure;
+    message.type = findType(type.c_str());
+    if (message.type == nullptr) {
+        message.problem = "the JSON names no known type";
+    } else if (!encodeJson(*message.type, object, message.octets, failure, limits, names)) {
+        message.problem = failureText(failure);
+    }
+    return message;
+}
+
 } // namespace asn1text

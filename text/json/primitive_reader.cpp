@@ -190,6 +190,12 @@ bool PrimitiveReader::endFields(const Target& target) {
     case ValueKind::Number:
         return fields_.number || fields_.name ? setNamedNumber(target) : missing();
     case ValueKind::Identifier: {
+        // Several identifiers may have one name.
+        const char* const usual = fields_.oid ? names_.nameOf(*fields_.oid) : nullptr;
+        if (fields_.name && usual != nullptr && *fields_.name == usual) {
+            *static_cast<ASN1TObjId*>(target.value) = *fields_.oid;
+            return true;
+        }
         ASN1OBJID named{};
         const bool known = fields_.name && names_.find(*fields_.name, named);
         if (fields_.name && !known) {

@@ -52,30 +52,21 @@ void InputReader::encode(Message& message) {
     const void* const start = message.octets.data();
     const std::string_view json(static_cast<const char*>(start), message.octets.size());
     message.octets = {};
-    const std::string type = jsonMember(json, "type");
-    const std::string hex = type.empty() ? jsonMember(json, "hex") : "";
-    if (!hex.empty()) { // a message of no known type
-        if (!readHex(hex, encoded_)) {
-            message.problem = "\"hex\" is not an even count of hexadecimal digits";
+    bool unknown = false;
+    const auto find = [&](const char* name) {
+        const asn1data::TypeDescription* type = arguments_.type;
+        if (type == nullptr && arguments_.schema != nullptr) {
+            type = arguments_.schema->findType(name);
         }
-        message.octets = encoded_;
-        return;
-    }
-    message.type = arguments_.type;
-    if (message.type == nullptr && arguments_.schema != nullptr) {
-        message.type = arguments_.schema->findType(type);
-    }
-    if (message.type == nullptr) {
-        message.type = findType(type.c_str());
-    }
-    JsonFailure failure;
-    if (message.type == nullptr) {
-        message.problem = "the JSON names no known type; --type tells what it is";
-    } else if (!encodeJson(*message.type, json, encoded_, failure, {}, arguments_.names)) {
-        message.problem = failureText(failure);
-    } else {
-        message.octets = encoded_;
-    }
+        type = type != nullptr ? type : findType(name);
+        unknown = type == nullptr;
+        return type;
+    };
+    JsonMessage told = encodeJsonMessage(json, find, {}, arguments_.names);
+    encoded_ = std::move(told.octets);
+    message.octets = encoded_;
+    message.type = told.type;
+    message.problem = told.problem + (unknown ? "; --type tells what it is" : "");
 }
 
 void InputReader::pad(Message& message) {

@@ -180,7 +180,7 @@ BASN1_API int basn1_path_at(basn1_handle* handle, const basn1_type* type,
                             const char** path);
 
 /** Opens an input that holds messages: DER or BER, one behind another, or text that stands for
- * them in PEM, base64 or hexadecimal digits.
+ * them in PEM, base64, hexadecimal digits or JSON of the viewer.
  * @param input outlives what is opened
  * @param messages receives it, to be ended with basn1_messages_close; null after a failure */
 BASN1_API int basn1_messages_open(basn1_handle* handle, const unsigned char* input, size_t size,

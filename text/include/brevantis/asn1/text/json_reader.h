@@ -2,6 +2,7 @@
 #define BREVANTIS_ASN1_TEXT_JSON_READER_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -71,6 +72,22 @@ encodeJson(const asn1data::TypeDescription& type, std::string_view json, OctetSt
 /// @return nothing when the text is no object, or the object has no string of the name
 /// @throws std::bad_alloc
 BREVANTIS_ASN1_TEXT_API std::string jsonMember(std::string_view object, std::string_view name);
+
+/// A message that an object of derview tells.
+struct JsonMessage {
+    const asn1data::TypeDescription* type = nullptr; ///< null for octets of no known type
+    OctetStore octets;                               ///< of the message
+    std::string problem;                             ///< why there are none; empty when there are
+};
+
+/// Encodes the message that an object of derview tells: the value of the type that it names, or the
+/// octets in its `hex` where it names none.
+/// @param findType gives the type that a name stands for, or null
+/// @throws std::bad_alloc, and what @p findType throws
+BREVANTIS_ASN1_TEXT_API JsonMessage encodeJsonMessage(
+    std::string_view object,
+    const std::function<const asn1data::TypeDescription*(const char*)>& findType,
+    const JsonLimits& limits = {}, const IdentifierNames& names = IdentifierNames::ofLibrary());
 
 } // namespace asn1text
 
