@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
-#include <fstream>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,16 +35,19 @@ struct Run {
 };
 
 bool readFile(const std::string& path, std::string& content) {
-    std::ifstream file(path, std::ios::binary);
+    // Streams need not tell the end of a file from a failure to read it.
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                               std::fclose);
     char block[65536];
-    while (file.read(block, sizeof block) || file.gcount() > 0) {
-        content.append(block, static_cast<std::size_t>(file.gcount()));
+    std::size_t count = 0;
+    while (file != nullptr && (count = std::fread(block, 1, sizeof block, file.get())) > 0) {
+        content.append(block, count);
         if (content.size() > LargestFile) {
             std::fprintf(stderr, "%s: larger than %zu MB\n", path.c_str(), LargestFile >> 20);
             return false;
         }
     }
-    if (!file.eof() || file.bad()) {
+    if (file == nullptr || std::ferror(file.get()) != 0) {
         std::fprintf(stderr, "%s: cannot be read\n", path.c_str());
         return false;
     }

@@ -73,7 +73,9 @@ void checkMember(Copy copy) {
 }
 
 TEST(OptionalMember, TakesACopyOrNothing) {
+#if BREVANTIS_ASN1_HAS_AUTO_PTR
     checkMember<OptionalMember<CBlob>>(copy_to_auto_ptr<CBlob>);
+#endif
     checkMember<std::unique_ptr<CBlob>>(copy_to_unique_ptr<CBlob>);
 }
 
