@@ -34,7 +34,7 @@ say "building the packages"
 ls -l "$directory"/*.deb
 
 say "lintian"
-lintian --allow-root --info --fail-on error "$directory"/*.changes
+lintian --allow-root --info --fail-on error,warning "$directory"/*.changes
 
 if [[ ${1:-} == --trial ]]; then
     "$root/scripts/deb_trial.sh"
