@@ -54,10 +54,10 @@ enum class ShapeKind : unsigned char {
 /// What is known of a shape.
 struct ShapeTraits {
     Shape shape;           ///< whose row it is
-    const char* name;      ///< of the enumerator
     ShapeKind kind;        ///< what a value is in the notation
     bool scalar;           ///< a number, a BOOLEAN or a pointer to text: a union holds it by value
     bool holdsMemory;      ///< the value itself points to a block of the heap that is released
+    const char* name;      ///< of the enumerator
     const char* countName; ///< member with the count that a size constraint is about; empty if none
     const char* dataName;  ///< member that the count is of; empty if none
     long long lower;       ///< Number, BigNumber: least value that can be told in 64 bits
@@ -66,36 +66,36 @@ struct ShapeTraits {
 
 /// Every shape, in the order of the enumerators.
 inline constexpr ShapeTraits shapeTraits[] = {
-    {Shape::Boolean, "Boolean", ShapeKind::Boolean, true, false, "", "", 0, 1},
-    {Shape::Integer, "Integer", ShapeKind::Number, true, false, "", "", -0x7FFFFFFFLL - 1,
+    {Shape::Boolean, ShapeKind::Boolean, true, false, "Boolean", "", "", 0, 1},
+    {Shape::Integer, ShapeKind::Number, true, false, "Integer", "", "", -0x7FFFFFFFLL - 1,
      0x7FFFFFFFLL},
-    {Shape::Unsigned, "Unsigned", ShapeKind::Number, true, false, "", "", 0, 0xFFFFFFFFLL},
-    {Shape::Unsigned16, "Unsigned16", ShapeKind::Number, true, false, "", "", 0, 0xFFFFLL},
-    {Shape::Enumerated, "Enumerated", ShapeKind::Number, true, false, "", "", 0, 0xFFFFFFFFLL},
-    {Shape::BigInteger, "BigInteger", ShapeKind::BigNumber, true, false, "", "",
+    {Shape::Unsigned, ShapeKind::Number, true, false, "Unsigned", "", "", 0, 0xFFFFFFFFLL},
+    {Shape::Unsigned16, ShapeKind::Number, true, false, "Unsigned16", "", "", 0, 0xFFFFLL},
+    {Shape::Enumerated, ShapeKind::Number, true, false, "Enumerated", "", "", 0, 0xFFFFFFFFLL},
+    {Shape::BigInteger, ShapeKind::BigNumber, true, false, "BigInteger", "", "",
      -0x7FFFFFFFFFFFFFFFLL - 1, 0x7FFFFFFFFFFFFFFFLL},
-    {Shape::BigUnsigned, "BigUnsigned", ShapeKind::BigNumber, true, false, "", "", 0,
+    {Shape::BigUnsigned, ShapeKind::BigNumber, true, false, "BigUnsigned", "", "", 0,
      0x7FFFFFFFFFFFFFFFLL},
-    {Shape::Null, "Null", ShapeKind::Null, true, false, "", "", 0, 0},
-    {Shape::ObjectIdentifier, "ObjectIdentifier", ShapeKind::ObjectIdentifier, false, false, "", "",
+    {Shape::Null, ShapeKind::Null, true, false, "Null", "", "", 0, 0},
+    {Shape::ObjectIdentifier, ShapeKind::ObjectIdentifier, false, false, "ObjectIdentifier", "", "",
      0, 0},
-    {Shape::OctetString, "OctetString", ShapeKind::OctetString, false, true, "numocts", "data", 0,
+    {Shape::OctetString, ShapeKind::OctetString, false, true, "OctetString", "numocts", "data", 0,
      0},
-    {Shape::FixedOctetString, "FixedOctetString", ShapeKind::OctetString, false, false, "numocts",
+    {Shape::FixedOctetString, ShapeKind::OctetString, false, false, "FixedOctetString", "numocts",
      "data", 0, 0},
-    {Shape::BitString, "BitString", ShapeKind::BitString, false, true, "numbits", "data", 0, 0},
-    {Shape::FixedBitString, "FixedBitString", ShapeKind::BitString, false, false, "numbits", "data",
+    {Shape::BitString, ShapeKind::BitString, false, true, "BitString", "numbits", "data", 0, 0},
+    {Shape::FixedBitString, ShapeKind::BitString, false, false, "FixedBitString", "numbits", "data",
      0, 0},
-    {Shape::Text, "Text", ShapeKind::Text, true, true, "", "", 0, 0},
-    {Shape::Text16, "Text16", ShapeKind::Text, false, true, "nchars", "data", 0, 0},
-    {Shape::Text32, "Text32", ShapeKind::Text, false, true, "nchars", "data", 0, 0},
-    {Shape::OpenType, "OpenType", ShapeKind::OpenType, false, true, "", "", 0, 0},
-    {Shape::Sequence, "Sequence", ShapeKind::Record, false, false, "", "", 0, 0},
-    {Shape::Set, "Set", ShapeKind::Record, false, false, "", "", 0, 0},
-    {Shape::Choice, "Choice", ShapeKind::Choice, false, false, "t", "u", 0, 0},
-    {Shape::List, "List", ShapeKind::Repeated, false, true, "count", "", 0, 0},
-    {Shape::Array, "Array", ShapeKind::Repeated, false, true, "n", "elem", 0, 0},
-    {Shape::FixedArray, "FixedArray", ShapeKind::Repeated, false, false, "n", "elem", 0, 0},
+    {Shape::Text, ShapeKind::Text, true, true, "Text", "", "", 0, 0},
+    {Shape::Text16, ShapeKind::Text, false, true, "Text16", "nchars", "data", 0, 0},
+    {Shape::Text32, ShapeKind::Text, false, true, "Text32", "nchars", "data", 0, 0},
+    {Shape::OpenType, ShapeKind::OpenType, false, true, "OpenType", "", "", 0, 0},
+    {Shape::Sequence, ShapeKind::Record, false, false, "Sequence", "", "", 0, 0},
+    {Shape::Set, ShapeKind::Record, false, false, "Set", "", "", 0, 0},
+    {Shape::Choice, ShapeKind::Choice, false, false, "Choice", "t", "u", 0, 0},
+    {Shape::List, ShapeKind::Repeated, false, true, "List", "count", "", 0, 0},
+    {Shape::Array, ShapeKind::Repeated, false, true, "Array", "n", "elem", 0, 0},
+    {Shape::FixedArray, ShapeKind::Repeated, false, false, "FixedArray", "n", "elem", 0, 0},
 };
 
 /// What is known of a shape.
