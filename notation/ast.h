@@ -191,6 +191,9 @@ struct TypeNode {
     Owned<TypeNode> containing; ///< of an OCTET STRING
     bool automatic = false;     ///< the components take tags by their places
     bool expanded = false;      ///< the resolver has been here
+
+    /// Whether it has a range of sizes or of values.
+    bool isConstrained() const { return !sizes.empty() || !values.empty(); }
 };
 
 /// A piece of the WITH SYNTAX of a class.

@@ -11,10 +11,6 @@
 namespace notation {
 namespace {
 
-bool isConstrained(const TypeNode& node) {
-    return !node.sizes.empty() || !node.values.empty();
-}
-
 /// Puts a tag in front of a type, outside one that it has.
 void addTag(Owned<TypeNode>& node, const TagNode& tag) {
     if (node->tag) {
@@ -57,11 +53,7 @@ void Resolver::expand(Owned<TypeNode>& node) {
         node->kind = TypeNode::Null;
         return;
     }
-    const struct Level {
-        explicit Level(std::size_t& count) : count_(count) { ++count_; }
-        ~Level() { --count_; }
-        std::size_t& count_;
-    } level(expanding_);
+    const Level level(expanding_);
     if (node->tag && node->tag->reference) {
         const std::optional<long long> value = number(*node->tag->reference);
         node->tag->number = static_cast<unsigned>(value.value_or(0)) & 0x1FFFFFFFu;
@@ -107,7 +99,7 @@ void Resolver::expandTemplate(Owned<TypeNode>& node, const Symbol& symbol) {
     expand(symbol.assignment->type);
     evaluating_.erase(symbol.assignment);
     Owned<TypeNode> copy = symbol.assignment->type;
-    if (isConstrained(*node) || (node->tag && copy->tag)) {
+    if (node->isConstrained() || (node->tag && copy->tag)) {
         diagnostics_.error(node->at, "a constraint or a second tag on a template is not supported");
     }
     copy->at = node->at;

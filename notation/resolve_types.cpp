@@ -51,10 +51,6 @@ bool allWithin(const ConstraintNode& node, const std::function<bool(const RangeN
     }
 }
 
-bool isConstrained(const TypeNode& node) {
-    return !node.sizes.empty() || !node.values.empty();
-}
-
 } // namespace
 
 void Resolver::fill(Type& type, const TypeNode& node, const Place& place) {
@@ -62,11 +58,7 @@ void Resolver::fill(Type& type, const TypeNode& node, const Place& place) {
         diagnostics_.error(node.at, "types are told by each other more than 1000 deep");
         return;
     }
-    const struct Level {
-        explicit Level(std::size_t& count) : count_(count) { ++count_; }
-        ~Level() { --count_; }
-        std::size_t& count_;
-    } level(filling_);
+    const Level level(filling_);
     type.node = &node;
     type.notation = printType(node, DeepestPrinted);
     type.standard = place.standard;
@@ -135,7 +127,8 @@ void Resolver::fillReference(Type& type, const TypeNode& node, const Place& plac
     if (!assignment.parameters.empty() && assignment.kind == Assignment::Type) {
         // The first use that has a name lends it.
         Instance* const instance = instanceOf(node, *symbol);
-        if (instance != nullptr && instance->type == nullptr && !node.tag && !isConstrained(node)) {
+        if (instance != nullptr && instance->type == nullptr && !node.tag &&
+            !node.isConstrained()) {
             instance->type = &type;
             const std::string notation = type.notation;
             fill(type, *instance->node, place);
@@ -281,7 +274,7 @@ Type* Resolver::use(const TypeNode& node, const Place& place, bool& tagTaken) {
         hasRemark(place, "name") == nullptr) {
         const TypeNode& element = *node.element;
         const bool plain = element.kind == TypeNode::Reference && !element.tag &&
-                           !isConstrained(element) && element.further.empty();
+                           !element.isConstrained() && element.further.empty();
         if (plain || isDescribedByElements(element)) {
             Place inner = place;
             inner.name = inlineTypeName(place.name, "element");
@@ -449,7 +442,7 @@ void Resolver::fillList(Type& type, const TypeNode& node, const Place& place) {
         }
     }
     const TypeNode& element = *node.element;
-    const bool free = !element.tag && !isConstrained(element) && element.further.empty();
+    const bool free = !element.tag && !element.isConstrained() && element.further.empty();
     const bool plain = standsInPlace(element, inner) && free;
     bool taken = false;
     type.element =
@@ -499,7 +492,7 @@ void Resolver::fillElements(Type& type, const TypeNode& node, const Place& place
             element.tagNode = component.type->tag;
             const bool list = isList(*component.type);
             element.constraintPending =
-                !list && (isConstrained(*component.type) || !component.type->further.empty());
+                !list && (component.type->isConstrained() || !component.type->further.empty());
         }
         if (component.type->containing != nullptr && !tagTaken) {
             element.hasSlot = true;

@@ -31,6 +31,17 @@ public:
     std::optional<long long> number(const ValueNode& value);
 
 private:
+    /// Counts how deep something stands in itself.
+    class Level {
+    public:
+        explicit Level(std::size_t& count) : count_(count) { ++count_; }
+        ~Level() { --count_; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+
+    private:
+        std::size_t& count_;
+    };
     struct Symbol {
         Assignment* assignment = nullptr;
         Module* module = nullptr;

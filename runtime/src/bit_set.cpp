@@ -52,6 +52,17 @@ unsigned int withBitsInverted(unsigned int octet, unsigned int mask) noexcept {
     return octet ^ mask;
 }
 
+/// Applies @p operation (octet, mask) to octets, with as many bits of others as masks.
+template <class Operation>
+void applyBits(unsigned char* octets, const unsigned char* bits, unsigned int count,
+               Operation operation) noexcept {
+    const unsigned int end = octetsOfBits(count);
+    for (unsigned int i = 0; i < end; ++i) {
+        const unsigned int mask = i + 1 == end ? bits[i] & lastOctetMask(count) : bits[i];
+        octets[i] = static_cast<unsigned char>(operation(octets[i], mask));
+    }
+}
+
 } // namespace
 
 int rtSetBit(unsigned char* bits, unsigned int numbits, unsigned int index) noexcept {
@@ -304,11 +315,7 @@ int ASN1CBitStr::doOr(const unsigned char* bits, unsigned int numBits) {
     if (status != 0) {
         return status;
     }
-    unsigned char* const data = octets();
-    for (int i = 0; i < count; ++i) {
-        const unsigned int mask = i + 1 == count ? lastOctetMask(taken) : 0xFF;
-        data[i] = static_cast<unsigned char>(data[i] | (bits[i] & mask));
-    }
+    applyBits(octets(), bits, taken, withBits);
     *pNumBits = length();
     return 0;
 }
@@ -332,10 +339,7 @@ int ASN1CBitStr::doXor(const unsigned char* bits, unsigned int numBits) {
     unsigned char* const data = octets();
     // Growth may have moved the string's own octets from under the argument.
     const unsigned char* const source = own ? data : bits;
-    for (int i = 0; i < count; ++i) {
-        const unsigned int mask = i + 1 == count ? lastOctetMask(taken) : 0xFF;
-        data[i] = static_cast<unsigned char>(data[i] ^ (source[i] & mask));
-    }
+    applyBits(data, source, taken, withBitsInverted);
     recalculateUnitsUsed();
     return 0;
 }
