@@ -8,7 +8,7 @@ make_chroot() {
     local work
     work=$(mktemp -d)
     chroot=$work/root
-    trap 'umount "$chroot/proc" 2>/dev/null; rm -rf --one-file-system "'"$work"'"' EXIT
+    trap 'umount "$chroot/proc" "$chroot/dev/pts" 2>/dev/null; rm -rf --one-file-system "'"$work"'"' EXIT
     if [[ -n ${1:-} ]]; then
         cp -a "$1" "$chroot"
     else
@@ -19,12 +19,18 @@ make_chroot() {
             exit 1
         }
     fi
-    mount -t proc proc "$chroot/proc" 2>/dev/null || true
+    mount_all
     cp /etc/resolv.conf "$chroot/etc/resolv.conf"
     # Services are not to be started there.
     printf '#!/bin/sh\nexit 101\n' >"$chroot/usr/sbin/policy-rc.d"
     chmod +x "$chroot/usr/sbin/policy-rc.d"
     inside apt-get -q update >/dev/null
+}
+
+# What a running system has: processes, and terminals for those that ask for one.
+mount_all() {
+    mount -t proc proc "$chroot/proc" 2>/dev/null || true
+    mount -t devpts -o ptmxmode=666 devpts "$chroot/dev/pts" 2>/dev/null || true
 }
 
 # inside COMMAND...: runs it in the chroot, as its root, with little of this environment.

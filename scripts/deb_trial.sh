@@ -19,7 +19,7 @@ make_chroot "${1:-}"
 
 say "piuparts"
 # All at once, for they depend on each other and no archive has them.
-umount "$chroot/proc" 2>/dev/null || true # it copies whatever is there, and mounts its own
+umount "$chroot/proc" "$chroot/dev/pts" 2>/dev/null || true # it copies whatever is there, and mounts its own
 mapfile -t all < <(find "$packages" -name '*.deb' ! -name '*-dbgsym_*')
 piuparts --existing-chroot="$chroot" --keep-sources-list --distribution=bookworm --no-eatmydata \
     --fail-on-broken-symlinks --fail-if-inadequate "${all[@]}" >"$packages/piuparts.log" 2>&1 || {
@@ -27,7 +27,7 @@ piuparts --existing-chroot="$chroot" --keep-sources-list --distribution=bookworm
     fail "see ${packages#"$root/"}/piuparts.log"
 }
 grep -F PASS "$packages/piuparts.log"
-mount -t proc proc "$chroot/proc" 2>/dev/null || true
+mount_all
 
 say "installing the packages"
 # Compilers and the like are no part of the trial.

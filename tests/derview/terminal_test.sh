@@ -7,6 +7,7 @@ set -euo pipefail
 program=$(realpath "$1")
 cd "$(dirname "${BASH_SOURCE[0]}")/../data/derview"
 command -v script >/dev/null || { echo "skipped: the script command is missing"; exit 77; }
+script -qefc true /dev/null </dev/null >/dev/null 2>&1 || { echo "skipped: there are no terminals"; exit 77; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export TERM=xterm
