@@ -60,11 +60,35 @@ TEST(NameRfc4514, OrderIsThatOfTheEncoding) {
 }
 
 TEST(NameRfc4514, RefusesWhatIsNone) {
-    for (const char* text :
-         {"x",       "CN",           "Nobody=x",     "CN=a,",    ",CN=a",        "CN=a++O=b",
-          "CN=a\\",  "CN=\\g0",      "CN=\\0",       "CN=\"a\"", "CN=a<b",       "CN=#",
-          "CN=#0",   "CN=#0c0161 x", "CN=#0c01\t61", "CN=#0c02", "CN=#0c016161", "CN=\\00",
-          "CN=\\ff", "1.2.=x",       "OID.=x"}) {
+    for (const char* text : {"x",
+                             "CN",
+                             "Nobody=x",
+                             "CN=a,",
+                             ",CN=a",
+                             "CN=a++O=b",
+                             "CN=a\\",
+                             "CN=\\g0",
+                             "CN=\\0",
+                             "CN=\"a\"",
+                             "CN=a<b",
+                             "CN=#",
+                             "CN=#0",
+                             "CN=#0c0161 x",
+                             "CN=#0c01\t61",
+                             "CN=#0c02",
+                             "CN=#0c016161",
+                             "CN=\\00",
+                             "CN=\\ff",
+                             "1.2.=x",
+                             "OID.=x",
+                             "10.2.3=#0500",
+                             "1.40=#0500",
+                             "1=#0500",
+                             "2.4294967295=#0500",
+                             "2.5.4.4294967299=x",
+                             "2.5.4.03=x",
+                             "2.5.4.+3=x",
+                             "2.5. 4.3=x"}) {
         EXPECT_EQ(thrownCode([&] { fromRfc4514(text); }), E_INVALIDARG) << text;
     }
     using namespace std::string_view_literals;

@@ -1,5 +1,6 @@
 #include <brevantis/asn1/values/types/name_rfc4514.h>
 
+#include <climits>
 #include <cstring>
 #include <utility>
 
@@ -58,6 +59,13 @@ const char* keywordOf(const char* oid) {
         }
     }
     return nullptr;
+}
+
+/// Whether arcs have an encoding that is read to the same (X.660, A.2): str2oid takes any.
+bool isEncodable(const ASN1OBJID& arcs) {
+    constexpr unsigned perRoot = 40;
+    return arcs.numids >= 2 && (arcs.subid[0] == 2 ? arcs.subid[1] <= UINT_MAX - 2 * perRoot
+                                                   : arcs.subid[0] < 2 && arcs.subid[1] < perRoot);
 }
 
 /// The type of an encoded string that decodeCharString reads, one with the same octets where its
@@ -210,9 +218,11 @@ private:
             type.remove_prefix(4);
         }
         if (!type.empty() && type.front() >= '0' && type.front() <= '9') {
+            // What is read has to be what is written: str2oid takes signs and cuts arcs.
             ASN1OBJID arcs{};
             std::string oid(type);
-            if (str2oid(oid.c_str(), &arcs) != 0) {
+            if (str2oid(oid.c_str(), &arcs) != 0 || oid != toOID(arcs).c_str() ||
+                !isEncodable(arcs)) {
                 refuse();
             }
             return oid;

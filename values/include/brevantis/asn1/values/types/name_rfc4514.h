@@ -28,7 +28,8 @@ BREVANTIS_ASN1_API std::string toRfc4514(const CName& name);
 /// nothing; a value that begins with "#" is the encoding itself, one whole element.
 /// @return no relative names for the empty text
 /// @throws ATL::CAtlException with E_INVALIDARG for a text that is none: a type that is not known,
-///         a missing "=", an escape that is none, octets that are no UTF-8, a character of value 0
+///         or is no identifier that can be encoded, a missing "=", an escape that is none, octets
+///         that are no UTF-8, a character of value 0
 BREVANTIS_ASN1_API CName fromRfc4514(std::string_view text);
 
 } // namespace Brevantis::ASN1
