@@ -47,7 +47,7 @@ void Resolver::expand(Owned<TypeNode>& node) {
     node->expanded = true;
     if (expanding_ > LongestChain) {
         if (!tooDeep_) {
-            diagnostics_.error(node->at, "types are told by each other more than 1000 deep");
+            diagnostics_.error(node->at, TypesTooDeep);
         }
         tooDeep_ = true;
         node->kind = TypeNode::Null;

@@ -55,7 +55,7 @@ bool allWithin(const ConstraintNode& node, const std::function<bool(const RangeN
 
 void Resolver::fill(Type& type, const TypeNode& node, const Place& place) {
     if (filling_ > LongestChain) {
-        diagnostics_.error(node.at, "types are told by each other more than 1000 deep");
+        diagnostics_.error(node.at, TypesTooDeep);
         return;
     }
     const Level level(filling_);

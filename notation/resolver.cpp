@@ -11,6 +11,7 @@ namespace notation {
 
 const char* const ChainTooLong =
     "a value stands for another, which stands for another, more than 1000 times";
+const char* const TypesTooDeep = "types are told by each other more than 1000 deep";
 
 Resolver::Resolver(Model& model, Diagnostics& diagnostics)
     : model_(model), diagnostics_(diagnostics) {}

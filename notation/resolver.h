@@ -17,6 +17,7 @@ enum : std::size_t { LongestChain = 1000 };
 /// the one before has made.
 enum : std::size_t { MostPieces = 500000 };
 extern const char* const ChainTooLong;
+extern const char* const TypesTooDeep;
 
 /// Looks names up, expands what stands for something else, hoists the types that are described in
 /// place, gathers shared lists. What it leaves open (tags, constraints, defaults, recursion) is the
